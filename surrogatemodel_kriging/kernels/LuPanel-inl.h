@@ -1,0 +1,307 @@
+// Per-target guard: Highway includes this file once for every instruction set.
+#if defined(FENN_KERNELS_LU_PANEL_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef FENN_KERNELS_LU_PANEL_INL_H
+#undef FENN_KERNELS_LU_PANEL_INL_H
+#else
+#define FENN_KERNELS_LU_PANEL_INL_H
+#endif
+
+#include <cstddef>
+#include <limits>
+#include <utility>
+
+#include "surrogatemodel_kriging/MagnitudeGuards.h"
+#include "surrogatemodel_kriging/kernels/LuTile-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace fenn::kernels
+{
+namespace HWY_NAMESPACE
+{
+namespace lu
+{
+
+/// Columns of the matrix copied out, with all rows from the first column's diagonal down, in strips of eight rows.
+/// Rows are exchanged for good here; in the matrix only the row table is. Rows past numRows fill the last strip with
+/// zeros, and their scale is NaN so that none becomes a pivot.
+struct Panel
+{
+    double* cells; // row r, column c at cells[(r / 8 * columnStride + c) * 8 + r % 8]
+    std::size_t columnStride;
+    std::size_t numRows;
+    std::size_t numColumns;
+    double** rows;  // the row table from the panel's first row
+    double* scale;  // the rows' scale factors; NaN once the row is done
+    int* pivots;    // the pivot table from the panel's first column
+    int firstRow;   // of the panel, in the matrix
+    double* strips; // room for numColumns x numColumns: the rows beside a triangle, in strips of columns
+
+    std::size_t getNumStrips() const
+    {
+        return (numRows + kStrip - 1) / kStrip;
+    }
+    double* line(std::size_t strip, std::size_t column) const
+    {
+        return cells + (strip * columnStride + column) * kStrip;
+    }
+    double& cell(std::size_t row, std::size_t column) const
+    {
+        return line(row / kStrip, column)[row % kStrip];
+    }
+};
+
+/// Best row so far in each lane; -1 where none was taken.
+struct BestRows
+{
+    Vec merit;
+    Vec row;
+};
+
+// DELIBERATE: >= lets the last of equally good rows win, and lets a row of merit 0 replace an earlier one of merit 0.
+// The pivot order, and with it the last bits of every result, relies on it. A NaN merit is never >= and never wins.
+HWY_INLINE void takeBetter(BestRows& best, Vec merit, Vec row)
+{
+    const auto better = hn::Ge(merit, best.merit);
+    best.merit = hn::IfThenElse(better, merit, best.merit);
+    best.row = hn::IfThenElse(better, row, best.row);
+}
+
+/// The row of the greatest merit over all lanes, the last one among equals; -1 if none was taken.
+HWY_INLINE double lastOfBestRows(const BestRows& even, const BestRows& odd)
+{
+    const Tag d;
+    const Vec greatest = hn::MaxOfLanes(d, hn::Max(even.merit, odd.merit));
+    const Vec none = hn::Set(d, -1.0);
+    const Vec evenRow = hn::IfThenElse(hn::Eq(even.merit, greatest), even.row, none);
+    const Vec oddRow = hn::IfThenElse(hn::Eq(odd.merit, greatest), odd.row, none);
+    return hn::GetLane(hn::MaxOfLanes(d, hn::Max(evenRow, oddRow)));
+}
+
+/// One pass over all strips from the given one, for column first + kStep: scales column first + kStep - 1 by
+/// reciprocal into multipliers, subtracts the products of the kStep earlier columns with above[0..kStep) in ascending
+/// order, and returns the row with the greatest scale * |value|.
+template <std::size_t kStep>
+HWY_NOINLINE double sweepColumn(const Panel& panel, std::size_t firstStrip, std::size_t first, double reciprocal,
+                                const double* above)
+{
+    const Tag d;
+    const std::size_t numStrips = panel.getNumStrips();
+    const Vec factor = hn::Set(d, reciprocal);
+    Vec factors[kStep + 1];
+    FENN_UNROLL
+    for (std::size_t k = 0; k < kStep; ++k)
+        factors[k] = hn::Set(d, above[k]);
+
+    BestRows best[2] = {{hn::Zero(d), hn::Set(d, -1.0)}, {hn::Zero(d), hn::Set(d, -1.0)}};
+    Vec row = hn::Iota(d, static_cast<double>(firstStrip * kStrip));
+    const Vec nextRow = hn::Set(d, static_cast<double>(kLanes));
+
+    const auto sweepVec = [&](double* lines, const double* scale, BestRows& bestRows) HWY_ATTR
+    {
+        Vec value = hn::Load(d, lines + kStrip * kStep);
+        if constexpr (kStep > 0)
+        {
+            FENN_UNROLL
+            for (std::size_t k = 0; k + 1 < kStep; ++k)
+                value = hn::Sub(value, hn::Mul(hn::Load(d, lines + kStrip * k), factors[k]));
+            const Vec multiplier = hn::Mul(hn::Load(d, lines + kStrip * (kStep - 1)), factor);
+            hn::Store(multiplier, d, lines + kStrip * (kStep - 1));
+            value = hn::Sub(value, hn::Mul(multiplier, factors[kStep - 1]));
+            hn::Store(value, d, lines + kStrip * kStep);
+        }
+        takeBetter(bestRows, hn::Mul(hn::Load(d, scale), hn::Abs(value)), row);
+        row = hn::Add(row, nextRow);
+    };
+    for (std::size_t strip = firstStrip; strip < numStrips; ++strip)
+    {
+        double* lines = panel.line(strip, first);
+        const double* scale = panel.scale + strip * kStrip;
+        FENN_UNROLL
+        for (std::size_t v = 0; v < kVecsPerStrip; ++v)
+            sweepVec(lines + kLanes * v, scale + kLanes * v, best[(strip ^ v) & 1]);
+    }
+    return lastOfBestRows(best[0], best[1]);
+}
+
+HWY_INLINE double sweepStep(const Panel& panel, std::size_t firstStrip, std::size_t first, std::size_t step,
+                            double reciprocal, const double* above)
+{
+    switch (step)
+    {
+    case 0:
+        return sweepColumn<0>(panel, firstStrip, first, reciprocal, above);
+    case 1:
+        return sweepColumn<1>(panel, firstStrip, first, reciprocal, above);
+    case 2:
+        return sweepColumn<2>(panel, firstStrip, first, reciprocal, above);
+    case 3:
+        return sweepColumn<3>(panel, firstStrip, first, reciprocal, above);
+    case 4:
+        return sweepColumn<4>(panel, firstStrip, first, reciprocal, above);
+    case 5:
+        return sweepColumn<5>(panel, firstStrip, first, reciprocal, above);
+    case 6:
+        return sweepColumn<6>(panel, firstStrip, first, reciprocal, above);
+    default:
+        return sweepColumn<7>(panel, firstStrip, first, reciprocal, above);
+    }
+}
+
+/// Exchanges two rows in the row table and in the columns [begin, end) of the panel.
+HWY_INLINE void exchangeCells(const Panel& panel, std::size_t rowA, std::size_t rowB, std::size_t begin,
+                              std::size_t end)
+{
+    double* a = &panel.cell(rowA, 0);
+    double* b = &panel.cell(rowB, 0);
+    for (std::size_t c = begin; c < end; ++c)
+        std::swap(a[c * kStrip], b[c * kStrip]);
+}
+
+/// Factorises the columns [first, first + count), count at most eight and first a multiple of eight. Finished rows
+/// are kept aside until the end: what the sweeps make of their places meanwhile is never read.
+HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::size_t count)
+{
+    const Tag d;
+    const std::size_t topStrip = first / kStrip;
+    double done[kStrip][kStrip] = {}; // finished rows: multipliers, pivot, elements above the later columns
+    double above[kStrip] = {};
+    double reciprocal = 0.0;
+
+    for (std::size_t step = 0; step < count; ++step)
+    {
+        const std::size_t column = first + step;
+        const double best = sweepStep(panel, topStrip, first, step, reciprocal, above);
+        const std::size_t pivot = best < 0.0 ? column : static_cast<std::size_t>(best);
+        panel.pivots[column] = panel.firstRow + static_cast<int>(pivot);
+
+        double* finished = done[step];
+        const double* pivotCells = &panel.cell(pivot, first);
+        for (std::size_t c = 0; c < count; ++c)
+            finished[c] = pivotCells[c * kStrip];
+        if (finished[step] > -effectivelyZero && finished[step] < effectivelyZero)
+            finished[step] = effectivelyZero;
+        reciprocal = 1.0 / finished[step];
+        for (std::size_t c = step + 1; c < count; ++c)
+        {
+            double value = finished[c];
+            for (std::size_t k = 0; k < step; ++k)
+                value = value - finished[k] * done[k][c];
+            finished[c] = value;
+        }
+        if (step + 1 < count)
+            for (std::size_t k = 0; k <= step; ++k)
+                above[k] = done[k][step + 1];
+
+        if (pivot != column)
+        {
+            std::swap(panel.rows[column], panel.rows[pivot]);
+            panel.scale[pivot] = panel.scale[column];
+            double* to = &panel.cell(pivot, first);
+            const double* from = &panel.cell(column, first);
+            for (std::size_t c = 0; c < count; ++c)
+                to[c * kStrip] = from[c * kStrip];
+            exchangeCells(panel, column, pivot, 0, first);
+            exchangeCells(panel, column, pivot, first + count, panel.numColumns);
+        }
+        panel.scale[column] = std::numeric_limits<double>::quiet_NaN();
+    }
+
+    const Vec factor = hn::Set(d, reciprocal);
+    for (std::size_t strip = topStrip; strip < panel.getNumStrips(); ++strip)
+    {
+        double* last = panel.line(strip, first + count - 1);
+        for (std::size_t v = 0; v < kVecsPerStrip; ++v)
+            hn::Store(hn::Mul(hn::Load(d, last + kLanes * v), factor), d, last + kLanes * v);
+    }
+    for (std::size_t step = 0; step < count; ++step)
+        for (std::size_t c = 0; c < count; ++c)
+            panel.cell(first + step, first + c) = done[step][c];
+}
+
+/// Carries the finished columns [first, first + depth) into the columns [first + depth, end) of the panel.
+HWY_INLINE void updateWithin(const Panel& panel, std::size_t first, std::size_t depth, std::size_t end)
+{
+    const std::size_t begin = first + depth;
+    const std::size_t topStrip = first / kStrip;
+    const std::size_t firstStrip = begin / kStrip;
+    const std::size_t numColumnStrips = (end - begin + kStrip - 1) / kStrip;
+    const std::size_t factorStride = panel.columnStride * kStrip;
+
+    for (std::size_t s = 0; s < numColumnStrips; ++s)
+    {
+        double* strip = panel.strips + s * depth * kStrip;
+        const std::size_t column = begin + s * kStrip;
+        for (std::size_t k = 0; k < depth; k += kStrip)
+            transposeStrip(StripTarget{panel.line(topStrip + k / kStrip, column)}, StripTarget{strip + k * kStrip});
+        solveUnitLower(panel.line(topStrip, first), factorStride, strip, depth);
+        for (std::size_t k = 0; k < depth; k += kStrip)
+            transposeStrip(StripTarget{strip + k * kStrip}, StripTarget{panel.line(topStrip + k / kStrip, column)});
+    }
+    for (std::size_t s = 0; s < numColumnStrips; s += 3)
+    {
+        const std::size_t numFactors = kStrip * std::min<std::size_t>(3, numColumnStrips - s);
+        const double* strips = panel.strips + s * depth * kStrip;
+        for (std::size_t strip = firstStrip; strip < panel.getNumStrips(); ++strip)
+            subtractTile(StripTarget{panel.line(strip, begin + s * kStrip)}, strips, depth * kStrip,
+                         panel.line(strip, first), depth, numFactors);
+    }
+}
+
+/// Factorises the columns [first, first + count) of the panel: halves, down to eight columns.
+inline void factorisePanel(const Panel& panel, std::size_t first, std::size_t count)
+{
+    if (count <= kStrip)
+        return factoriseColumns(panel, first, count);
+
+    const std::size_t left = (count / 2 + kStrip - 1) / kStrip * kStrip;
+    factorisePanel(panel, first, left);
+    updateWithin(panel, first, left, first + count);
+    factorisePanel(panel, first + left, count - left);
+}
+
+/// Copies columns [firstColumn, firstColumn + numColumns) of the matrix into the panel.
+HWY_INLINE void packPanel(const Panel& panel, std::size_t firstColumn)
+{
+    const std::size_t wholeRows = panel.numRows / kStrip * kStrip;
+    const std::size_t wholeColumns = panel.numColumns / kStrip * kStrip;
+    for (std::size_t r = 0; r < wholeRows; r += kStrip)
+    {
+        for (std::size_t c = 0; c < wholeColumns; c += kStrip)
+            transposeStrip(RowTarget{panel.rows + r, firstColumn + c, 0}, StripTarget{panel.line(r / kStrip, c)});
+        for (std::size_t c = wholeColumns; c < panel.numColumns; ++c)
+            for (std::size_t i = 0; i < kStrip; ++i)
+                panel.line(r / kStrip, c)[i] = panel.rows[r + i][firstColumn + c];
+    }
+    for (std::size_t r = wholeRows; r < panel.getNumStrips() * kStrip; ++r)
+    {
+        for (std::size_t c = 0; c < panel.numColumns; ++c)
+            panel.cell(r, c) = r < panel.numRows ? panel.rows[r][firstColumn + c] : 0.0;
+        if (r >= panel.numRows)
+            panel.scale[r] = std::numeric_limits<double>::quiet_NaN();
+    }
+}
+
+/// Copies the panel back to where the row table now says.
+HWY_INLINE void unpackPanel(const Panel& panel, std::size_t firstColumn)
+{
+    const std::size_t wholeRows = panel.numRows / kStrip * kStrip;
+    const std::size_t wholeColumns = panel.numColumns / kStrip * kStrip;
+    for (std::size_t r = 0; r < wholeRows; r += kStrip)
+    {
+        for (std::size_t c = 0; c < wholeColumns; c += kStrip)
+            transposeStrip(StripTarget{panel.line(r / kStrip, c)}, RowTarget{panel.rows + r, firstColumn + c, 0});
+        for (std::size_t c = wholeColumns; c < panel.numColumns; ++c)
+            for (std::size_t i = 0; i < kStrip; ++i)
+                panel.rows[r + i][firstColumn + c] = panel.line(r / kStrip, c)[i];
+    }
+    for (std::size_t r = wholeRows; r < panel.numRows; ++r)
+        for (std::size_t c = 0; c < panel.numColumns; ++c)
+            panel.rows[r][firstColumn + c] = panel.cell(r, c);
+}
+
+} // namespace lu
+} // namespace HWY_NAMESPACE
+} // namespace fenn::kernels
+HWY_AFTER_NAMESPACE();
+
+#endif

@@ -1,0 +1,254 @@
+// Per-target guard: Highway includes this file once for every instruction set.
+#if defined(FENN_KERNELS_LU_SMALL_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef FENN_KERNELS_LU_SMALL_INL_H
+#undef FENN_KERNELS_LU_SMALL_INL_H
+#else
+#define FENN_KERNELS_LU_SMALL_INL_H
+#endif
+
+#include <cstddef>
+#include <utility>
+
+#include "surrogatemodel_kriging/MagnitudeGuards.h"
+#include "surrogatemodel_kriging/kernels/LuTile-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace fenn::kernels
+{
+namespace HWY_NAMESPACE
+{
+namespace lu
+{
+
+/// Where lines of a matrix copied out by columns lie: eight rows of column i.
+struct ColumnTarget
+{
+    double* cells;
+    std::size_t stride;
+    double* at(std::size_t i) const
+    {
+        return cells + stride * i;
+    }
+};
+
+/// A matrix of at most kStrips * 8 rows, factorised from a copy by columns whose rows keep their places: lanes are
+/// rows, one pass per pivot scales, updates and finds the next pivot, and only whole vectors are stored (a load that
+/// follows a store of a part of it waits for the cache).
+template <std::size_t kStrips>
+class SmallLu
+{
+public:
+    SmallLu(double** rows_, std::size_t n_, double* cells_, double* spareRow) : rows(rows_), n(n_), cells(cells_)
+    {
+        for (std::size_t i = 0; i < kRows; ++i)
+        {
+            places[i] = i < n ? rows[i] : spareRow;
+            atPosition[i] = positionOf[i] = static_cast<int>(i);
+        }
+    }
+
+    HWY_NOINLINE bool factorise(int* pivots)
+    {
+        copyIn();
+        const Tag d;
+        Vec scale[kVecs];
+        if (!scaleRows(scale))
+            return false;
+
+        hn::Mask<Tag> open[kVecs]; // rows that have not been a pivot
+        for (std::size_t v = 0; v < kVecs; ++v)
+            open[v] = hn::Lt(hn::Iota(d, static_cast<double>(v * kLanes)), hn::Set(d, static_cast<double>(n)));
+
+        Vec merit[kVecs];
+        FENN_UNROLL
+        for (std::size_t v = 0; v < kVecs; ++v)
+            merit[v] = meritOf(scale[v], hn::Load(d, column(0) + v * kLanes), open[v]);
+
+        for (std::size_t j = 0; j < n; ++j)
+        {
+            const std::size_t pivot = choosePivot(merit, j);
+            pivots[j] = positionOf[pivot];
+            exchangePositions(j, pivot);
+            double& pivotValue = column(j)[pivot];
+            if (pivotValue > -effectivelyZero && pivotValue < effectivelyZero)
+                pivotValue = effectivelyZero;
+            if (j + 1 == n)
+                break;
+
+            const Vec reciprocal = hn::Set(d, 1.0 / pivotValue);
+            const Vec pivotRow = hn::Set(d, static_cast<double>(pivot));
+            Vec multipliers[kVecs];
+            FENN_UNROLL
+            for (std::size_t v = 0; v < kVecs; ++v)
+            {
+                open[v] = hn::And(open[v], hn::Ne(hn::Iota(d, static_cast<double>(v * kLanes)), pivotRow));
+                const Vec values = hn::Load(d, column(j) + v * kLanes);
+                multipliers[v] = hn::IfThenElse(open[v], hn::Mul(values, reciprocal), values);
+                hn::Store(multipliers[v], d, column(j) + v * kLanes);
+            }
+            for (std::size_t c = j + 1; c < n; ++c)
+            {
+                double* lines = column(c);
+                const Vec above = hn::Set(d, lines[pivot]);
+                FENN_UNROLL
+                for (std::size_t v = 0; v < kVecs; ++v)
+                {
+                    const Vec values = hn::Load(d, lines + v * kLanes);
+                    const Vec updated =
+                        hn::IfThenElse(open[v], hn::Sub(values, hn::Mul(multipliers[v], above)), values);
+                    hn::Store(updated, d, lines + v * kLanes);
+                    if (c == j + 1)
+                        merit[v] = meritOf(scale[v], updated, open[v]);
+                }
+            }
+        }
+        copyOut();
+        return true;
+    }
+
+private:
+    static constexpr std::size_t kRows = kStrips * kStrip;
+    static constexpr std::size_t kVecs = kStrips * kVecsPerStrip;
+
+    double* column(std::size_t c) const
+    {
+        return cells + c * kRows;
+    }
+
+    /// NaN and rows that have been a pivot become -1, below every merit.
+    static Vec meritOf(Vec scale, Vec values, hn::Mask<Tag> openRows)
+    {
+        const Tag d;
+        const Vec merit = hn::Mul(scale, hn::Abs(values));
+        return hn::IfThenElse(hn::And(openRows, hn::Ge(merit, hn::Zero(d))), merit, hn::Set(d, -1.0));
+    }
+
+    bool scaleRows(Vec (&scale)[kVecs]) const
+    {
+        const Tag d;
+        Vec big[kVecs];
+        FENN_UNROLL
+        for (std::size_t v = 0; v < kVecs; ++v)
+            big[v] = hn::Zero(d);
+        for (std::size_t c = 0; c < n; ++c)
+        {
+            FENN_UNROLL
+            for (std::size_t v = 0; v < kVecs; ++v)
+            {
+                const Vec magnitude = hn::Abs(hn::Load(d, column(c) + v * kLanes));
+                big[v] = hn::IfThenElse(hn::Gt(magnitude, big[v]), magnitude, big[v]);
+            }
+        }
+        FENN_UNROLL
+        for (std::size_t v = 0; v < kVecs; ++v)
+        {
+            const auto used = hn::Lt(hn::Iota(d, static_cast<double>(v * kLanes)), hn::Set(d, static_cast<double>(n)));
+            if (!hn::AllFalse(d, hn::And(used, hn::Eq(big[v], hn::Zero(d)))))
+                return false;
+            scale[v] = hn::Div(hn::Set(d, 1.0), big[v]);
+        }
+        return true;
+    }
+
+    // DELIBERATE: the last of equally good rows wins, in the order of the row table, also among rows of merit 0, and
+    // NaN never wins. The pivot order, and with it the last bits of every result, relies on it.
+    std::size_t choosePivot(const Vec (&merit)[kVecs], std::size_t j) const
+    {
+        const Tag d;
+        Vec greatest = merit[0];
+        FENN_UNROLL
+        for (std::size_t v = 1; v < kVecs; ++v)
+            greatest = hn::Max(greatest, merit[v]);
+        greatest = hn::MaxOfLanes(d, greatest);
+
+        std::size_t numEqual = 0;
+        std::size_t found = 0;
+        FENN_UNROLL
+        for (std::size_t v = 0; v < kVecs; ++v)
+        {
+            const auto equal = hn::Eq(merit[v], greatest);
+            const auto first = hn::FindFirstTrue(d, equal);
+            found = first >= 0 ? v * kLanes + static_cast<std::size_t>(first) : found;
+            numEqual += hn::CountTrue(d, equal);
+        }
+        if (numEqual == 1)
+            return found;
+        return chooseAmongEquals(merit, greatest, j);
+    }
+
+    HWY_NOINLINE std::size_t chooseAmongEquals(const Vec (&merit)[kVecs], Vec greatest, std::size_t j) const
+    {
+        const Tag d;
+        const double best = hn::GetLane(greatest);
+        if (best < 0.0)
+            return static_cast<std::size_t>(atPosition[j]);
+        HWY_ALIGN double merits[kRows];
+        for (std::size_t v = 0; v < kVecs; ++v)
+            hn::Store(merit[v], d, merits + v * kLanes);
+        std::size_t position = n - 1;
+        while (merits[atPosition[position]] != best)
+            --position;
+        return static_cast<std::size_t>(atPosition[position]);
+    }
+
+    void exchangePositions(std::size_t j, std::size_t pivot)
+    {
+        const int other = atPosition[j];
+        const int position = positionOf[pivot];
+        atPosition[position] = other;
+        positionOf[other] = position;
+        atPosition[j] = static_cast<int>(pivot);
+        positionOf[pivot] = static_cast<int>(j);
+    }
+
+    void copyIn() const
+    {
+        if (n < kStrip)
+        {
+            for (std::size_t c = 0; c < n; ++c)
+                for (std::size_t i = 0; i < kRows; ++i)
+                    column(c)[i] = i < n ? places[i][c] : 0.0;
+            return;
+        }
+        for (std::size_t c = 0; c < n; c += kStrip)
+        {
+            const std::size_t first = std::min(c, n - kStrip); // the last eight columns overlap those before
+            for (std::size_t s = 0; s < kStrips; ++s)
+                transposeStrip(RowTarget{places + s * kStrip, first, 0},
+                               ColumnTarget{column(first) + s * kStrip, kRows});
+        }
+    }
+
+    void copyOut() const
+    {
+        if (n < kStrip)
+        {
+            for (std::size_t c = 0; c < n; ++c)
+                for (std::size_t i = 0; i < n; ++i)
+                    places[i][c] = column(c)[i];
+        }
+        for (std::size_t c = 0; n >= kStrip && c < n; c += kStrip)
+        {
+            const std::size_t first = std::min(c, n - kStrip);
+            for (std::size_t s = 0; s < kStrips; ++s)
+                transposeStrip(ColumnTarget{column(first) + s * kStrip, kRows},
+                               RowTarget{places + s * kStrip, first, 0});
+        }
+        for (std::size_t i = 0; i < n; ++i)
+            rows[i] = places[atPosition[i]];
+    }
+
+    double** rows;
+    std::size_t n;
+    double* cells;
+    double* places[kRows]; // of the rows, as the row table had them at first
+    int atPosition[kRows]; // row at each position of the row table
+    int positionOf[kRows];
+};
+
+} // namespace lu
+} // namespace HWY_NAMESPACE
+} // namespace fenn::kernels
+HWY_AFTER_NAMESPACE();
+
+#endif

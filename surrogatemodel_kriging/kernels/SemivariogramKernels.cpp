@@ -1,0 +1,131 @@
+#include "surrogatemodel_kriging/kernels/SemivariogramKernels.h"
+
+#include "surrogatemodel_kriging/kernels/HighwayTargets.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "surrogatemodel_kriging/kernels/SemivariogramKernels.cpp"
+#include "hwy/foreach_target.h"
+
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace fenn::kernels
+{
+namespace HWY_NAMESPACE
+{
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr std::size_t kMostLanes = hn::MaxLanes(hn::CappedTag<double, 8>());
+
+template <class D>
+HWY_INLINE hn::Vec<D> valuesAtLags(D d, const SphericalModel& model, hn::Vec<D> lagsSquared)
+{
+    const auto nugget = hn::Set(d, model.nugget);
+    const auto within = hn::Add(hn::Mul(hn::Mul(hn::Sqrt(lagsSquared), hn::Set(d, model.shapeCoefficient)),
+                                        hn::Sub(hn::Set(d, model.threeRangeSquared), lagsSquared)),
+                                nugget);
+    const auto beyond = hn::Ge(lagsSquared, hn::Set(d, model.rangeSquared));
+    const auto coincident = hn::Le(lagsSquared, hn::Zero(d));
+    return hn::IfThenElse(coincident, nugget, hn::IfThenElse(beyond, hn::Set(d, 1.0), within));
+}
+
+/// One vector of pairs. Sources, or targets, or both lie in lanes: loadDifference gives source minus target of v.
+template <class D, class LoadDifference>
+HWY_INLINE void evaluateVector(D d, const SphericalModel& model, const LoadDifference& loadDifference, double* values)
+{
+    // A square is never -0.0, so that the sum may start with the first one instead of +0.0.
+    auto lagsSquared = hn::Zero(d);
+    if (model.numInputVars > 0)
+    {
+        const auto first = hn::Mul(loadDifference(d, 0), hn::Set(d, model.scales[0]));
+        lagsSquared = hn::Mul(first, first);
+    }
+    for (std::size_t v = 1; v < model.numInputVars; ++v)
+    {
+        const auto difference = hn::Mul(loadDifference(d, v), hn::Set(d, model.scales[v]));
+        lagsSquared = hn::Add(lagsSquared, hn::Mul(difference, difference));
+    }
+    hn::StoreU(valuesAtLags(d, model, lagsSquared), d, values);
+}
+
+/// Calls evaluate(d, i) so that vectors of d's lanes from i on cover [0, count), at least one vector long. The last one
+/// may overlap the one before: it repeats the same values.
+template <class D, class Evaluate>
+HWY_INLINE void coverWith(D d, std::size_t count, const Evaluate& evaluate)
+{
+    constexpr std::size_t lanes = hn::MaxLanes(D());
+    for (std::size_t i = 0; i + lanes <= count; i += lanes)
+        evaluate(d, i);
+    if (count % lanes != 0)
+        evaluate(d, count - lanes);
+}
+
+template <class Evaluate>
+HWY_INLINE void cover(std::size_t count, const Evaluate& evaluate)
+{
+    if (kMostLanes >= 8 && count >= 8)
+        coverWith(hn::CappedTag<double, 8>(), count, evaluate);
+    else if (kMostLanes >= 4 && count >= 4)
+        coverWith(hn::CappedTag<double, 4>(), count, evaluate);
+    else if (kMostLanes >= 2 && count >= 2)
+        coverWith(hn::CappedTag<double, 2>(), count, evaluate);
+    else
+        coverWith(hn::CappedTag<double, 1>(), count, evaluate);
+}
+
+/// One target, its coordinates at index t of each array, against all sources.
+void evaluateAcrossSources(const SphericalModel& model, const double* const* sources, std::size_t numSources,
+                           const double* const* targets, std::size_t t, double* values)
+{
+    cover(numSources,
+          [&](auto d, std::size_t s) HWY_ATTR
+          {
+              evaluateVector(
+                  d, model,
+                  [&](auto dd, std::size_t v) HWY_ATTR
+                  { return hn::Sub(hn::LoadU(dd, sources[v] + s), hn::Set(dd, targets[v][t])); },
+                  values + s);
+          });
+}
+
+void evaluateSpherical(const SphericalModel& model, const double* const* sources, std::size_t numSources,
+                       const double* const* targets, std::size_t numTargets, double* values, std::size_t stride)
+{
+    if (numTargets == 1 && stride == 1)
+    {
+        evaluateAcrossSources(model, sources, numSources, targets, 0, values);
+        return;
+    }
+    for (std::size_t s = 0; s < numSources; ++s)
+    {
+        cover(numTargets,
+              [&](auto d, std::size_t t) HWY_ATTR
+              {
+                  evaluateVector(
+                      d, model,
+                      [&](auto dd, std::size_t v) HWY_ATTR
+                      { return hn::Sub(hn::Set(dd, sources[v][s]), hn::LoadU(dd, targets[v] + t)); },
+                      values + s * stride + t);
+              });
+    }
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace fenn::kernels
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace fenn::kernels
+{
+
+HWY_EXPORT(evaluateSpherical);
+
+void evaluateSpherical(const SphericalModel& model, const double* const* sources, std::size_t numSources,
+                       const double* const* targets, std::size_t numTargets, double* values, std::size_t stride)
+{
+    HWY_DYNAMIC_DISPATCH(evaluateSpherical)(model, sources, numSources, targets, numTargets, values, stride);
+}
+
+} // namespace fenn::kernels
+#endif

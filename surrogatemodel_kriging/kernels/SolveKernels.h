@@ -1,0 +1,53 @@
+#ifndef FENN_KERNELS_SOLVE_KERNELS_H
+#define FENN_KERNELS_SOLVE_KERNELS_H
+
+#include <cstddef>
+
+namespace fenn::kernels
+{
+
+/// Targets in a strip: entry j of target t of a strip stands at strip[stripWidth * j + t].
+constexpr std::size_t stripWidth = 8;
+
+/// Strips that a group may hold.
+constexpr std::size_t maxGroupStrips = 4;
+
+/// Up to maxGroupStrips strips that are worked on together. Each is aligned to 64 bytes; they do not overlap. What one
+/// target holds never influences another: lanes without a target may hold anything.
+struct StripGroup
+{
+    double* strips = nullptr;
+    std::size_t stride = 0; // doubles from one strip to the next
+    std::size_t numStrips = 0;
+};
+
+/// Forward substitution with the unit lower triangle of the n factor rows: for i ascending from 0, b(i) -= a(i,k) b(k)
+/// for k ascending in [0, i), each product rounded before its subtraction. Nothing is skipped: a leading zero of b is
+/// multiplied like everything else.
+void substituteForward(const double* const* rows, std::size_t n, const StripGroup& forward);
+
+/// Back substitution with the upper triangle: for i descending from n - 1, b(i) -= a(i,k) b(k) for k ascending in
+/// (i, n), each product rounded before its subtraction, then b(i) /= a(i,i). Returns whether some b(i), of whatever
+/// lane, then lay beyond +-limit; NaN does not.
+bool substituteBack(const double* const* rows, std::size_t n, const StripGroup& back, double limit);
+
+/// Both, of two groups that do not overlap, mixed: one waits for memory where the other waits for arithmetic.
+bool substituteBothWays(const double* const* rows, std::size_t n, const StripGroup& back, const StripGroup& forward,
+                        double limit);
+
+/// to(i) = from(order[i]) for i in [0, n), for each strip of two groups of equally many strips.
+void permuteRows(const int* order, std::size_t n, const StripGroup& from, const StripGroup& to);
+
+/// sums[(o * weights.numStrips + s) * stripWidth + t] = sum over j ascending in [0, count) of weight(j) of target t of
+/// strip s times values[o][j], each product rounded before it is added, starting with the first product or, where
+/// startsAtZero[o], with +0.0. count is at least 1.
+void sumWeighted(const StripGroup& weights, std::size_t count, const double* const* values, const bool* startsAtZero,
+                 std::size_t numSums, double* sums);
+
+/// sums[s * stripWidth + t] = sum over j ascending in [0, count) of a(j) b(j), starting with the first product, for
+/// each strip of two groups of equally many strips. count is at least 1.
+void sumProducts(const StripGroup& a, const StripGroup& b, std::size_t count, double* sums);
+
+} // namespace fenn::kernels
+
+#endif
