@@ -1,0 +1,23 @@
+#ifndef FENN_SURROGATEMODEL_KRIGING_SORTEDPOINTS_H
+#define FENN_SURROGATEMODEL_KRIGING_SORTEDPOINTS_H
+
+#include <vector>
+
+#include "surrogatemodel_kriging/SourcePointRef.h"
+
+namespace fenn
+{
+
+/// A point with its value of one input variable beside it: sorting reads no sample.
+struct PointWithValue
+{
+    double value;
+    SourcePointRef point;
+};
+
+/// Sorts ascending by value, NaN last, equal values (-0 equals +0) in the order they stand in.
+void sortByValue(std::vector<PointWithValue>& points);
+
+} // namespace fenn
+
+#endif
