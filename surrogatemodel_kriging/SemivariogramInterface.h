@@ -1,0 +1,36 @@
+#ifndef FENN_SURROGATEMODEL_KRIGING_SEMIVARIOGRAMINTERFACE_H
+#define FENN_SURROGATEMODEL_KRIGING_SEMIVARIOGRAMINTERFACE_H
+
+#include <cstddef>
+#include <vector>
+
+/// Points for a bulk evaluation: coordinate v of point i is coordinates[v][i], raw units. Refers, does not own.
+struct PointArrays
+{
+    const double* const* coordinates = nullptr; // one array per input variable
+    int numInputVars = 0;
+    std::size_t numPts = 0;
+};
+
+/// A semivariogram model: the expected dissimilarity of two outputs, half their mean squared difference, as a function
+/// of the points' separation, with sill 1. Models are immutable after construction: any number of threads may evaluate.
+class SemivariogramInterface
+{
+public:
+    SemivariogramInterface() = default;
+    SemivariogramInterface(const SemivariogramInterface& other) = delete;
+    SemivariogramInterface& operator=(const SemivariogramInterface& other) = delete;
+
+    /// separation: raw coordinate differences, one per input variable.
+    virtual double evaluate(const std::vector<double>& separation) const = 0;
+
+    virtual ~SemivariogramInterface();
+
+    /// values[s * stride + t] = evaluate(source s - target t) for every source s and target t; stride is at least the
+    /// number of targets, and entries beyond it are left alone. An override gives the same bits as this default, which
+    /// calls evaluate exactly once per pair, source by source.
+    virtual void evaluatePairs(const PointArrays& sources, const PointArrays& targets, double* values,
+                               std::size_t stride) const;
+};
+
+#endif
