@@ -1,0 +1,39 @@
+#ifndef FENN_SURROGATEMODEL_KRIGING_ALLPTSKRIGINGCONTROLLER_H
+#define FENN_SURROGATEMODEL_KRIGING_ALLPTSKRIGINGCONTROLLER_H
+
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "surrogatemodel_kriging/KrigingControllerAbstract.h"
+#include "surrogatemodel_kriging/KrigingMatrix.h"
+#include "surrogatemodel_kriging/SourcePointRef.h"
+
+class QThreadPool;
+class SemivariogramInterface;
+
+/// Global Kriging: one system over all unblanked points, factorised at construction; the targets of a request are
+/// divided into contiguous ranges that a pool of this controller's own evaluates in parallel.
+///
+/// Refers to the data block and the semivariogram, which must outlive it. Several threads may run requests at once.
+class AllPtsKrigingController : public KrigingControllerAbstract
+{
+public:
+    /// maxThreads: limit of the pool; 0 leaves it at the pool's default, the number of processors.
+    /// Throws as the constructor of KrigingMatrix and Matrix::luDecompose.
+    AllPtsKrigingController(const SurrogateModelDataBlock* dataBlock_, SemivariogramInterface* semivariogram,
+                            int driftOrder, int maxThreads = 0);
+    ~AllPtsKrigingController() override;
+
+    /// Returns, or throws, when every range has been dealt with. Of several failing ranges the one with the lowest
+    /// first target decides what is thrown; targets before a range's failing one have their values.
+    void interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars, int numTargets,
+                     std::vector<double*>& values, std::vector<double*>& variances) override;
+
+private:
+    KrigingMatrix krigingMatrix;           // factorised, read-only after construction
+    std::vector<SourcePointRef> sourcePts; // entry i owns row i of the system
+    std::unique_ptr<QThreadPool> threadPool;
+};
+
+#endif

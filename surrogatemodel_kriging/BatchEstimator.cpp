@@ -1,0 +1,222 @@
+#include "surrogatemodel_kriging/BatchEstimator.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace
+{
+
+using fenn::kernels::maxGroupStrips;
+using fenn::kernels::stripWidth;
+
+constexpr int laneCount = static_cast<int>(stripWidth);
+constexpr int groupTargets = static_cast<int>(maxGroupStrips * stripWidth);
+
+std::size_t toIndex(int i)
+{
+    return static_cast<std::size_t>(i);
+}
+
+/// Doubles from one strip to the next: an odd number of cache lines, so that equal rows of a group's strips fall into
+/// different sets of the cache.
+std::size_t stripStride(std::size_t dimension)
+{
+    return stripWidth * (dimension | 1);
+}
+
+std::size_t numStripsFor(int numTargets)
+{
+    return toIndex((numTargets + laneCount - 1) / laneCount);
+}
+
+/// Where entry 0 of a target of a group stands; the next ones follow stripWidth apart.
+double* laneOf(const fenn::kernels::StripGroup& group, int t)
+{
+    return group.strips + group.stride * toIndex(t / laneCount) + toIndex(t % laneCount);
+}
+
+} // namespace
+
+BatchEstimator::BatchEstimator(const KrigingMatrix& krigingMatrix_, const std::vector<SourcePointRef>& sourcePts,
+                               const std::set<int>& outputVars,
+                               const std::function<const Normalizer&(int)>& normalizerOf, bool wantsVariances_,
+                               int maxTargets)
+    : krigingMatrix(krigingMatrix_),
+      dimension(toIndex(krigingMatrix_.getDimension())),
+      wantsVariances(wantsVariances_),
+      hasTinyDiagonal(krigingMatrix_.hasTinyDiagonal()),
+      isCentred(std::make_unique<bool[]>(outputVars.size())),
+      column(dimension),
+      sums(outputVars.size() * maxGroupStrips * stripWidth)
+{
+    krigingMatrix.calcRowOrder(rowOrder);
+    krigingMatrix.gatherCoordinates(sourcePts, points);
+    target.resize(points.getNumInputVars());
+    lanes.resize(points.getNumInputVars() * stripWidth);
+    scratch.resize(points.getNumInputVars() * stripWidth);
+
+    outputStore.resize(outputVars.size() * points.getNumPts());
+    for (const int outputVar : outputVars)
+    {
+        const double reference = normalizerOf(outputVar).getOffset();
+        double* values = outputStore.data() + outputs.size() * points.getNumPts();
+        krigingMatrix.gatherOutputs(outputVar, reference, sourcePts, values);
+        isCentred[outputs.size()] = KrigingMatrix::isCentred(reference);
+        references.push_back(reference);
+        outputs.push_back(values);
+    }
+    layOutGroups(maxTargets);
+}
+
+void BatchEstimator::layOutGroups(int maxTargets)
+{
+    constexpr std::size_t alignment = 64 / sizeof(double);
+    const std::size_t stride = stripStride(dimension);
+    const std::size_t numStrips = std::min(numStripsFor(maxTargets), maxGroupStrips);
+    const std::size_t numGroups = maxTargets > groupTargets ? 2 : 1;
+    stripStore.resize(2 * numGroups * numStrips * stride + alignment);
+
+    const auto address = reinterpret_cast<std::uintptr_t>(stripStore.data()) / sizeof(double);
+    double* next = stripStore.data() + (alignment - address % alignment) % alignment;
+    for (std::size_t g = 0; g < numGroups; ++g)
+    {
+        groups[g].rightHandSides = {next, stride, 0};
+        groups[g].solutions = {next + numStrips * stride, stride, 0};
+        next += 2 * numStrips * stride;
+    }
+}
+
+void BatchEstimator::evaluate(const Arrays& targetCoords, int first, int count, const Arrays& values,
+                              const Arrays& variances)
+{
+    Group none;
+    Group* previous = &none;
+    for (int done = 0; done < count;)
+    {
+        Group& current = previous == &groups[0] ? groups[1] : groups[0];
+        current.firstTarget = first + done;
+        current.numTargets = std::min(count - done, groupTargets);
+        done += current.numTargets;
+        try
+        {
+            fill(current, targetCoords);
+        }
+        catch (...)
+        {
+            // The targets before the one that could not be evaluated get their values.
+            permute(current);
+            complete(*previous, current, values, variances);
+            complete(current, none, values, variances);
+            throw;
+        }
+        permute(current);
+        complete(*previous, current, values, variances);
+        previous = &current;
+    }
+    complete(*previous, none, values, variances);
+}
+
+void BatchEstimator::fill(Group& group, const Arrays& targetCoords)
+{
+    if (!krigingMatrix.evaluatesInBulk())
+    {
+        fillSingly(group, targetCoords);
+        return;
+    }
+    for (int first = 0; first < group.numTargets; first += laneCount)
+    {
+        for (std::size_t v = 0; v < points.getNumInputVars(); ++v)
+        {
+            // Lanes without a target repeat the last one: what is computed there is thrown away.
+            for (int t = 0; t < laneCount; ++t)
+                lanes[v * stripWidth + toIndex(t)] =
+                    targetCoords[v][group.firstTarget + std::min(first + t, group.numTargets - 1)];
+        }
+        krigingMatrix.buildRightHandSides(laneOf(group.rightHandSides, first), lanes.data(), points, scratch);
+    }
+}
+
+void BatchEstimator::fillSingly(Group& group, const Arrays& targetCoords)
+{
+    const int numTargets = group.numTargets;
+    for (int t = 0; t < numTargets; ++t)
+    {
+        group.numTargets = t; // should this one throw
+        for (std::size_t v = 0; v < target.size(); ++v)
+            target[v] = targetCoords[v][group.firstTarget + t];
+        krigingMatrix.buildRightHandSide(column.data(), target.data(), points, scratch);
+        double* lane = laneOf(group.rightHandSides, t);
+        for (std::size_t j = 0; j < dimension; ++j)
+            lane[j * stripWidth] = column[j];
+    }
+    group.numTargets = numTargets;
+}
+
+void BatchEstimator::permute(Group& group)
+{
+    group.rightHandSides.numStrips = numStripsFor(group.numTargets);
+    group.solutions.numStrips = group.rightHandSides.numStrips;
+    fenn::kernels::permuteRows(rowOrder.data(), dimension, group.rightHandSides, group.solutions);
+
+    // The single solve skips a right-hand side's leading zeros, which with an infinite or NaN factor, or a zero of
+    // negative sign, is not the same as multiplying them.
+    group.needsSingleSolve = hasTinyDiagonal;
+    for (int t = 0; t < group.numTargets; ++t)
+        group.needsSingleSolve = group.needsSingleSolve || *laneOf(group.solutions, t) == 0.0;
+}
+
+void BatchEstimator::complete(Group& group, const Group& next, const Arrays& values, const Arrays& variances)
+{
+    const bool hasOverflow = krigingMatrix.substituteGroups(group.solutions, next.solutions);
+    if (hasOverflow || group.needsSingleSolve)
+        solveSingly(group, values, variances);
+    else
+        write(group, values, variances);
+}
+
+void BatchEstimator::write(const Group& group, const Arrays& values, const Arrays& variances)
+{
+    const std::size_t rowLength = group.solutions.numStrips * stripWidth;
+    if (rowLength == 0)
+        return;
+    fenn::kernels::sumWeighted(group.solutions, points.getNumPts(), outputs.data(), isCentred.get(), outputs.size(),
+                               sums.data());
+    for (std::size_t o = 0; o < outputs.size(); ++o)
+    {
+        const double* sum = sums.data() + o * rowLength;
+        double* target_ = values[o] + group.firstTarget;
+        for (std::size_t t = 0; t < toIndex(group.numTargets); ++t)
+            target_[t] = isCentred[o] ? sum[t] + references[o] : sum[t];
+    }
+    if (!wantsVariances)
+        return;
+    fenn::kernels::sumProducts(group.solutions, group.rightHandSides, dimension, varianceSums.data());
+    for (std::size_t o = 0; o < outputs.size(); ++o)
+        std::copy_n(varianceSums.data(), group.numTargets, variances[o] + group.firstTarget);
+}
+
+void BatchEstimator::solveSingly(const Group& group, const Arrays& values, const Arrays& variances)
+{
+    for (int t = 0; t < group.numTargets; ++t)
+    {
+        const double* rightHandSide = laneOf(group.rightHandSides, t);
+        for (std::size_t j = 0; j < dimension; ++j)
+            column[j] = rightHandSide[j * stripWidth];
+        krigingMatrix.luSolve(column.data());
+
+        double variance = column[0] * rightHandSide[0];
+        for (std::size_t j = 1; j < dimension; ++j)
+            variance += column[j] * rightHandSide[j * stripWidth];
+        for (std::size_t o = 0; o < outputs.size(); ++o)
+        {
+            double sum = column[0] * outputs[o][0];
+            if (isCentred[o])
+                sum = 0.0 + sum;
+            for (std::size_t j = 1; j < points.getNumPts(); ++j)
+                sum += column[j] * outputs[o][j];
+            values[o][group.firstTarget + t] = isCentred[o] ? sum + references[o] : sum;
+            if (wantsVariances)
+                variances[o][group.firstTarget + t] = variance;
+        }
+    }
+}

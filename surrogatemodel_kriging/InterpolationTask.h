@@ -1,0 +1,50 @@
+#ifndef FENN_SURROGATEMODEL_KRIGING_INTERPOLATIONTASK_H
+#define FENN_SURROGATEMODEL_KRIGING_INTERPOLATIONTASK_H
+
+#include <exception>
+#include <functional>
+#include <set>
+#include <vector>
+
+#include <QRunnable>
+
+#include "surrogatemodel_kriging/KrigingMatrix.h"
+#include "surrogatemodel_kriging/Normalizer.h"
+#include "surrogatemodel_kriging/SourcePointRef.h"
+
+/// One contiguous range of a request's targets, evaluated against a factorised system on one pool thread.
+///
+/// Refers to everything it is given, which must outlive it; owns its function object only. Tasks of
+/// one request write to different targets and share the rest read-only. A pool deletes a task after running it.
+class InterpolationTask : public QRunnable
+{
+public:
+    /// krigingMatrix_: factorised, over sourcePts_. values_, variances_: as for KrigingControllerAbstract::interpolate.
+    /// failure_: where run leaves an exception of whatever type; null lets it out of run.
+    InterpolationTask(std::function<const Normalizer&(int)> normalizerOf_, const KrigingMatrix* krigingMatrix_,
+                      const std::vector<SourcePointRef>* sourcePts_, int numInputVars_,
+                      const std::vector<double*>* targetCoords_, const std::set<int>* outputVars_, int firstTarget_,
+                      int numTaskTargets_, std::vector<double*>* values_, std::vector<double*>* variances_,
+                      std::exception_ptr* failure_ = nullptr);
+    ~InterpolationTask() override;
+
+    /// Evaluates the targets in ascending order, up to the first whose solve fails; those before it have their values.
+    void run() override;
+
+private:
+    void evaluateTargets();
+    void evaluateTargetsKeepingFailure();
+
+    std::function<const Normalizer&(int)> normalizerOf;
+    const KrigingMatrix* krigingMatrix;
+    const std::vector<SourcePointRef>* sourcePts;
+    const std::vector<double*>* targetCoords;
+    const std::set<int>* outputVars;
+    int firstTarget;
+    int numTaskTargets;
+    std::vector<double*>* values;
+    std::vector<double*>* variances;
+    std::exception_ptr* failure;
+};
+
+#endif

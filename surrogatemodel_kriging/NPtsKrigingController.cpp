@@ -1,0 +1,52 @@
+#include "surrogatemodel_kriging/NPtsKrigingController.h"
+
+#include "surrogatemodel_kriging/RequestNeighborSearch.h"
+#include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
+
+NPtsKrigingController::NPtsKrigingController(const SurrogateModelDataBlock* dataBlock_,
+                                             SemivariogramInterface* semivariogram, int driftOrder, int numNeighbours_)
+    : KrigingControllerAbstract(dataBlock_),
+      numNeighbours(numNeighbours_),
+      krigingMatrix(*dataBlock_, numNeighbours_, semivariogram, driftOrder),
+      neighbourSearch(dataBlock_, dataBlock_->getNumInputVars(), dataBlock_->getNumBlocks())
+{
+}
+
+NPtsKrigingController::~NPtsKrigingController() = default;
+
+void NPtsKrigingController::interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars,
+                                        int numTargets, std::vector<double*>& values, std::vector<double*>& variances)
+{
+    const auto dimension = static_cast<std::size_t>(krigingMatrix.getDimension());
+    const auto numInputVars = static_cast<std::size_t>(dataBlock->getNumInputVars());
+    std::vector<double> rhs(dimension);
+    std::vector<double> rhsCopy(variances.empty() ? 0 : dimension);
+    // Entries that a search does not fill keep what they hold and are used: the first point, or the last target's.
+    std::vector<SourcePointRef> neighbours(static_cast<std::size_t>(numNeighbours));
+    fenn::RequestNeighborSearch requestSearch(*dataBlock, neighbourSearch, numNeighbours, numTargets);
+    std::vector<double> coords(numInputVars);
+    std::vector<double> scratch(numInputVars);
+
+    for (int t = 0; t < numTargets; ++t)
+    {
+        for (std::size_t v = 0; v < numInputVars; ++v)
+            coords[v] = targetCoords[v][t];
+        requestSearch.findNearestPts(coords, neighbours);
+        krigingMatrix.assemble(neighbours, scratch);
+        krigingMatrix.luDecompose();
+        krigingMatrix.buildRightHandSide(rhs.data(), coords.data(), krigingMatrix.getAssembledPts(), scratch);
+        if (!variances.empty())
+            rhsCopy = rhs;
+        krigingMatrix.luSolve(rhs.data());
+
+        std::size_t k = 0;
+        for (const int outputVar : outputVars)
+        {
+            const double reference = getOutputNormalizer(outputVar).getOffset();
+            values[k][t] = krigingMatrix.estimateCentered(outputVar, reference, neighbours, rhs.data());
+            if (!variances.empty())
+                variances[k][t] = krigingMatrix.dotProduct(rhs.data(), rhsCopy.data());
+            ++k;
+        }
+    }
+}
