@@ -1,0 +1,29 @@
+#ifndef FENN_ANALYSIS_CROSSVALIDATION_H
+#define FENN_ANALYSIS_CROSSVALIDATION_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "analysis/Estimates.h"
+#include "analysis/ModelSettings.h"
+#include "analysis/Progress.h"
+#include "analysis/SampleSet.h"
+
+namespace fenn::analysis
+{
+
+/// K-fold cross-validation: each sample estimated by the model of the samples outside its fold (assignFolds), built
+/// anew with the settings as given; normalisers and range are therefore those of the remaining samples.
+///
+/// Source: M. Stone, "Cross-validatory choice and assessment of statistical predictions", Journal of the Royal
+/// Statistical Society B 36 (1974).
+///
+/// The estimates stand in the order of the samples. Coincident samples that fall into different folds estimate each
+/// other: merge them beforehand. progress counts folds. Throws std::invalid_argument for the number of folds or the
+/// settings, Cancelled, and the library's Error as soon as one fold's model fails.
+Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings, std::size_t numFolds,
+                        std::uint64_t seed, const Progress& progress = {});
+
+} // namespace fenn::analysis
+
+#endif

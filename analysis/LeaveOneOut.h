@@ -1,0 +1,51 @@
+#ifndef FENN_ANALYSIS_LEAVEONEOUT_H
+#define FENN_ANALYSIS_LEAVEONEOUT_H
+
+#include <cstddef>
+#include <vector>
+
+#include "analysis/Estimates.h"
+#include "analysis/ModelSettings.h"
+#include "analysis/Progress.h"
+#include "analysis/SampleSet.h"
+
+namespace fenn::analysis
+{
+
+/// One entry per point of the full model, merged samples counting as the one averaged point that they became: first the
+/// samples left alone, in their order, then the averaged points.
+struct LeaveOneOutResult
+{
+    Estimates estimates;                     // of each point, without it
+    std::vector<std::vector<double>> truths; // a column per output variable: the point's value, averaged if merged
+    std::vector<std::vector<std::size_t>> members; // the samples that the point stands for: one, or those merged
+    std::vector<double> outputVariances;           // per output variable: sample variance over the points
+};
+
+/// Leave-one-out cross-validation: each point of the model estimated from the others, with the normalisers, the range
+/// and the merged points of the full model.
+///
+/// Globally from one factorisation instead of n. K is the symmetric system of all n points (KrigingMatrix), z an output
+/// followed by zeros for the drift terms and the constraint. Then, for point i,
+///
+///     truth - estimate = (K^-1 z)_i / (K^-1)_ii        variance = -1 / (K^-1)_ii
+///
+/// Source: O. Dubrule, "Cross validation of kriging in a unique neighborhood", Mathematical Geology 15 (1983). There
+/// the system holds covariances and the variance is +1 / (K^-1)_ii. With semivariograms K_ii is 0, and the Schur
+/// complement of the other rows is 0 - k^T lambda = -variance, k being column i without element i and lambda the
+/// weights that the others get. A nugget changes nothing: k never holds the semivariogram at zero separation of point i
+/// itself. Where the others alone have no solution, recognised by a variance beyond 1e10, estimate and variance are
+/// NaN.
+///
+/// Costs 2/3 n^3 operations to factorise, 2 n^3 for n solves, and n^2 doubles.
+///
+/// With numNearestPoints N above 0 and below the number of points, each point is estimated from the N nearest others,
+/// by a system of its own; NaN where fewer can be found.
+///
+/// progress counts points. Throws std::invalid_argument for the settings, Cancelled, and the library's Error, also for
+/// what all but one point are too few for.
+LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress = {});
+
+} // namespace fenn::analysis
+
+#endif

@@ -1,0 +1,55 @@
+#include "analysis/ModelSettings.h"
+
+#include <cmath>
+#include <sstream>
+#include <stdexcept>
+
+namespace fenn::analysis
+{
+
+namespace
+{
+
+template <typename T>
+[[noreturn]] void reject(const char* rule, T value)
+{
+    std::ostringstream message;
+    message << rule << ", not " << value;
+    throw std::invalid_argument(message.str());
+}
+
+} // namespace
+
+bool operator==(const ModelSettings& a, const ModelSettings& b)
+{
+    return a.duplicateTolerance == b.duplicateTolerance && a.scaleFactors == b.scaleFactors &&
+           a.driftOrder == b.driftOrder && a.rangeFraction == b.rangeFraction && a.nugget == b.nugget &&
+           a.numNearestPoints == b.numNearestPoints;
+}
+
+void checkSettings(const ModelSettings& settings, std::size_t numInputVars)
+{
+    if (std::isnan(settings.duplicateTolerance))
+        reject("the duplicate tolerance must be a number", settings.duplicateTolerance);
+    if (!settings.scaleFactors.empty() && settings.scaleFactors.size() != numInputVars)
+    {
+        std::ostringstream rule;
+        rule << "there must be no scale factors or " << numInputVars << ", one per input variable";
+        reject(rule.str().c_str(), settings.scaleFactors.size());
+    }
+    for (const double factor : settings.scaleFactors)
+    {
+        if (!std::isfinite(factor) || factor == 0.0)
+            reject("a scale factor must be finite and not 0", factor);
+    }
+    if (settings.driftOrder < 0 || settings.driftOrder > 4)
+        reject("the drift order must be 0 to 4", settings.driftOrder);
+    if (!std::isfinite(settings.rangeFraction) || settings.rangeFraction <= 0.0)
+        reject("the range fraction must be finite and above 0", settings.rangeFraction);
+    if (!(settings.nugget >= 0.0 && settings.nugget <= 1.0))
+        reject("the nugget must be 0 to 1", settings.nugget);
+    if (settings.numNearestPoints < 0)
+        reject("the number of nearest points must be 0 (all) or above", settings.numNearestPoints);
+}
+
+} // namespace fenn::analysis

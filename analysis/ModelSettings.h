@@ -1,0 +1,31 @@
+#ifndef FENN_ANALYSIS_MODELSETTINGS_H
+#define FENN_ANALYSIS_MODELSETTINGS_H
+
+#include <cstddef>
+#include <vector>
+
+namespace fenn::analysis
+{
+
+/// The settings of a KrigingSurrogateModel, in the order and with the meaning of its constructor; as they stand here
+/// they are the defaults. A plain value.
+struct ModelSettings
+{
+    double duplicateTolerance = -1.0; // fraction of each input variable's range; negative merges nothing
+    std::vector<double> scaleFactors; // empty: automatic; positive ones are relative weights, -k is k times automatic
+    int driftOrder = 0;
+    double rangeFraction = 1.0; // semivariogram range over the diagonal of the normalised sample box; may exceed 1
+    double nugget = 0.0;        // with sill 1
+    int numNearestPoints = 0;   // 0: global
+};
+
+bool operator==(const ModelSettings& a, const ModelSettings& b);
+
+/// Throws std::invalid_argument that names the setting and its value when it is outside what a model of numInputVars
+/// input variables can mean: a NaN tolerance, as many scale factors as variables or none, none of them 0 or not finite,
+/// drift order 0 to 4, a finite positive range fraction, nugget 0 to 1, no negative number of nearest points.
+void checkSettings(const ModelSettings& settings, std::size_t numInputVars);
+
+} // namespace fenn::analysis
+
+#endif

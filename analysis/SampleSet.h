@@ -1,0 +1,44 @@
+#ifndef FENN_ANALYSIS_SAMPLESET_H
+#define FENN_ANALYSIS_SAMPLESET_H
+
+#include <cstddef>
+#include <vector>
+
+namespace fenn::analysis
+{
+
+/// Samples that own their values: one column per input and per output variable, raw units, finite throughout.
+///
+/// A model refers to the columns of the set that it was built from: the set must outlive it. Moving a set keeps its
+/// columns in place, copying makes new ones. Immutable, so any number of threads may read one set.
+class SampleSet
+{
+public:
+    /// Throws std::invalid_argument without input or output variables or samples, for columns of different lengths,
+    /// more samples than a 32-bit int counts, and a value that is not finite (naming variable and sample from 0).
+    SampleSet(std::vector<std::vector<double>> inputs_, std::vector<std::vector<double>> outputs_);
+
+    std::size_t getNumSamples() const;
+    std::size_t getNumInputVars() const;
+    std::size_t getNumOutputVars() const;
+    const std::vector<double>& getInput(std::size_t inputVar) const;
+    const std::vector<double>& getOutput(std::size_t outputVar) const;
+
+    /// The samples of these indices, in this order. Throws std::out_of_range for one that does not exist.
+    SampleSet subset(const std::vector<std::size_t>& indices) const;
+
+    /// One pointer per variable, as models take them; they point into this set. Models only read through them.
+    std::vector<double*> inputArrays() const;
+    std::vector<double*> outputArrays() const;
+
+    /// Unbiased variance of an output variable over all samples (denominator count - 1); NaN for a single sample.
+    double calcOutputVariance(std::size_t outputVar) const;
+
+private:
+    std::vector<std::vector<double>> inputs;
+    std::vector<std::vector<double>> outputs;
+};
+
+} // namespace fenn::analysis
+
+#endif

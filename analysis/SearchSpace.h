@@ -1,0 +1,70 @@
+#ifndef FENN_ANALYSIS_SEARCHSPACE_H
+#define FENN_ANALYSIS_SEARCHSPACE_H
+
+#include <cstddef>
+#include <vector>
+
+#include "analysis/ModelSettings.h"
+#include "analysis/SampleSet.h"
+
+namespace fenn::analysis
+{
+
+/// What tune may choose. A plain value; empty lists, equal bounds and 1 for maxAnisotropy keep what the search starts
+/// from.
+struct SearchSpace
+{
+    std::vector<int> driftOrders{0, 1, 2};
+    std::vector<int> numNearestPoints{0}; // 0: global
+    double minRangeFraction = 0.05;
+    double maxRangeFraction = 4.0;
+    double minNugget = 0.0;
+    double maxNugget = 0.8;
+    double maxAnisotropy = 8.0; // an input variable's normalised range over the first one's, at most, and inverted
+};
+
+/// Global models up to 1000 samples, beside local ones of 16 and 32 nearest points; beyond that local ones only, for a
+/// global trial costs the cube of the number of samples. Drift orders that need more than a quarter of the points of a
+/// system are left out.
+SearchSpace defaultSearchSpace(const SampleSet& samples);
+
+/// Throws std::invalid_argument for bounds that are reversed or outside what checkSettings takes.
+void checkSearchSpace(const SearchSpace& space);
+
+/// The settings that a search varies smoothly, as coordinates of even scale: log2 of the range fraction, the square
+/// root of the nugget (small nuggets matter most) and, unless maxAnisotropy is 1, per input variable after the first
+/// log2 of its normalised range over that of the first.
+class SettingsCoordinates
+{
+public:
+    /// samples: their ranges normalise the scale factors; not kept.
+    SettingsCoordinates(const SampleSet& samples, const SearchSpace& space_);
+
+    std::size_t getNumCoordinates() const;
+
+    std::vector<double> toCoordinates(const ModelSettings& settings) const;
+
+    /// The base with its smooth settings replaced by the coordinates, which are brought into the bounds first. Figures
+    /// are rounded to 3 significant digits, so that settings can be read, and told apart, by people. Scale factors
+    /// become positive ones, relative to the first variable's 1, where any of their coordinates differs from the
+    /// base's.
+    ModelSettings toSettings(const std::vector<double>& coordinates, const ModelSettings& base) const;
+
+    /// The base with scale factors of 1: distances as in the raw units, for inputs that share one. False where that
+    /// lies beyond maxAnisotropy, or no scale is varied.
+    bool withRawScales(const ModelSettings& base, ModelSettings& settings) const;
+
+    /// How far settings lie from what is usual: a sum of squares, each in units of what would be a little unusual.
+    /// Usual are a range of about a third of the diagonal (a factor of 2 aside counts 1), a nugget of 0.09 (its root:
+    /// 0.1 aside), normalised ranges or raw units that are alike (whichever is nearer; 0.3 in log2 aside, per
+    /// variable), and no drift (each order counts 1).
+    double calcUnusualness(const ModelSettings& settings) const;
+
+private:
+    SearchSpace space;
+    std::vector<double> ranges; // per input variable, raw; 1 for one that does not vary
+};
+
+} // namespace fenn::analysis
+
+#endif

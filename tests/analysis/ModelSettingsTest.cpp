@@ -1,0 +1,53 @@
+#include "analysis/ModelSettings.h"
+
+#include <limits>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "tests/analysis/Samples.h"
+
+namespace
+{
+
+using fenn::analysis::checkSettings;
+using fenn::analysis::ModelSettings;
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+std::string complaintAbout(const ModelSettings& settings)
+{
+    return fenn::test::messageOf<std::invalid_argument>([&] { checkSettings(settings, 2); });
+}
+
+TEST(ModelSettingsTest, DefaultsAreAccepted)
+{
+    EXPECT_NO_THROW(checkSettings({}, 1));
+}
+
+TEST(ModelSettingsTest, LimitsOfEverySettingAreAccepted)
+{
+    EXPECT_NO_THROW(checkSettings({0.0, {1e-9, -3.0}, 4, 1e-9, 1.0, 1000000}, 2));
+}
+
+TEST(ModelSettingsTest, ComplaintsNameTheSettingAndItsValue)
+{
+    EXPECT_EQ(complaintAbout({notANumber, {}, 0, 1.0, 0.0, 0}), "the duplicate tolerance must be a number, not nan");
+    EXPECT_EQ(complaintAbout({-1.0, {1.0}, 0, 1.0, 0.0, 0}),
+              "there must be no scale factors or 2, one per input variable, not 1");
+    EXPECT_EQ(complaintAbout({-1.0, {1.0, 0.0}, 0, 1.0, 0.0, 0}), "a scale factor must be finite and not 0, not 0");
+    EXPECT_EQ(complaintAbout({-1.0, {}, 5, 1.0, 0.0, 0}), "the drift order must be 0 to 4, not 5");
+    EXPECT_EQ(complaintAbout({-1.0, {}, 0, -0.5, 0.0, 0}), "the range fraction must be finite and above 0, not -0.5");
+    EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 1.5, 0}), "the nugget must be 0 to 1, not 1.5");
+    EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 0.0, -2}),
+              "the number of nearest points must be 0 (all) or above, not -2");
+}
+
+TEST(ModelSettingsTest, NaNIsRefusedWhereverANumberIsNeeded)
+{
+    EXPECT_THROW(checkSettings({-1.0, {1.0, notANumber}, 0, 1.0, 0.0, 0}, 2), std::invalid_argument);
+    EXPECT_THROW(checkSettings({-1.0, {}, 0, notANumber, 0.0, 0}, 2), std::invalid_argument);
+    EXPECT_THROW(checkSettings({-1.0, {}, 0, 1.0, notANumber, 0}, 2), std::invalid_argument);
+}
+
+} // namespace

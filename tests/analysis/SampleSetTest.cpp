@@ -1,0 +1,64 @@
+#include "analysis/SampleSet.h"
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "tests/analysis/Samples.h"
+
+namespace
+{
+
+using fenn::analysis::SampleSet;
+using Columns = std::vector<std::vector<double>>;
+
+std::string complaintAbout(const Columns& inputs, const Columns& outputs)
+{
+    return fenn::test::messageOf<std::invalid_argument>([&] { SampleSet(inputs, outputs); });
+}
+
+TEST(SampleSetTest, SubsetTakesTheSamplesInTheOrderAskedFor)
+{
+    const SampleSet samples({{1.0, 2.0, 3.0}}, {{10.0, 20.0, 30.0}});
+
+    const SampleSet subset = samples.subset({2, 0});
+
+    EXPECT_EQ(subset.getInput(0), (std::vector<double>{3.0, 1.0}));
+    EXPECT_EQ(subset.getOutput(0), (std::vector<double>{30.0, 10.0}));
+    EXPECT_THROW(samples.subset({3}), std::out_of_range);
+}
+
+TEST(SampleSetTest, ArraysPointIntoTheSetAndSurviveAMove)
+{
+    SampleSet samples({{1.0, 2.0}, {3.0, 4.0}}, {{5.0, 6.0}});
+    const std::vector<double*> arrays = samples.inputArrays();
+
+    const SampleSet moved = std::move(samples);
+
+    ASSERT_EQ(arrays.size(), 2U);
+    EXPECT_EQ(arrays[1], moved.getInput(1).data());
+    EXPECT_EQ(arrays[1][0], 3.0);
+    EXPECT_EQ(moved.outputArrays()[0][1], 6.0);
+}
+
+TEST(SampleSetTest, OutputVarianceDividesByOneLessThanTheCount)
+{
+    EXPECT_EQ(SampleSet({{0.0, 1.0}}, {{1.0, 3.0}}).calcOutputVariance(0), 2.0);
+    EXPECT_TRUE(std::isnan(SampleSet({{0.0}}, {{1.0}}).calcOutputVariance(0)));
+}
+
+TEST(SampleSetTest, ComplaintsSayWhatIsWrongAndWhere)
+{
+    EXPECT_EQ(complaintAbout({}, {{1.0}}), "samples need at least one input variable");
+    EXPECT_EQ(complaintAbout({{1.0}}, {}), "samples need at least one output variable");
+    EXPECT_EQ(complaintAbout({{}}, {{}}), "there are no samples");
+    EXPECT_EQ(complaintAbout({{1.0, 2.0}}, {{1.0}}), "output variable 0 has 1 values, but there are 2 samples");
+    EXPECT_EQ(complaintAbout({{1.0, 2.0}, {1.0, std::numeric_limits<double>::infinity()}}, {{1.0, 2.0}}),
+              "input variable 1 is not finite at sample 1");
+    EXPECT_EQ(complaintAbout({{1.0}}, {{std::nan("")}}), "output variable 0 is not finite at sample 0");
+}
+
+} // namespace

@@ -1,0 +1,261 @@
+#include "analysis/Tuning.h"
+#include "analysis/ModelBuilder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "analysis/CrossValidation.h"
+#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "tests/analysis/Samples.h"
+
+namespace
+{
+
+using fenn::analysis::ModelSettings;
+using fenn::analysis::SampleSet;
+using fenn::analysis::SearchSpace;
+using fenn::analysis::Trial;
+using fenn::analysis::tune;
+using fenn::analysis::TuningOptions;
+using fenn::analysis::TuningResult;
+using fenn::test::smoothSamples;
+
+TuningOptions quickOptions(std::uint64_t seed = 1)
+{
+    TuningOptions options;
+    options.numFolds = 5;
+    options.numRepeats = 2;
+    options.seed = seed;
+    options.maxTrials = 60;
+    return options;
+}
+
+TEST(TuningTest, TheWinnerIsNeverWorseThanTheStartOnItsFolds)
+{
+    for (std::uint64_t seed = 1; seed <= 6; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        const TuningResult result = tune(smoothSamples(50, seed), {}, SearchSpace(), quickOptions(seed));
+
+        ASSERT_LE(result.trials.size(), 60U);
+        EXPECT_TRUE(result.trials[0].settings == ModelSettings());
+        EXPECT_LE(result.trials[result.winner].score, result.trials[0].score);
+        EXPECT_TRUE(result.trials[result.winner].failure.empty());
+    }
+}
+
+TEST(TuningTest, AStartThatBeatsAllOthersStaysTheWinner)
+{
+    // A plane that a linear drift reproduces: nothing else comes near.
+    std::vector<std::vector<double>> inputs = fenn::test::randomValues(2, 40, 0.0, 1.0, 3);
+    std::vector<double> plane;
+    for (std::size_t i = 0; i < 40; ++i)
+        plane.push_back(inputs[0][i] + 2.0 * inputs[1][i]);
+    const ModelSettings start{-1.0, {}, 1, 1.0, 0.0, 0};
+    SearchSpace withoutDrift;
+    withoutDrift.driftOrders = {0};
+
+    const TuningResult result = tune(SampleSet(inputs, {plane}), start, withoutDrift, quickOptions());
+
+    EXPECT_EQ(result.trials[result.winner].settings.driftOrder, 1);
+    EXPECT_LE(result.trials[result.winner].score, result.trials[0].score);
+}
+
+TEST(TuningTest, AStartOfLowestScoreIsNotGivenUpForUsualSettings)
+{
+    int numUnusual = 0;
+    for (std::uint64_t seed = 1; seed <= 6; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        const SampleSet samples = smoothSamples(50, seed);
+        const TuningResult first = tune(samples, {}, SearchSpace(), quickOptions(seed));
+        const Trial& lowest = *std::min_element(first.trials.begin(), first.trials.end(),
+                                                [](const Trial& a, const Trial& b) { return a.score < b.score; });
+        numUnusual += lowest.penalisedScore > first.trials[first.winner].penalisedScore ? 1 : 0;
+
+        const TuningResult second = tune(samples, lowest.settings, SearchSpace(), quickOptions(seed));
+
+        EXPECT_LE(second.trials[second.winner].score, lowest.score);
+    }
+    EXPECT_GT(numUnusual, 0); // otherwise nothing would have been tempting
+}
+
+TEST(TuningTest, EqualArgumentsGiveEqualTrialsAndAnotherSeedOtherOnes)
+{
+    const SampleSet samples = smoothSamples(40, 2);
+    const TuningResult once = tune(samples, {}, SearchSpace(), quickOptions(1));
+    const TuningResult again = tune(samples, {}, SearchSpace(), quickOptions(1));
+    const TuningResult other = tune(samples, {}, SearchSpace(), quickOptions(2));
+
+    ASSERT_EQ(again.trials.size(), once.trials.size());
+    for (std::size_t k = 0; k < once.trials.size(); ++k)
+    {
+        EXPECT_TRUE(again.trials[k].settings == once.trials[k].settings);
+        EXPECT_EQ(again.trials[k].score, once.trials[k].score);
+    }
+    EXPECT_EQ(again.winner, once.winner);
+    EXPECT_NE(other.trials[0].score, once.trials[0].score);
+    EXPECT_NE(other.heldOutSamples, once.heldOutSamples);
+}
+
+TEST(TuningTest, NoSettingsAreTriedTwiceOrOutsideTheSpace)
+{
+    SearchSpace space;
+    space.driftOrders = {0, 1};
+    space.numNearestPoints = {0, 10};
+    space.minRangeFraction = 0.2;
+    space.maxRangeFraction = 1.5;
+    space.maxNugget = 0.2;
+    space.maxAnisotropy = 2.0;
+
+    const TuningResult result = tune(smoothSamples(40, 6), {}, space, quickOptions());
+
+    for (std::size_t k = 0; k < result.trials.size(); ++k)
+    {
+        const ModelSettings& settings = result.trials[k].settings;
+        EXPECT_GE(settings.rangeFraction, 0.2);
+        EXPECT_LE(settings.rangeFraction, 1.5);
+        EXPECT_LE(settings.nugget, 0.2);
+        EXPECT_LE(settings.driftOrder, 1);
+        for (std::size_t j = 0; j < k; ++j)
+            EXPECT_FALSE(settings == result.trials[j].settings);
+    }
+}
+
+TEST(TuningTest, HeldOutSamplesScoreWinnerAndStartByTheModelsOfTheOthers)
+{
+    const SampleSet samples = smoothSamples(50, 4);
+
+    const TuningResult result = tune(samples, {}, SearchSpace(), quickOptions());
+
+    ASSERT_EQ(result.heldOutSamples.size(), 10U);
+    EXPECT_TRUE(std::is_sorted(result.heldOutSamples.begin(), result.heldOutSamples.end()));
+    std::vector<std::size_t> others;
+    for (std::size_t i = 0; i < 50; ++i)
+    {
+        if (!std::binary_search(result.heldOutSamples.begin(), result.heldOutSamples.end(), i))
+            others.push_back(i);
+    }
+    const SampleSet remaining = samples.subset(others);
+    const SampleSet heldOut = samples.subset(result.heldOutSamples);
+    const auto model = fenn::analysis::buildModel(remaining, {});
+    const std::vector<double> estimates = fenn::analysis::estimateAt(*model, heldOut).values[0];
+    double sumSquared = 0.0;
+    for (std::size_t k = 0; k < 10; ++k)
+        sumSquared += (estimates[k] - heldOut.getOutput(0)[k]) * (estimates[k] - heldOut.getOutput(0)[k]);
+    ASSERT_EQ(result.startHeldOut.statistics.size(), 2U);
+    EXPECT_DOUBLE_EQ(result.startHeldOut.statistics[0].rmse, std::sqrt(sumSquared / 10.0));
+    EXPECT_EQ(result.winnerHeldOut.statistics[1].numCompared, 10U);
+    const double scaledSum = result.winnerHeldOut.statistics[0].rmse / std::sqrt(remaining.calcOutputVariance(0)) +
+                             result.winnerHeldOut.statistics[1].rmse / std::sqrt(remaining.calcOutputVariance(1));
+    EXPECT_DOUBLE_EQ(result.winnerHeldOut.score, scaledSum / 2.0);
+}
+
+TEST(TuningTest, WithoutHeldOutSamplesAllAreSearchedOn)
+{
+    TuningOptions options = quickOptions();
+    options.heldOutFraction = 0.0;
+    options.numRepeats = 1;
+    options.maxTrials = 1;
+    const SampleSet samples = smoothSamples(30, 4);
+
+    const TuningResult result = tune(samples, {}, SearchSpace(), options);
+
+    EXPECT_TRUE(result.heldOutSamples.empty());
+    EXPECT_TRUE(result.winnerHeldOut.statistics.empty());
+    const auto estimates = fenn::analysis::crossValidate(samples, {}, 5, 1);
+    double expected = 0.0;
+    for (std::size_t w = 0; w < 2; ++w)
+        expected += fenn::analysis::calcErrorStatistics(samples.getOutput(w), estimates.values[w], {}, 1.0).rmse /
+                    std::sqrt(samples.calcOutputVariance(w));
+    ASSERT_EQ(result.trials.size(), 1U);
+    EXPECT_DOUBLE_EQ(result.trials[0].score, expected / 2.0);
+}
+
+TEST(TuningTest, FewSamplesAreValidatedUpToThreeTimesUnlessSaid)
+{
+    const SearchSpace space;
+    const auto firstScore = [&](std::size_t numSamples, std::size_t numRepeats)
+    {
+        TuningOptions options = quickOptions();
+        options.heldOutFraction = 0.0;
+        options.maxTrials = 1;
+        options.numRepeats = numRepeats;
+        return tune(smoothSamples(numSamples, 8), {}, space, options).trials[0].score;
+    };
+
+    EXPECT_EQ(firstScore(40, 0), firstScore(40, 3));
+    EXPECT_NE(firstScore(40, 0), firstScore(40, 2));
+    EXPECT_EQ(firstScore(150, 0), firstScore(150, 2));
+    EXPECT_EQ(firstScore(300, 0), firstScore(300, 1));
+}
+
+TEST(TuningTest, FailingTrialsAreRecordedWithTheirMessageAndNeverWin)
+{
+    SearchSpace space;
+    space.driftOrders = {4, 0}; // 14 terms, 12 to 13 samples a fold
+    TuningOptions options = quickOptions();
+    options.heldOutFraction = 0.0;
+
+    const TuningResult result = tune(smoothSamples(16, 4), {}, space, options);
+
+    const auto failing = std::find_if(result.trials.begin(), result.trials.end(),
+                                      [](const Trial& trial) { return trial.settings.driftOrder == 4; });
+    ASSERT_NE(failing, result.trials.end());
+    EXPECT_EQ(failing->failure, "Not enough source points to calculate drift.");
+    EXPECT_TRUE(std::isinf(failing->score));
+    EXPECT_EQ(result.trials[result.winner].settings.driftOrder, 0);
+}
+
+TEST(TuningTest, AStartThatFailsIsBeatenByAnythingThatDoesNot)
+{
+    const TuningResult result = tune(smoothSamples(16, 4), {-1.0, {}, 4, 1.0, 0.0, 0}, SearchSpace(), quickOptions());
+
+    EXPECT_FALSE(result.trials[0].failure.empty());
+    EXPECT_TRUE(result.trials[result.winner].failure.empty());
+    EXPECT_EQ(result.startHeldOut.failure, "Not enough source points to calculate drift.");
+}
+
+TEST(TuningTest, TheCallbackSeesEveryTrialAndMayEndTheSearch)
+{
+    std::size_t numSeen = 0;
+    const auto untilTheFifth = [&](const Trial&, std::size_t numDone, std::size_t maxTrials)
+    {
+        ++numSeen;
+        EXPECT_EQ(numDone, numSeen);
+        EXPECT_EQ(maxTrials, 60U);
+        return numDone < 5;
+    };
+
+    const TuningResult result = tune(smoothSamples(30, 4), {}, SearchSpace(), quickOptions(), untilTheFifth);
+
+    EXPECT_TRUE(result.wasCancelled);
+    EXPECT_EQ(result.trials.size(), 5U);
+    EXPECT_TRUE(result.winnerHeldOut.statistics.empty());
+}
+
+TEST(TuningTest, ImpossibleOptionsAreRefusedBeforeTheFirstTrial)
+{
+    const SampleSet samples = smoothSamples(20, 4);
+    TuningOptions allHeldOut = quickOptions();
+    allHeldOut.heldOutFraction = 1.0;
+    TuningOptions tooManyFolds = quickOptions();
+    tooManyFolds.numFolds = 17; // 16 samples are left
+    TuningOptions noTrials = quickOptions();
+    noTrials.maxTrials = 0;
+    const auto neverCalled = [](const Trial&, std::size_t, std::size_t)
+    {
+        ADD_FAILURE() << "a trial was made";
+        return false;
+    };
+
+    for (const TuningOptions& options : {allHeldOut, tooManyFolds, noTrials})
+        EXPECT_THROW(tune(samples, {}, SearchSpace(), options, neverCalled), std::invalid_argument);
+    EXPECT_THROW(tune(samples, {-1.0, {}, 0, -1.0, 0.0, 0}, SearchSpace(), quickOptions(), neverCalled),
+                 std::invalid_argument);
+}
+
+} // namespace
