@@ -1,0 +1,131 @@
+# tune ARGUMENTS...: on the rainfall example.
+tune()
+{
+    krige tune "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall "$@"
+}
+
+# winner: the winning options, as printed.
+winner()
+{
+    sed -n 's/^winner, trial .*: //p' "$scratch/log/out"
+}
+
+# rmse_with SETTINGS...: of the contest's other gauges.
+rmse_with()
+{
+    krige validate "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall --worst 0 \
+        --against "$examples/rainfall/truth.csv" "$@"
+    expect_status 0
+    awk '$1 == "rainfall" { print $3 }' "$scratch/log/out"
+}
+
+test_TheWinnerPredictsTheOtherGaugesToTheYardstick()
+{
+    tune --quiet -o best.toml
+    expect_status 0
+    rmse=$(rmse_with --config best.toml) || fail "$rmse"
+    awk -v rmse="$rmse" 'BEGIN { exit !(rmse > 40 && rmse <= 55) }' || fail "RMSE $rmse"
+    defaults=$(rmse_with)
+    awk -v rmse="$defaults" 'BEGIN { exit !(rmse > 57) }' || fail "the defaults give $defaults already"
+}
+
+test_ScoresOfStartAndWinnerAreShown()
+{
+    tune --quiet --max-trials 40
+    expect_status 0
+    awk '$1 == "start" && NF == 3 { start = $2 } $1 == "winner" && NF == 3 { winner = $2 }
+        END { exit !(start > 0 && winner > 0 && winner <= start) }' "$scratch/log/out" || fail 'the winner is worse'
+    expect_stdout 'held out'
+    [ "$(grep -c '^rainfall  *\(start\|winner\)  *20 ' "$scratch/log/out")" -eq 2 ] || fail 'held-out errors are missing'
+}
+
+test_EveryTrialIsShown()
+{
+    tune --max-trials 12
+    expect_status 0
+    expect_stderr 'trial  drift    range   nugget  nearest     score   scale'
+    [ "$(grep -c '^ *[0-9]*  *[0-9]  *[0-9.]*  *[0-9.]* .* automatic$' "$scratch/log/err")" -eq 12 ] || fail 'not 12 trials'
+}
+
+test_TrialsGoToAFile()
+{
+    tune --max-trials 12 --trials trials.csv
+    expect_status 0
+    [ "$(wc -l <trials.csv)" -eq 13 ] || fail 'not 12 trials'
+    [ "$(awk -F, '$(NF - 1) == 1' trials.csv | wc -l)" -eq 1 ] || fail 'not one winner'
+    expect_no_stderr automatic
+    expect_files trials.csv
+}
+
+test_TheWinnerIsWrittenAsSettings()
+{
+    tune --quiet --max-trials 30 -o best.toml
+    expect_status 0
+    expect_files best.toml
+    for option in drift range nugget; do
+        value=$(sed -n "s/^$option = //p" best.toml)
+        winner | grep -qE -- "--$option $value( |$)" || { cat best.toml; fail "$option differs"; }
+    done
+}
+
+test_TheSameSeedGivesTheSameSearch()
+{
+    tune --quiet --max-trials 30
+    cp "$scratch/log/out" first
+    tune --quiet --max-trials 30
+    cmp first "$scratch/log/out" || fail 'two runs differ'
+    tune --quiet --max-trials 30 --seed 5
+    ! cmp -s first "$scratch/log/out" || fail 'the seed changes nothing'
+}
+
+test_ThePrintedOptionsAreTheSettings()
+{
+    tune --quiet --max-trials 60 -o best.toml
+    expect_status 0
+    options=$(winner)
+    [ "$(rmse_with --config best.toml)" = "$(eval "rmse_with $options")" ] || fail "other than $options"
+}
+
+test_WithADashTheSettingsAloneAreOnStandardOutput()
+{
+    tune --max-trials 5 -o -
+    expect_status 0
+    cp "$scratch/log/out" best.toml
+    ! grep -qvE '^(#.*|[a-z-]+ = .*)$' best.toml || fail 'not the settings alone'
+    expect_stderr 'winner'
+    krige validate "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall --config best.toml
+    expect_status 0
+}
+
+test_FixedSettingsStay()
+{
+    tune --quiet --max-trials 60 --fix drift,nugget,nearest,scale --nugget 0.25 --drift 1 --trials trials.csv
+    expect_status 0
+    [ "$(awk -F, 'NR > 1 { print $2, $4, $5, $6 }' trials.csv | sort -u)" = '1 0.25 0 ""' ] || { cat trials.csv; fail 'they move'; }
+    [ "$(awk -F, 'NR > 1 { print $3 }' trials.csv | sort -u | wc -l)" -gt 3 ] || fail 'the range does not move'
+}
+
+test_NothingToFixUnderThatName()
+{
+    tune --fix sill
+    expect_status 2
+    expect_stderr "--fix: 'sill' is none of drift, range, nugget, nearest and scale"
+}
+
+test_AWrongShareOrObjectiveIsAUsageError()
+{
+    tune --held-out 1
+    expect_status 2
+    tune --objective max
+    expect_status 2
+    tune --folds 81
+    expect_status 2
+    expect_stderr '--folds: must be 2 to 80'
+}
+
+test_CoincidentSamplesNameTheWayOut()
+{
+    printf 'x,z\n0,1\n0,3\n1,7\n2,8\n0,3\n0,3\n0,3\n0,3\n0,3\n3,1\n' >samples.csv
+    krige tune samples.csv --inputs x --outputs z --held-out 0 --folds 2 -o best.toml
+    expect_stderr 'hint: 7 of 10 samples coincide; add --duplicate-tolerance 0 to merge them'
+}
