@@ -1,0 +1,51 @@
+# What the scripts share; sourced, not run.
+
+project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev"
+test_packages="libgtest-dev libgmock-dev binutils gnuplot-nox man-db parallel"
+benchmark_packages="libbenchmark-dev libopenblas-dev"
+
+heading() { printf '\n== %s\n' "$*"; }
+fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
+
+# is_installed NAME or NAME:ARCHITECTURE; without one the machine's own counts.
+is_installed() {
+    local name=${1%%:*} architecture
+    case $1 in *:*) architecture=${1#*:} ;; *) architecture=$(dpkg --print-architecture) ;; esac
+    dpkg-query -W -f='${db:Status-Status} ${Architecture}\n' "$name" 2>/dev/null |
+        grep -qxE "installed (all|$architecture)"
+}
+
+# as_root COMMAND...: as it is for root, else through sudo; fails where there is neither.
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"
+    elif command -v sudo >/dev/null; then sudo "$@"
+    else return 1
+    fi
+}
+
+# require_packages NAME...: installs those that are missing, or says which they are.
+require_packages() {
+    local missing=() name
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        echo "Not a Debian machine: nothing is installed here. Needed, under their Debian names: $*" >&2
+        return
+    fi
+    for name in "$@"; do is_installed "$name" || missing+=("$name"); done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    heading "Installing ${missing[*]}"
+    as_root apt-get update -q &&
+        as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}" ||
+        fail "cannot install packages here. Missing: ${missing[*]}. Install them as root, then run this again."
+}
+
+# configure_and_build PRESET [CMAKE OPTION...]
+configure_and_build() {
+    local preset=$1
+    shift
+    cd "$project_dir"
+    heading "Building ($preset)"
+    cmake --preset "$preset" "$@" >/dev/null
+    cmake --build --preset "$preset"
+}
