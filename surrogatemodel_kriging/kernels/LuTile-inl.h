@@ -11,15 +11,7 @@
 #include "hwy/cache_control.h"
 #include "hwy/highway.h"
 #include "surrogatemodel_kriging/kernels/LuPlan.h"
-
-// The arrays of vectors below stay in registers only if their loops are unrolled.
-#if defined(__clang__)
-#define FENN_UNROLL _Pragma("clang loop unroll(full)")
-#elif defined(__GNUC__)
-#define FENN_UNROLL _Pragma("GCC unroll 32")
-#else
-#define FENN_UNROLL
-#endif
+#include "surrogatemodel_kriging/kernels/Unroll.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels

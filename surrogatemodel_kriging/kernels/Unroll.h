@@ -1,5 +1,5 @@
-#ifndef FENN_KERNELS_UNROLL_H
-#define FENN_KERNELS_UNROLL_H
+#ifndef FENN_SURROGATEMODEL_KRIGING_KERNELS_UNROLL_H
+#define FENN_SURROGATEMODEL_KRIGING_KERNELS_UNROLL_H
 
 // Before a loop of constant length over an array of vectors: only unrolled does the array stay in registers.
 #if defined(__clang__)
