@@ -337,6 +337,16 @@ void addOthers(Gallery& gallery)
     unequal.settings.scaleFactors = {1e-5, 1e5};
 }
 
+void addDrifts(Gallery& gallery)
+{
+    gallery.beginFamily("drift 0 to 4, points to spare");
+    for (std::size_t d = 1; d <= 3; ++d)
+    {
+        for (int driftOrder = 0; driftOrder <= 4; ++driftOrder)
+            gallery.add(dimsText(d, 90, driftOrder), scattered(d, 90, 750 + d), driftOrder);
+    }
+}
+
 } // namespace
 
 std::vector<HardSystem> makeHardSystems()
@@ -351,6 +361,7 @@ std::vector<HardSystem> makeHardSystems()
     addJustEnough(gallery);
     addOffsets(gallery);
     addOthers(gallery);
+    addDrifts(gallery);
     return std::move(gallery.systems);
 }
 

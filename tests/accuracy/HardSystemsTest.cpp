@@ -1,5 +1,6 @@
 // The gallery of hard systems is measured once; each test then holds one kind of figure against its bound.
 
+#include <cstdio>
 #include <fstream>
 #include <functional>
 #include <iterator>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 #include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/KrigingModelAccess.h"
@@ -40,11 +41,14 @@ void measureTarget(const KrigingMatrix& matrix, const std::vector<SourcePointRef
                    const std::vector<double>& outputs, const std::vector<double>& b, SystemFigures& figures)
 {
     std::vector<double> x = b;
-    if (textOfError([&] { matrix.luSolve(x.data()); }) == "Value overflow")
+    const std::string failure = textOfError([&] { matrix.luSolve(x.data()); });
+    if (failure == "Value overflow")
     {
         ++figures.numOverflows;
         return;
     }
+    if (failure != "no Error")
+        throw std::logic_error(failure); // the factorisation leaves no diagonal for any other
     const double estimate = matrix.estimate(0, points, x.data());
     if (!std::isfinite(estimate))
     {
