@@ -35,6 +35,12 @@ HighPrecision weightedSum(const HighVector& weights, const std::vector<double>& 
     return sum;
 }
 
+/// A NaN is the worst of all.
+void keepWorst(double& worst, double figure)
+{
+    worst = figure <= worst ? worst : figure;
+}
+
 /// One right-hand side: what luSolve makes of it, and the figures that follow from the exact solution.
 void measureTarget(const KrigingMatrix& matrix, const std::vector<SourcePointRef>& points,
                    const NaiveLinearSystem::Rows& original, const HighPrecisionSystem& exact,
@@ -55,19 +61,18 @@ void measureTarget(const KrigingMatrix& matrix, const std::vector<SourcePointRef
         ++figures.numNotANumber;
         return;
     }
-    figures.solveRatio = std::max(figures.solveRatio, calcSolveRatio(original, b, x));
+    keepWorst(figures.solveRatio, calcSolveRatio(original, b, x));
     if (exact.isSingular())
         return;
 
     HighVector solution = exact.solve(toHighPrecision(b));
     HighPrecision error = weightedSum(solution, outputs);
     error -= estimate;
-    figures.estimateError = std::max(figures.estimateError, std::fabs(error.toDouble()) / largestMagnitude(outputs));
+    keepWorst(figures.estimateError, std::fabs(error.toDouble()) / largestMagnitude(outputs));
     const double norm = oneNorm(solution).toDouble();
     for (std::size_t i = 0; i < x.size(); ++i)
         solution[i] -= x[i];
-    figures.weightError = std::max(figures.weightError,
-                                   oneNorm(solution).toDouble() / (figures.condition * norm * relativeMachineEpsilon));
+    keepWorst(figures.weightError, oneNorm(solution).toDouble() / (figures.condition * norm * relativeMachineEpsilon));
 }
 
 } // namespace
