@@ -3,8 +3,9 @@
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev"
-test_packages="libgtest-dev libgmock-dev binutils gnuplot-nox man-db parallel"
+test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db parallel"
 benchmark_packages="libbenchmark-dev libopenblas-dev"
+abi_packages="abigail-tools"
 
 heading() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }

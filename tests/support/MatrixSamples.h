@@ -106,14 +106,20 @@ inline std::vector<int> pivotsOf(const Matrix& matrix)
     return pivots;
 }
 
-/// A naive copy of a factorised matrix, whatever was written to its factors since.
-inline NaiveLinearSystem factorsOf(const Matrix& matrix)
+/// A copy of the logical rows.
+inline NaiveLinearSystem::Rows rowsOf(const Matrix& matrix)
 {
     const int n = matrix.getDimension();
     NaiveLinearSystem::Rows rows;
     for (int i = 0; i < n; ++i)
         rows.emplace_back(matrix.getRow(i), matrix.getRow(i) + n);
-    NaiveLinearSystem factors(rows);
+    return rows;
+}
+
+/// A naive copy of a factorised matrix, whatever was written to its factors since.
+inline NaiveLinearSystem factorsOf(const Matrix& matrix)
+{
+    NaiveLinearSystem factors(rowsOf(matrix));
     factors.pivots = pivotsOf(matrix);
     return factors;
 }

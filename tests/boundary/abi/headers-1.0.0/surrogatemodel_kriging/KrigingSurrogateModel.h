@@ -1,0 +1,80 @@
+#ifndef FENN_SURROGATEMODEL_KRIGING_KRIGINGSURROGATEMODEL_H
+#define FENN_SURROGATEMODEL_KRIGING_KRIGINGSURROGATEMODEL_H
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "surrogatemodel_common/SurrogateModelInterface.h"
+#include "surrogatemodel_kriging/Normalizer.h"
+#include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
+
+class KrigingControllerAbstract;
+class KrigingModelAccess;
+class SemivariogramInterface;
+
+/// Universal Kriging over scattered samples, with a spherical semivariogram and a polynomial drift.
+///
+/// Estimates are the weighted sums of sample outputs whose weights solve the universal Kriging system in semivariogram
+/// form (G. Matheron, "Le krigeage universel", 1969; N. Cressie, Statistics for Spatial Data, Wiley, 1993, chapter 3).
+/// Globally, one system over all samples is factorised at construction and shared by all targets; locally, one system
+/// over the nearest samples is solved per target. Inputs are normalised per variable; nothing is fitted to the samples.
+///
+/// The host's value arrays are referred to, not copied: they must outlive the model. Sample coordinates and outputs
+/// are read anew by each request.
+///
+/// A global model may be asked by several threads at once, each request using the model's own pool of worker threads. A
+/// local model must not run two requests at once. activateDependentVariables must not run beside a request.
+class FENN_SURROGATEMODEL_KRIGING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface
+{
+public:
+    /// inputValueArrays, outputValueArrays: one array per variable, numPoints values each, raw units.
+    /// duplicateTolerance: >= 0 merges samples that agree within this fraction of each input variable's range; a
+    /// negative one or NaN leaves them alone.
+    /// scaleFactors: empty (-1 for every input variable) or one each: s > 0 is the variable's scale, -k asks for a
+    /// normalised range of 2k; a common factor then brings the geometric mean of extreme normalised ranges to 2.
+    /// driftOrder: 0 (constant mean, ordinary Kriging) to 4; more acts as 4.
+    /// rangeFraction: semivariogram range over the diagonal of the normalised sample box. nugget: with sill 1.
+    /// numNearestPoints: 0, or at least the number of samples: global; otherwise the samples per local system.
+    ///
+    /// Throws Error with "Scaling factor too large", "Scaling factor too small", "Value range too small to normalize
+    /// data", "Not enough source points for kriging.", "Not enough source points to calculate drift." or, globally,
+    /// "Singular matrix"; and std::bad_alloc. Nothing is left behind then.
+    KrigingSurrogateModel(const std::vector<double*>& inputValueArrays, const std::vector<double*>& outputValueArrays,
+                          int numPoints, double duplicateTolerance, const std::vector<double>& scaleFactors,
+                          int driftOrder, double rangeFraction, double nugget, int numNearestPoints);
+
+    ~KrigingSurrogateModel() override;
+
+    void activateDependentVariables(const std::set<int>& dependentVars) override;
+
+    /// Indices are not checked. numTargets is passed on as a 32-bit signed count, deliberately without a range test.
+    /// Throws Error with "Singular matrix" or "Value overflow"; estimates written before the failure stay.
+    void interpolateDependentValues(const std::vector<double*>& targetValueArrays, const std::set<int>& dependentVars,
+                                    std::vector<double*>& resultArrays, size_t numTargets) const override;
+
+    // This kind of model has nothing to report.
+    bool surfaceCoefficientInformationAvailable() const override;
+    std::string surfaceCoefficientInformation(int index) override;
+    bool qualityMetricInformationAvailable() const override;
+    std::string qualityMetricInformation(int index) override;
+
+private:
+    friend class KrigingModelAccess;
+
+    void setupMinMaxOffsetAndScale(const std::vector<double*>& inputValueArrays, int numPoints,
+                                   const std::vector<double>& scaleFactors);
+
+    std::vector<double> minValues;       // per input variable, before any merging of samples
+    std::vector<double> maxValues;       // likewise
+    std::vector<Normalizer> normalizers; // per input variable
+
+    // Owned. The controller refers to the other two, these to the vectors above: the destructor deletes controller,
+    // semivariogram, data block, in that order and not in the order of declaration.
+    SemivariogramInterface* semivariogram = nullptr;
+    KrigingControllerAbstract* controller = nullptr;
+    SurrogateModelDataBlock* dataBlock = nullptr;
+};
+
+#endif
