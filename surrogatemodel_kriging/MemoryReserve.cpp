@@ -18,9 +18,9 @@ namespace
 {
 
 // Qt 5.15 takes 752 bytes for a pool and 8 KiB, in pieces, for a thread. The C library takes up to 132 KiB from the
-// system for the first piece.
+// system for the first piece. The rest is for what the tasks begun first take while the last thread is being started.
 constexpr std::size_t poolMemory = std::size_t{4} << 10;
-constexpr std::size_t threadMemory = std::size_t{256} << 10;
+constexpr std::size_t threadMemory = std::size_t{1} << 20;
 
 #ifdef __linux__
 

@@ -109,7 +109,6 @@ TEST(MemoryLimitTest, AModelIsBuiltAndAskedOrFailsWithBadAlloc)
     if (!canLimitMemory)
         GTEST_SKIP();
     constexpr std::size_t numTargets = 200;
-    constexpr std::size_t step = std::size_t{160} << 10;
     ModelSample samples(randomValues(2, 500, 0.0, 1.0, 90), randomValues(1, 500, 0.0, 1.0, 91));
     ModelSettings settings;
     settings.duplicateTolerance = 0.0;
@@ -138,6 +137,7 @@ TEST(MemoryLimitTest, AModelIsBuiltAndAskedOrFailsWithBadAlloc)
     int numRight = 0;
     int numOutOfMemory = 0;
     const std::size_t enough = (std::size_t{9} << 20) * std::thread::hardware_concurrency() + (std::size_t{16} << 20);
+    const std::size_t step = enough / 220;
     for (std::size_t numBytes = 0; numBytes < enough; numBytes += step)
     {
         const int outcome = outcomeWithin(numBytes, answersRightTwice);
