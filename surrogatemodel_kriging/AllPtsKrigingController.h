@@ -9,31 +9,40 @@
 #include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
 
-class QThreadPool;
+namespace fenn
+{
+class WorkerPool;
+}
+
 class SemivariogramInterface;
 
 /// Global Kriging: one system over all unblanked points, factorised at construction; the targets of a request are
 /// divided into contiguous ranges that a pool of this controller's own evaluates in parallel.
+///
+/// Where the system refuses the pool its threads, the calling thread does their work: to the same bits and failures,
+/// and without waiting for them for more than a moment; see WorkerPool.
 ///
 /// Refers to the data block and the semivariogram, which must outlive it. Several threads may run requests at once.
 class AllPtsKrigingController : public KrigingControllerAbstract
 {
 public:
     /// maxThreads: limit of the pool; 0 leaves it at the pool's default, the number of processors.
-    /// Throws as the constructor of KrigingMatrix and Matrix::luDecompose.
+    /// Throws as the constructor of KrigingMatrix and Matrix::luDecompose, and std::bad_alloc.
     AllPtsKrigingController(const SurrogateModelDataBlock* dataBlock_, SemivariogramInterface* semivariogram,
                             int driftOrder, int maxThreads = 0);
     ~AllPtsKrigingController() override;
 
     /// Returns, or throws, when every range has been dealt with. Of several failing ranges the one with the lowest
-    /// first target decides what is thrown; targets before a range's failing one have their values.
+    /// first target decides what is thrown; targets before a range's failing one have their values. Running out of
+    /// memory is such a failure, std::bad_alloc; while tasks are started, it leaves the ranges not yet started
+    /// unwritten.
     void interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars, int numTargets,
                      std::vector<double*>& values, std::vector<double*>& variances) override;
 
 private:
     KrigingMatrix krigingMatrix;           // factorised, read-only after construction
     std::vector<SourcePointRef> sourcePts; // entry i owns row i of the system
-    std::unique_ptr<QThreadPool> threadPool;
+    std::unique_ptr<fenn::WorkerPool> workers;
 };
 
 #endif

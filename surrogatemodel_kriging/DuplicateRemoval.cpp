@@ -53,15 +53,35 @@ void SurrogateModelDataBlock::removeDuplicatePts(double tolerance)
     if (numInputVars < 1)
         return; // nothing to compare by
 
-    duplicatePtInputValues.resize(static_cast<std::size_t>(numInputVars));
-    duplicatePtOutputValues.resize(static_cast<std::size_t>(numOutputVars));
-
     std::vector<std::pair<int, int>> points;
     getAllUnblankedPts(points);
-    findDuplicatePts(points.begin(), points.end(), 0, tolerance);
-
-    if (!duplicatePtIncludeArray.empty())
-        addNewBlock(duplicatePtInputValues, duplicatePtOutputValues, duplicatePtIncludeArray);
+    const std::size_t numAveragedBefore = duplicatePtIncludeArray.size();
+    try
+    {
+        duplicatePtInputValues.resize(static_cast<std::size_t>(numInputVars));
+        duplicatePtOutputValues.resize(static_cast<std::size_t>(numOutputVars));
+        findDuplicatePts(points.begin(), points.end(), 0, tolerance);
+        if (!duplicatePtIncludeArray.empty())
+            addNewBlock(duplicatePtInputValues, duplicatePtOutputValues, duplicatePtIncludeArray);
+    }
+    catch (...)
+    {
+        // Out of memory: as if nothing had been merged. Nothing here allocates.
+        for (std::vector<std::vector<double>>* lists : {&duplicatePtInputValues, &duplicatePtOutputValues})
+        {
+            for (std::vector<double>& values : *lists)
+                values.resize(std::min(values.size(), numAveragedBefore));
+        }
+        duplicatePtIncludeArray.resize(numAveragedBefore);
+        for (const std::pair<int, int>& point : points) // in another order by now, but the same ones
+            includePtArrays[static_cast<std::size_t>(point.first)][static_cast<std::size_t>(point.second)] = true;
+        const auto numBlocksBefore = static_cast<std::size_t>(numBlocks);
+        numPtsInBlocks.resize(numBlocksBefore);
+        inputValueArrays.resize(numBlocksBefore);
+        outputValueArrays.resize(numBlocksBefore);
+        includePtArrays.resize(numBlocksBefore);
+        throw;
+    }
 }
 
 void SurrogateModelDataBlock::findDuplicatePts(const SourcePointIterator& first, const SourcePointIterator& last,

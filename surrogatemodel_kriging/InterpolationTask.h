@@ -12,10 +12,11 @@
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
 
-/// One contiguous range of a request's targets, evaluated against a factorised system on one pool thread.
+/// One contiguous range of a request's targets, evaluated against a factorised system on one thread: a pool's, or,
+/// where the pool has none, the request's own.
 ///
-/// Refers to everything it is given, which must outlive it; owns its function object only. Tasks of
-/// one request write to different targets and share the rest read-only. A pool deletes a task after running it.
+/// Refers to everything it is given, which must outlive it; owns its function object only. Tasks of one request write
+/// to different targets and share the rest read-only. A pool that is given a task deletes it after running it.
 class InterpolationTask : public QRunnable
 {
 public:

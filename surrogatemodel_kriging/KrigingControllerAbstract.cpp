@@ -12,7 +12,10 @@ KrigingControllerAbstract::~KrigingControllerAbstract() = default;
 void KrigingControllerAbstract::setOutputVars(const std::set<int>& outputVars)
 {
     if (&outputVars != &activeOutputVars)
-        activeOutputVars = outputVars;
+    {
+        std::set<int> chosen = outputVars; // should memory run out, the former choice stands
+        activeOutputVars.swap(chosen);
+    }
     for (const int outputVar : outputVars)
     {
         // DELIBERATE: presence is asked for, not absence. Nothing in this class puts a variable into the set, so that

@@ -21,14 +21,15 @@ public:
     virtual ~KrigingControllerAbstract();
 
     /// Replaces the chosen output variables, by index, unchecked, and refreshes the centring offsets of those of them
-    /// that are being centred.
+    /// that are being centred. Throws std::bad_alloc; the former choice then stands.
     virtual void setOutputVars(const std::set<int>& outputVars);
 
     /// Estimates output variables at numTargets targets.
     /// targetCoords: raw coordinates, one array per input variable. values: one array per element of outputVars, in
     /// ascending order, with room for numTargets estimates. variances: empty, or laid out like values; receives the
     /// Kriging variance of a sill of 1 for each output. The caller owns all arrays.
-    /// Throws Error "Singular matrix" or "Value overflow"; what was written before the failure stays.
+    /// Throws Error "Singular matrix" or "Value overflow", and std::bad_alloc; what was written before the failure
+    /// stays, and the next request is answered as if there had been none.
     virtual void interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars, int numTargets,
                              std::vector<double*>& values, std::vector<double*>& variances) = 0;
 

@@ -25,7 +25,9 @@ class SemivariogramInterface;
 /// are read anew by each request.
 ///
 /// A global model may be asked by several threads at once, each request using the model's own pool of worker threads. A
-/// local model must not run two requests at once. activateDependentVariables must not run beside a request.
+/// local model must not run two requests at once. Where the system makes no more threads, the thread that builds or
+/// asks does all the work, to the same bits; deleting a model whose pool was refused threads takes up to a second and
+/// leaves that pool's memory allocated. activateDependentVariables must not run beside a request.
 class FENN_SURROGATEMODEL_KRIGING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface
 {
 public:
@@ -47,10 +49,12 @@ public:
 
     ~KrigingSurrogateModel() override;
 
+    /// Throws std::bad_alloc; the former choice then stands.
     void activateDependentVariables(const std::set<int>& dependentVars) override;
 
     /// Indices are not checked. numTargets is passed on as a 32-bit signed count, deliberately without a range test.
-    /// Throws Error with "Singular matrix" or "Value overflow"; estimates written before the failure stay.
+    /// Throws Error with "Singular matrix" or "Value overflow", and std::bad_alloc; estimates written before the
+    /// failure stay, and the model answers later requests as if there had been none.
     void interpolateDependentValues(const std::vector<double*>& targetValueArrays, const std::set<int>& dependentVars,
                                     std::vector<double*>& resultArrays, size_t numTargets) const override;
 

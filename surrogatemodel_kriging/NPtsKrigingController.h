@@ -24,7 +24,8 @@ public:
                           int driftOrder, int numNeighbours_);
     ~NPtsKrigingController() override;
 
-    /// Throws at the target whose system fails; earlier targets keep their values, later ones are not written.
+    /// Throws at the target whose system fails, or std::bad_alloc; earlier targets keep their values, later ones are
+    /// not written.
     void interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars, int numTargets,
                      std::vector<double*>& values, std::vector<double*>& variances) override;
 

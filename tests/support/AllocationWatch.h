@@ -4,8 +4,9 @@
 #include <cstddef>
 #include <vector>
 
-/// Watches operator new and operator delete, which the test program replaces, on the calling thread only: what other
-/// threads allocate is not seen. One watch at a time.
+/// Watches every form of operator new and operator delete, which the test program replaces, on all threads. What Qt
+/// allocates for itself is neither counted nor failed: seen by the address that operator new was called from. One watch
+/// at a time.
 namespace fenn::test
 {
 
@@ -14,17 +15,23 @@ class AllocationWatch
 public:
     static constexpr std::size_t never = static_cast<std::size_t>(-1);
 
-    /// failingAllocation: index of the allocation, counted from here and among those of at least leastSize bytes, that
-    /// fails as if memory had run out.
-    explicit AllocationWatch(std::size_t failingAllocation = never, std::size_t leastSize = 0);
+    /// failingAllocation: index of the allocation, counted from here over all threads, that fails as if memory had run
+    /// out.
+    explicit AllocationWatch(std::size_t failingAllocation = never);
     ~AllocationWatch();
     AllocationWatch(const AllocationWatch& other) = delete;
     AllocationWatch& operator=(const AllocationWatch& other) = delete;
 
-    /// Allocations since the start of the watch less what has been freed since.
+    /// Of the allocations since the start of the watch those that have not been freed.
     std::ptrdiff_t getNumLive() const;
 
     bool hasFailed() const;
+
+    /// Whether it was one of the forms that return null.
+    bool hasFailedWithoutThrowing() const;
+
+    /// Whether another thread than the one that made the watch asked for it.
+    bool hasFailedOnAnotherThread() const;
 
     /// Has the moment of an address' release kept; at most eight.
     void follow(const void* address);

@@ -1,5 +1,4 @@
 #include <cstddef>
-#include <new>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -68,40 +67,6 @@ protected:
         }
         EXPECT_TRUE(hasFailedAsExpected);
         EXPECT_EQ(numLive, 0);
-    }
-
-    /// Lets one allocation of the construction after the other, of at least leastSize bytes, fail until all have had
-    /// their turn.
-    static void expectNoTraceOfFailedAllocations(ModelSample& sample, const ModelSettings& settings,
-                                                 std::size_t leastSize, std::size_t leastNumFailures)
-    {
-        std::size_t numFailures = 0;
-        for (std::size_t failing = 0;; ++failing)
-        {
-            SCOPED_TRACE(testing::Message() << "allocation " << failing);
-            bool isOutOfMemory = false;
-            bool hasFailed = false;
-            std::ptrdiff_t numLive = -1;
-            {
-                const AllocationWatch watch(failing, leastSize);
-                try
-                {
-                    delete newModel(sample, settings);
-                }
-                catch (const std::bad_alloc&)
-                {
-                    isOutOfMemory = true;
-                }
-                hasFailed = watch.hasFailed();
-                numLive = watch.getNumLive();
-            }
-            ASSERT_EQ(numLive, 0);
-            if (!hasFailed)
-                break;
-            if (isOutOfMemory)
-                ++numFailures;
-        }
-        EXPECT_GE(numFailures, leastNumFailures);
     }
 
     ModelSample samples{{{0.0, 1.0, 2.0, 4.0, 8.0, 8.0}}, {{1.0, 3.0, 2.0, 5.0, 4.0, 6.0}}};
@@ -193,18 +158,6 @@ TEST_F(KrigingSurrogateModelLifetimeTest, AConstructorThatFailsToFactoriseLeaves
     ModelSettings settings = makeSettings(-1.0, 1, 0);
     settings.scaleFactors = {1.0, 1.0};
     expectFailureWithoutTrace(constant, settings, "Singular matrix");
-}
-
-TEST_F(KrigingSurrogateModelLifetimeTest, ALocalConstructorThatRunsOutOfMemoryLeavesNothing)
-{
-    expectNoTraceOfFailedAllocations(samples, makeSettings(0.0, 1, 3), 0, 15);
-}
-
-TEST_F(KrigingSurrogateModelLifetimeTest, AGlobalConstructorThatRunsOutOfMemoryLeavesNothing)
-{
-    // Qt's thread pool does not survive a failure of its own small allocations: only those that grow with the samples.
-    ModelSample many(fenn::test::randomValues(2, 150, 0.0, 1.0, 3), fenn::test::randomValues(1, 150, 0.0, 1.0, 4));
-    expectNoTraceOfFailedAllocations(many, makeSettings(0.0, 1, 0), 600, 4);
 }
 
 TEST_F(KrigingSurrogateModelLifetimeTest, IsNeitherCopiedNorAssigned)

@@ -1,0 +1,288 @@
+// The system refuses to make threads: from the first on, from a later one on, or for a while.
+
+#include <atomic>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "surrogatemodel_kriging/AllPtsKrigingController.h"
+#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "surrogatemodel_kriging/SphericalSemivariogram.h"
+#include "surrogatemodel_kriging/WorkerPool.h"
+#include "tests/support/BitComparison.h"
+#include "tests/support/FunctionSemivariogram.h"
+#include "tests/support/Meeting.h"
+#include "tests/support/ModelSample.h"
+#include "tests/support/RequestArrays.h"
+#include "tests/support/SampleBlocks.h"
+#include "tests/support/ThreadRefusal.h"
+
+using namespace fenn::test;
+
+namespace
+{
+
+using Estimates = std::vector<std::vector<double>>;
+
+constexpr int numThreads = 4;
+constexpr std::size_t numTargets = 50;
+
+/// 320 samples, whose system several threads factorise, and a request of four ranges.
+class NoThreadsTest : public testing::Test
+{
+protected:
+    NoThreadsTest()
+        : semivariogram(std::vector<int>(2), samples.normalizers, std::vector<double>(2, -1.0),
+                        std::vector<double>(2, 1.0), 0.5, 0.05),
+          expected(request(*makeController()))
+    {
+    }
+
+    std::unique_ptr<AllPtsKrigingController> makeController()
+    {
+        return std::make_unique<AllPtsKrigingController>(&samples.block(), &semivariogram, 1, numThreads);
+    }
+
+    Estimates request(AllPtsKrigingController& controller)
+    {
+        ResultArrays values(1, numTargets);
+        ResultArrays variances(1, numTargets);
+        controller.interpolate(targets.arrays(), {0}, static_cast<int>(numTargets), values.arrays(),
+                               variances.arrays());
+        return {values[0], variances[0]};
+    }
+
+    void expectRightAnswer(AllPtsKrigingController& controller)
+    {
+        const Estimates actual = request(controller);
+        EXPECT_TRUE(sameBits(actual[0], expected[0]));
+        EXPECT_TRUE(sameBits(actual[1], expected[1]));
+    }
+
+    SampleBlocks samples{SampleShape{2, 1, {320}, 0.0, 0}, 80};
+    SphericalSemivariogram semivariogram;
+    ValueArrays targets{randomValues(2, numTargets, -1.0, 1.0, 81)};
+    const Estimates expected;
+};
+
+/// The threads that the pieces of a job run on.
+std::set<std::thread::id> runnersOf(fenn::WorkerPool& pool, int numPieces)
+{
+    std::mutex mutex;
+    std::set<std::thread::id> runners;
+    pool.run(numPieces,
+             [&](int)
+             {
+                 const std::lock_guard<std::mutex> lock(mutex);
+                 runners.insert(std::this_thread::get_id());
+             });
+    return runners;
+}
+
+/// Threads of this process that Qt has made for a pool, by the name that it gives them.
+int numPoolThreads()
+{
+    int count = 0;
+    for (const std::filesystem::directory_entry& thread : std::filesystem::directory_iterator("/proc/self/task"))
+    {
+        std::string name;
+        std::getline(std::ifstream(thread.path() / "comm"), name);
+        count += name.find("pooled") != std::string::npos ? 1 : 0;
+    }
+    return count;
+}
+
+std::set<std::thread::id> thisThreadOnly()
+{
+    return {std::this_thread::get_id()};
+}
+
+} // namespace
+
+TEST_F(NoThreadsTest, AModelIsBuiltAskedAndDeletedHoweverManyThreadsThereAre)
+{
+    int numRefused = 0;
+    for (int numGranted = 0;; ++numGranted)
+    {
+        SCOPED_TRACE(testing::Message() << numGranted << " threads");
+        const ThreadRefusal refusal(numGranted);
+        {
+            const auto controller = makeController();
+            expectRightAnswer(*controller);
+            expectRightAnswer(*controller);
+        }
+        numRefused += refusal.getNumRefused();
+        std::cout << numGranted << " threads granted, " << refusal.getNumRefused() << " refused\n";
+        if (refusal.getNumRefused() == 0)
+            break;
+    }
+    EXPECT_GT(numRefused, 0);
+}
+
+TEST_F(NoThreadsTest, AModelBuiltWithThreadsIsAskedWithoutThem)
+{
+    for (int numGranted = 0; numGranted < numThreads; ++numGranted)
+    {
+        SCOPED_TRACE(testing::Message() << numGranted << " threads");
+        const auto controller = makeController();
+        const ThreadRefusal refusal(numGranted);
+
+        expectRightAnswer(*controller);
+
+        EXPECT_GT(refusal.getNumRefused(), 0);
+    }
+}
+
+TEST_F(NoThreadsTest, APoolThatCannotBeWaitedForLeavesNoThreadRunning)
+{
+    std::atomic<int> numSeen{0};
+    {
+        fenn::WorkerPool pool(3);
+        const ThreadRefusal refusal(2);
+        pool.run(3, [&](int) { numSeen += numPoolThreads(); });
+        EXPECT_GT(refusal.getNumRefused(), 0);
+    }
+    EXPECT_GT(numSeen, 0);
+    EXPECT_EQ(numPoolThreads(), 0);
+}
+
+TEST_F(NoThreadsTest, AfterAShortageAModelIsAskedAsBefore)
+{
+    const auto controller = makeController();
+    {
+        const ThreadRefusal refusal(1);
+        expectRightAnswer(*controller);
+    }
+
+    for (int round = 0; round < 3; ++round)
+        expectRightAnswer(*controller);
+}
+
+TEST_F(NoThreadsTest, SeveralThreadsOfTheHostAreAnsweredAtOnce)
+{
+    constexpr std::size_t numHosts = 4;
+    const auto controller = makeController();
+    Meeting refusalInForce(static_cast<int>(numHosts) + 1);
+    std::vector<Estimates> answers(numHosts);
+    std::vector<std::thread> hosts;
+    for (Estimates& answer : answers)
+    {
+        hosts.emplace_back(
+            [&]
+            {
+                refusalInForce.attend();
+                for (int round = 0; round < 5; ++round)
+                    answer = request(*controller);
+            });
+    }
+    {
+        const ThreadRefusal refusal(2);
+        refusalInForce.attend();
+        for (std::thread& host : hosts)
+            host.join();
+        EXPECT_GT(refusal.getNumRefused(), 0);
+    }
+    for (const Estimates& answer : answers)
+    {
+        EXPECT_TRUE(sameBits(answer[0], expected[0]));
+        EXPECT_TRUE(sameBits(answer[1], expected[1]));
+    }
+}
+
+TEST_F(NoThreadsTest, TheFailingRangeWithTheLowestTargetDecidesOnTheCallingThreadToo)
+{
+    FunctionSemivariogram throwing(
+        [](const std::vector<double>& separation)
+        {
+            if (separation[0] > 900.0)
+                throw std::runtime_error("far to the left");
+            if (separation[0] < -900.0)
+                throw std::runtime_error("far to the right");
+            return oneSidedModel(separation);
+        });
+    SampleBlocks few(SampleShape{1, 1, {15}, 0.0, 0}, 82);
+    for (const int numGranted : {0, 2})
+    {
+        AllPtsKrigingController controller(&few.block(), &throwing, 1, numThreads);
+        ValueArrays given(randomValues(1, 40, -1.0, 1.0, 83));
+        given[0][15] = 1000.0;
+        given[0][25] = -1000.0;
+        ResultArrays values(1, 40);
+        std::vector<double*> noVariances;
+        const ThreadRefusal refusal(numGranted);
+        std::string text;
+
+        try
+        {
+            controller.interpolate(given.arrays(), {0}, 40, values.arrays(), noVariances);
+        }
+        catch (const std::runtime_error& error)
+        {
+            text = error.what();
+        }
+
+        EXPECT_EQ(text, "far to the right");
+        for (std::size_t t = 0; t < 40; ++t)
+            EXPECT_EQ(values[0][t] == unwritten, (t >= 15 && t < 20) || (t >= 25 && t < 30)) << t;
+    }
+}
+
+TEST_F(NoThreadsTest, TheExportedModelNeedsNoThreads)
+{
+    ModelSample plain(randomValues(2, 300, -1.0, 1.0, 84), randomValues(1, 300, 0.0, 1.0, 85));
+    const Estimates places = randomValues(2, 100, -1.0, 1.0, 86);
+    const Estimates withThreads = estimatesOf(plain.build(), places, {0});
+    const ThreadRefusal refusal(0);
+
+    const Estimates without = estimatesOf(plain.build(), places, {0});
+
+    EXPECT_TRUE(sameBits(without[0], withThreads[0]));
+}
+
+TEST_F(NoThreadsTest, APoolThatWasRefusedAThreadIsNotAskedAgain)
+{
+    fenn::WorkerPool pool(2);
+    {
+        const ThreadRefusal refusal(0);
+        EXPECT_EQ(runnersOf(pool, 2), thisThreadOnly());
+    }
+
+    EXPECT_EQ(runnersOf(pool, 2), thisThreadOnly());
+}
+
+TEST_F(NoThreadsTest, DuringAShortageOtherPoolsAskForNoThreadsOfQt)
+{
+    fenn::WorkerPool first(2);
+    const ThreadRefusal refusal(0);
+    EXPECT_EQ(runnersOf(first, 2), thisThreadOnly());
+    const int numRefusedFirst = refusal.getNumRefused();
+    fenn::WorkerPool second(2);
+
+    for (int round = 0; round < 3; ++round)
+        EXPECT_EQ(runnersOf(second, 2), thisThreadOnly());
+
+    EXPECT_EQ(refusal.getNumRefused() - numRefusedFirst, 3); // one attempt of our own each
+}
+
+TEST_F(NoThreadsTest, AfterAShortageOtherPoolsHaveTheirThreads)
+{
+    fenn::WorkerPool first(2);
+    fenn::WorkerPool second(2);
+    {
+        const ThreadRefusal refusal(0);
+        EXPECT_EQ(runnersOf(first, 2), thisThreadOnly());
+        EXPECT_EQ(runnersOf(second, 2), thisThreadOnly());
+    }
+
+    EXPECT_EQ(runnersOf(second, 2).count(std::this_thread::get_id()), 0U);
+}
