@@ -139,7 +139,8 @@ TEST_F(NoThreadsTest, AModelBuiltWithThreadsIsAskedWithoutThem)
 
         expectRightAnswer(*controller);
 
-        EXPECT_GT(refusal.getNumRefused(), 0);
+        if (numGranted == 0) // a thread that is through with its task early may run the others too
+            EXPECT_GT(refusal.getNumRefused(), 0);
     }
 }
 
@@ -149,8 +150,13 @@ TEST_F(NoThreadsTest, APoolThatCannotBeWaitedForLeavesNoThreadRunning)
     {
         fenn::WorkerPool pool(3);
         const ThreadRefusal refusal(2);
-        pool.run(3, [&](int) { numSeen += numPoolThreads(); });
-        EXPECT_GT(refusal.getNumRefused(), 0);
+        pool.run(3,
+                 [&](int)
+                 {
+                     while (refusal.getNumRefused() == 0) // else the first thread might serve for all
+                         std::this_thread::yield();
+                     numSeen += numPoolThreads();
+                 });
     }
     EXPECT_GT(numSeen, 0);
     EXPECT_EQ(numPoolThreads(), 0);
@@ -284,5 +290,9 @@ TEST_F(NoThreadsTest, AfterAShortageOtherPoolsHaveTheirThreads)
         EXPECT_EQ(runnersOf(second, 2), thisThreadOnly());
     }
 
-    EXPECT_EQ(runnersOf(second, 2).count(std::this_thread::get_id()), 0U);
+    // On a busy machine a thread may come too late for a piece, but not for all of them.
+    int numElsewhere = 0;
+    for (int round = 0; round < 20; ++round)
+        numElsewhere += runnersOf(second, 2).count(std::this_thread::get_id()) == 0 ? 1 : 0;
+    EXPECT_GT(numElsewhere, 0);
 }
