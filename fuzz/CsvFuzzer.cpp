@@ -45,6 +45,7 @@ struct Options
 {
     krige::ReadSettings settings;
     bool isPacked = false;
+    bool isPackedInTwo = false;   // one packed file behind the other
     std::size_t padding = 0;      // 0: none; otherwise what is cut off a block of padding
     bool padsWithLines = false;   // otherwise with one long field
     std::size_t paddingPlace = 0; // in the file
@@ -61,6 +62,7 @@ Options decodeOptions(InputBytes& input)
     const std::size_t flags = input.byte();
     options.settings.skipMissing = (flags & 1U) != 0;
     options.isPacked = (flags & 2U) != 0;
+    options.isPackedInTwo = (flags & 4U) != 0;
     options.maxRows = 1 + input.byte() % 16;
     const bool isPadded = input.byte() == '?'; // rarely: it takes its time
     const std::size_t padding = input.byte() % 64;
@@ -327,7 +329,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             padding[i] = '\n';
         text.insert(std::min(options.paddingPlace, text.size()), padding);
     }
-    const std::string& path = file.write(options.isPacked ? pack(text) : text);
+    const std::size_t packedFirst = options.isPackedInTwo ? text.size() / 2 : 0;
+    const std::string& path = file.write(options.isPacked ? (packedFirst > 0 ? pack(text.substr(0, packedFirst)) : "") +
+                                                                pack(text.substr(packedFirst))
+                                                          : text);
     if (!options.isPacked && text.compare(0, 2, "\x1F\x8B") == 0)
     {
         // Taken for packed, and damaged as good as ever: an error, or whatever was unpacked.
