@@ -17,6 +17,7 @@ namespace
 
 constexpr std::size_t blockCapacity = std::size_t{1} << 18;
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
+constexpr char gzipMark[] = "\x1F\x8B";
 
 // Strict: a stray or missing quote is an error, not a guess. Every line end is reported, so that a line without one is
 // known to end within quotes.
@@ -312,8 +313,14 @@ void appendCsvField(std::string& out, std::string_view field)
     {
         return c == ' ' || c == '\t';
     };
+    const auto beginsWith = [field](std::string_view mark)
+    {
+        return field.substr(0, mark.size()) == mark;
+    };
+    // At the beginning of a file the two marks would not be taken for text.
     const bool needsQuotes = field.empty() || field.find_first_of(",;\t\"\r\n") != std::string_view::npos ||
-                             isBlank(field.front()) || isBlank(field.back());
+                             isBlank(field.front()) || isBlank(field.back()) || beginsWith(byteOrderMark) ||
+                             beginsWith(gzipMark);
     if (!needsQuotes)
     {
         out += field;

@@ -6,6 +6,7 @@ build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv
 test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db parallel"
 benchmark_packages="libbenchmark-dev libopenblas-dev"
 abi_packages="abigail-tools"
+fuzz_packages="clang libclang-rt-14-dev llvm"
 
 heading() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }

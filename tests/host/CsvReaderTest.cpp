@@ -207,6 +207,17 @@ TEST(CsvTextTest, AFieldIsWrittenInQuotesWhenItNeedsThem)
     EXPECT_EQ(text, "plain name|\"a,b\"|\"say \"\"c\"\"\"|\"d\ne\"|\" f\"|");
 }
 
+TEST_F(CsvReaderTest, AFirstFieldThatBeginsLikeAMarkedOrPackedFileIsReadBack)
+{
+    for (const std::string field : {"\xEF\xBB\xBFx", "\x1F\x8Bx"})
+    {
+        std::string text;
+        krige::appendCsvField(text, field);
+
+        EXPECT_THAT(read(text + "\n"), ElementsAre(Fields{field}));
+    }
+}
+
 TEST_F(CsvReaderTest, PlainAndQuotedLinesAndBlankOnesMayAlternate)
 {
     EXPECT_THAT(read("x,y\n\n1,\"a\"\n\r\n2,b\r\n\"3\",c\n  \n4,d"),
