@@ -31,7 +31,8 @@ class SemivariogramInterface;
 class FENN_SURROGATEMODEL_KRIGING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface
 {
 public:
-    /// inputValueArrays, outputValueArrays: one array per variable, numPoints values each, raw units.
+    /// inputValueArrays, outputValueArrays: one array per variable, numPoints values each, raw units. They are not read
+    /// when numPoints is below 1, which is never enough.
     /// duplicateTolerance: >= 0 merges samples that agree within this fraction of each input variable's range; a
     /// negative one or NaN leaves them alone.
     /// scaleFactors: empty (-1 for every input variable) or one each: s > 0 is the variable's scale, -k asks for a
