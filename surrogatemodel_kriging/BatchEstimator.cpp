@@ -26,7 +26,7 @@ std::size_t stripStride(std::size_t dimension)
 
 std::size_t numStripsFor(int numTargets)
 {
-    return toIndex((numTargets + laneCount - 1) / laneCount);
+    return toIndex(numTargets / laneCount) + (numTargets % laneCount == 0 ? 0 : 1); // of up to as many as an int counts
 }
 
 /// Where entry 0 of a target of a group stands; the next ones follow stripWidth apart.

@@ -1,5 +1,6 @@
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -39,15 +40,22 @@ KrigingSurrogateModel::KrigingSurrogateModel(const std::vector<double*>& inputVa
                                              double duplicateTolerance, const std::vector<double>& scaleFactors,
                                              int driftOrder, double rangeFraction, double nugget, int numNearestPoints)
 {
+    const std::size_t numInputVars = inputValueArrays.size();
+    // The limits start from each variable's first value, which a host without samples need not have.
+    double noValue = 0.0;
+    const std::vector<double*> standIns(numPoints > 0 ? 0 : numInputVars, &noValue);
+    const std::vector<double*>& arraysToMeasure = numPoints > 0 ? inputValueArrays : standIns;
     if (scaleFactors.empty())
-        setupMinMaxOffsetAndScale(inputValueArrays, numPoints, std::vector<double>(inputValueArrays.size(), -1.0));
+        setupMinMaxOffsetAndScale(arraysToMeasure, numPoints, std::vector<double>(numInputVars, -1.0));
     else
-        setupMinMaxOffsetAndScale(inputValueArrays, numPoints, scaleFactors);
+        setupMinMaxOffsetAndScale(arraysToMeasure, numPoints, scaleFactors);
 
-    // Held here until all three exist: a constructor that throws runs no destructor.
-    auto newDataBlock = std::make_unique<SurrogateModelDataBlock>(
-        numPoints, inputValueArrays, outputValueArrays, std::vector<bool>(static_cast<std::size_t>(numPoints), true),
-        normalizers, minValues, maxValues);
+    // Held here until all three exist: a constructor that throws runs no destructor. A negative number of points counts
+    // none, as in the data block.
+    const auto numFlags = static_cast<std::size_t>(std::max(numPoints, 0));
+    auto newDataBlock =
+        std::make_unique<SurrogateModelDataBlock>(numPoints, inputValueArrays, outputValueArrays,
+                                                  std::vector<bool>(numFlags, true), normalizers, minValues, maxValues);
     if (duplicateTolerance >= 0.0)
         newDataBlock->removeDuplicatePts(duplicateTolerance);
 

@@ -91,7 +91,8 @@ double NearestNeighborSearch::getScale() const
 {
     // DELIBERATE: the scale of input variable 0 serves every variable. Which points a local system is built from relies
     // on it. Test: NearestNeighborSearchTest.EveryVariableUsesTheScaleOfTheFirst
-    return dataBlock->getInputVarNormalizers()[0].getScale();
+    const std::vector<Normalizer>& normalizers = dataBlock->getInputVarNormalizers();
+    return normalizers.empty() ? 0.0 : normalizers[0].getScale(); // without input variables all points coincide
 }
 
 bool NearestNeighborSearch::isOrdinaryScale(double scale)

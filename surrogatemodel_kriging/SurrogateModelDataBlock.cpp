@@ -184,8 +184,8 @@ void SurrogateModelDataBlock::getAllUnblankedPts(std::vector<std::pair<int, int>
 void SurrogateModelDataBlock::updateCachedValues()
 {
     numBlocks = static_cast<int>(numPtsInBlocks.size());
-    numInputVars = static_cast<int>(inputValueArrays[0].size());
-    numOutputVars = static_cast<int>(outputValueArrays[0].size());
+    numInputVars = numBlocks > 0 ? static_cast<int>(inputValueArrays[0].size()) : 0;
+    numOutputVars = numBlocks > 0 ? static_cast<int>(outputValueArrays[0].size()) : 0;
     totalNumUnblankedPoints = calcTotalNumUnblankedPoints();
 }
 

@@ -40,7 +40,7 @@ public:
                             const std::vector<double>& inputVarMinValues_,
                             const std::vector<double>& inputVarMaxValues_);
 
-    /// Several blocks, at least one; index of the four lists: block.
+    /// Any number of blocks; index of the four lists: block. Without a block there are no variables either.
     SurrogateModelDataBlock(const std::vector<int>& numPtsInBlocks_,
                             const std::vector<std::vector<double*>>& inputValueArrays_,
                             const std::vector<std::vector<double*>>& outputValueArrays_,

@@ -130,6 +130,24 @@ TEST(BatchEstimatorTest, AnyNumberOfTargetsHasTheBitsOfTheSingleForms)
     }
 }
 
+// Under the undefined-behaviour sanitizer: the count of strips must not overflow on the way.
+TEST(BatchEstimatorTest, AsManyTargetsAsAnIntCountsMayBeAnnounced)
+{
+    const BatchSystem system(6, 0);
+    ValueArrays targets(randomValues(2, 1, -1.0, 1.0, 3));
+    ValueArrays results(4, 1);
+    const std::vector<double*> values{results.arrays()[0], results.arrays()[1]};
+    BatchEstimator estimator(system.matrix, system.points, {0, 1}, system.normalizerOf(), false,
+                             std::numeric_limits<int>::max());
+
+    estimator.evaluate(targets.arrays(), 0, 1, values, {});
+
+    BatchEstimator exact(system.matrix, system.points, {0, 1}, system.normalizerOf(), false, 1);
+    exact.evaluate(targets.arrays(), 0, 1, {results.arrays()[2], results.arrays()[3]}, {});
+    EXPECT_EQ(results[0], results[2]);
+    EXPECT_EQ(results[1], results[3]);
+}
+
 TEST(BatchEstimatorTest, ALargeSystemHasTheBitsOfTheSingleForms)
 {
     BatchSystem system(200, 1);

@@ -108,10 +108,30 @@ TEST_F(KrigingSurrogateModelAssemblyTest, SamplesMustExceedTheInputVariables)
 
 TEST_F(KrigingSurrogateModelAssemblyTest, NoSamplesAtAllAreNotEnough)
 {
-    ModelSample oneValue({{5.0}}, {{1.0}}); // limits are read from the first value even so
+    ModelSample oneValue({{5.0}}, {{1.0}});
     oneValue.numPts = 0;
 
     EXPECT_EQ(oneValue.failureOf(withDrift(0, {1.0})), "Not enough source points for kriging.");
+}
+
+TEST_F(KrigingSurrogateModelAssemblyTest, WithoutSamplesNoValueIsRead)
+{
+    ModelSample nothing({{}, {}}, {{}});
+    nothing.inputs.arrays() = {nullptr, nullptr};
+
+    EXPECT_EQ(nothing.failureOf(withDrift(0, {1.0, 1.0})), "Not enough source points for kriging.");
+    EXPECT_EQ(nothing.failureOf(), "Value range too small to normalize data");
+}
+
+TEST_F(KrigingSurrogateModelAssemblyTest, ANegativeNumberOfSamplesCountsNone)
+{
+    ModelSample sample({{5.0, 6.0}}, {{1.0, 2.0}});
+    for (const int numPts : {-1, -64, -65, std::numeric_limits<int>::min()})
+    {
+        sample.numPts = numPts;
+
+        EXPECT_EQ(sample.failureOf(withDrift(0, {1.0})), "Not enough source points for kriging.");
+    }
 }
 
 TEST_F(KrigingSurrogateModelAssemblyTest, SamplesMustSufficeForTheDrift)

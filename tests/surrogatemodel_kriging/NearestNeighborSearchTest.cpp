@@ -121,6 +121,11 @@ TEST(NearestNeighborSearchTest, AScaleOfZeroMakesAllPointsEquallyNear)
     EXPECT_EQ(nearestPts(samples, {1.0}, 2), (Points{{0, 0}, {0, 1}}));
 }
 
+TEST(NearestNeighborSearchTest, WithoutInputVariablesThePointsMetFirstAreFound)
+{
+    EXPECT_EQ(nearestPts(SampleBlocks({}, {{1.0, 2.0, 3.0}}), {}, 2), (Points{{0, 0}, {0, 1}}));
+}
+
 TEST(NearestNeighborSearchTest, ANegativeScaleActsAsItsMagnitude)
 {
     const SampleBlocks samples({{{3.0, 1.0, 2.0}}}, {{{0.0, 0.0, 0.0}}}, {{true, true, true}},

@@ -57,6 +57,22 @@ TEST(SurrogateModelDataBlockTest, LaterBlocksDoNotChangeTheCountsOfVariables)
     EXPECT_EQ(blocks->getNumOutputVars(), 1);
 }
 
+TEST(SurrogateModelDataBlockTest, WithoutBlocksThereAreNeitherVariablesNorPoints)
+{
+    BlockSet blocks({}, {}, {});
+    std::vector<std::pair<int, int>> points(3);
+
+    blocks->removeDuplicatePts(0.0);
+    blocks->getAllUnblankedPts(points);
+
+    EXPECT_EQ(blocks->getNumBlocks(), 0);
+    EXPECT_EQ(blocks->getNumInputVars(), 0);
+    EXPECT_EQ(blocks->getNumOutputVars(), 0);
+    EXPECT_EQ(blocks->getTotalNumUnblankedPoints(), 0);
+    EXPECT_EQ(blocks->getOutputVarMean(0), 0.0);
+    EXPECT_TRUE(points.empty());
+}
+
 TEST(SurrogateModelDataBlockTest, ABlockSetWithoutOutputsHasNone)
 {
     ValueArrays inputs(std::vector<Values>{{1.0}});
