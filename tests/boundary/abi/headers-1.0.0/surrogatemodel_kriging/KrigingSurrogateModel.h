@@ -24,12 +24,18 @@ class SemivariogramInterface;
 /// The host's value arrays are referred to, not copied: they must outlive the model. Sample coordinates and outputs
 /// are read anew by each request.
 ///
-/// A global model may be asked by several threads at once, each request using the model's own pool of worker threads. A
-/// local model must not run two requests at once. activateDependentVariables must not run beside a request.
+/// Threads: models share nothing that changes, so any number of threads may each build, ask and destroy models of their
+/// own at once. One global model may be asked by several threads at once: each request gets its own results and throws
+/// its own failure; the worker threads are the model's own and are gone when no request is left. Where the system makes
+/// no more threads, the thread that builds or asks does all the work, to the same bits; deleting a model whose pool was
+/// refused threads takes up to a second and leaves that pool's memory allocated. One local model must not run two
+/// requests at once, for they would share its one system. On either, activateDependentVariables must not run beside a
+/// request, nor may the host change the value arrays meanwhile; the four reports may be asked at any time.
 class FENN_SURROGATEMODEL_KRIGING_EXPORT KrigingSurrogateModel : public virtual SurrogateModelInterface
 {
 public:
-    /// inputValueArrays, outputValueArrays: one array per variable, numPoints values each, raw units.
+    /// inputValueArrays, outputValueArrays: one array per variable, numPoints values each, raw units. They are not read
+    /// when numPoints is below 1, which is never enough.
     /// duplicateTolerance: >= 0 merges samples that agree within this fraction of each input variable's range; a
     /// negative one or NaN leaves them alone.
     /// scaleFactors: empty (-1 for every input variable) or one each: s > 0 is the variable's scale, -k asks for a
@@ -47,10 +53,12 @@ public:
 
     ~KrigingSurrogateModel() override;
 
+    /// Throws std::bad_alloc; the former choice then stands.
     void activateDependentVariables(const std::set<int>& dependentVars) override;
 
     /// Indices are not checked. numTargets is passed on as a 32-bit signed count, deliberately without a range test.
-    /// Throws Error with "Singular matrix" or "Value overflow"; estimates written before the failure stay.
+    /// Throws Error with "Singular matrix" or "Value overflow", and std::bad_alloc; estimates written before the
+    /// failure stay, and the model answers later requests as if there had been none.
     void interpolateDependentValues(const std::vector<double*>& targetValueArrays, const std::set<int>& dependentVars,
                                     std::vector<double*>& resultArrays, size_t numTargets) const override;
 

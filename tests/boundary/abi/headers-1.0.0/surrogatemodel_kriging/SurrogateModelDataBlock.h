@@ -28,7 +28,8 @@
 /// pointer tables and flags are copied. Counts are measured once, on block 0, and nothing is validated: every block
 /// must have as many arrays as block 0, and every array as many entries as its block has points.
 ///
-/// Any number of threads may read one object; removeDuplicatePts must run alone.
+/// Constructors, getAllUnblankedPts and removeDuplicatePts throw std::bad_alloc; object and argument are then as
+/// before. Any number of threads may read one object; removeDuplicatePts must run alone.
 class FENN_SURROGATEMODEL_KRIGING_EXPORT SurrogateModelDataBlock
 {
 public:
@@ -39,7 +40,7 @@ public:
                             const std::vector<double>& inputVarMinValues_,
                             const std::vector<double>& inputVarMaxValues_);
 
-    /// Several blocks, at least one; index of the four lists: block.
+    /// Any number of blocks; index of the four lists: block. Without a block there are no variables either.
     SurrogateModelDataBlock(const std::vector<int>& numPtsInBlocks_,
                             const std::vector<std::vector<double*>>& inputValueArrays_,
                             const std::vector<std::vector<double*>>& outputValueArrays_,
