@@ -317,7 +317,7 @@ AllocationWatch::AllocationWatch(std::size_t failingAllocation)
 {
     if (dl_iterate_phdr(noteCode, &qt) == 0 || dl_iterate_phdr(noteCode, &standardLibrary) == 0)
         std::abort(); // what is theirs could not be told
-    const Hold hold; // a thread of an earlier watch may still be on its way out
+    const Hold hold;  // a thread of an earlier watch may still be on its way out
     watch = Watch();
     live.clear();
     isWatcher = true;
