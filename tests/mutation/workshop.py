@@ -13,12 +13,14 @@ class Suite:
     targets: list
     programs: list = field(default_factory=list)
     pattern: str = ""
+    is_limited: bool = True  # in memory, so that a deviation cannot take all there is
 
 
 suites = {
     "library": Suite(["fenn_tests"], ["tests/fenn_tests"]),
     "analysis": Suite(["fenn_analysis_tests"], ["tests/analysis/fenn_analysis_tests"]),
     "host": Suite(["fenn_host_tests"], ["tests/host/fenn_host_tests"]),
+    "threads": Suite(["fenn_no_threads_tests"], ["tests/fenn_no_threads_tests"], is_limited=False),
     "boundary": Suite(
         ["fenn_linked_host_tests", "fenn_loaded_host_tests"],
         ["tests/boundary/fenn_linked_host_tests", "tests/boundary/fenn_loaded_host_tests"],
@@ -110,20 +112,21 @@ class Workshop:
             for tests in [*filters, "*"]:
                 for program in suite.programs:
                     options = ["--gtest_fail_fast", "--gtest_color=no", f"--gtest_filter={tests}"]
-                    if failure := self.run_tests([self.build_folder / program, *options]):
+                    if failure := self.run_tests([self.build_folder / program, *options], suite.is_limited):
                         return failure
             if suite.pattern:
                 options = ["--stop-on-failure", "--output-on-failure", "-R", suite.pattern]
-                if failure := self.run_tests(["ctest", "--test-dir", self.build_folder, *options]):
+                if failure := self.run_tests(["ctest", "--test-dir", self.build_folder, *options], suite.is_limited):
                     return failure
         return ""
 
-    def run_tests(self, command):
+    def run_tests(self, command, is_limited):
         with open(self.log, "w") as log:
-            limited = ["prlimit", f"--as={memory_limit}", "--core=0", *command]
+            limits = ["--core=0", f"--as={memory_limit}"] if is_limited else ["--core=0"]
             process = subprocess.Popen(
-                limited, stdout=log, stderr=subprocess.STDOUT, start_new_session=True, env=self.environment
-            )
+                ["prlimit", *limits, *command],
+                stdout=log, stderr=subprocess.STDOUT, start_new_session=True, env=self.environment,
+            )  # fmt: skip
             hangs = self.wait(process)
         output = self.log.read_text(errors="replace")
         if process.returncode == 0 and not hangs:

@@ -243,6 +243,13 @@ TEST(RequestNeighborSearchTest, OneSampleEverywhereIsFoundByIndex)
     expectNearestOfAFullSort(samples, {{3.0}, {4.0}}, 10);
 }
 
+TEST(RequestNeighborSearchTest, NoSamplesAreFoundWhereThereAreNone)
+{
+    const SampleBlocks samples({{{}}}, {{{}}}, {{}}, {Normalizer()});
+
+    expectNearestOfAFullSort(samples, {{3.0}}, 2);
+}
+
 TEST(RequestNeighborSearchTest, AFewTargetsAreSearchedWithoutACopy)
 {
     SampleBlocks samples({{1.0, 2.0, 3.0}}, {{0.0, 0.0, 0.0}});
