@@ -230,3 +230,22 @@ TEST_F(AllPtsKrigingControllerFailureTest, TwoFailingRequestsAtOnceEachThrowThei
         EXPECT_TRUE(otherThrewItsOwn);
     }
 }
+
+class OneThreadFailureTest : public AllPtsKrigingControllerFailureTest
+{
+protected:
+    OneThreadFailureTest() : AllPtsKrigingControllerFailureTest(1) {}
+};
+
+TEST_F(OneThreadFailureTest, NoTargetAfterTheFailingOneIsWritten)
+{
+    targets[0][28] = overflows;
+    targets[0][2] = overflows;
+
+    EXPECT_EQ(textOfError([&] { request(); }), "Value overflow");
+
+    std::set<std::size_t> missing;
+    for (std::size_t t = 2; t < numTargets; ++t)
+        missing.insert(t);
+    expectAllButUnwritten(missing);
+}

@@ -202,6 +202,27 @@ TEST(BatchEstimatorTest, LeadingZerosAreSkippedAsInTheSingleSolve)
     EXPECT_TRUE(std::isnan(results[8]));
 }
 
+TEST(BatchEstimatorTest, WithoutVariancesTargetsSolvedSinglyHaveTheirEstimates)
+{
+    BatchSystem system(20, 0, nullptr,
+                       [](KrigingMatrix& matrix)
+                       {
+                           matrix.getRow(0)[0] = 2.0;
+                           matrix.getRow(20)[0] = 0.5;
+                       });
+    ValueArrays targets(randomValues(2, 10, -1.0, 1.0, 7));
+    for (std::size_t v = 0; v < 2; ++v)
+        targets[v][9] = system.samples.block().getInputValueArraysForBlock(0)[v][0]; // begins with a zero
+    ValueArrays values(std::vector<std::vector<double>>(2, std::vector<double>(10, unwritten)));
+    BatchEstimator estimator(system.matrix, system.points, {0, 1}, system.normalizerOf(), false, 10);
+
+    estimator.evaluate(targets.arrays(), 0, 10, values.arrays(), {});
+
+    const std::vector<double> expected = system.interpolateSingly(targets, 10);
+    EXPECT_TRUE(sameBits(values[0], {expected.begin(), expected.begin() + 10}));
+    EXPECT_TRUE(sameBits(values[1], {expected.begin() + 10, expected.begin() + 20}));
+}
+
 TEST(BatchEstimatorTest, AModelOfTheHostsOwnIsAskedOncePerPairTargetByTarget)
 {
     const FunctionSemivariogram model(fenn::test::oneSidedModel);

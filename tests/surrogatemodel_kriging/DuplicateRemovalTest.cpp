@@ -96,6 +96,16 @@ TEST(DuplicateRemovalTest, WithoutDuplicatesNothingIsBlankedOrAppended)
     EXPECT_EQ(blocks->getTotalNumUnblankedPoints(), 3);
 }
 
+TEST(DuplicateRemovalTest, WithoutInputVariablesNothingIsBlankedOrAppended)
+{
+    BlockSet blocks({{{}, {{1.0, 1.0}}, Flags(2, true)}}, {}, {});
+
+    blocks->removeDuplicatePts(0.0);
+
+    EXPECT_EQ(blocks->getNumBlocks(), 1);
+    EXPECT_EQ(flagsOf(blocks), Flags(2, true));
+}
+
 TEST(DuplicateRemovalTest, PointsThatDifferInTheSecondVariableStay)
 {
     TwoVariables blocks({1.0, 1.0}, {1.0, 3.0}, {5.0, 6.0});

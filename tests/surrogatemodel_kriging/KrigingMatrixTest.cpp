@@ -263,6 +263,22 @@ TEST(KrigingMatrixTest, AssemblyHasTheBitsOfTheNaiveSystem)
     }
 }
 
+TEST(KrigingMatrixTest, AssemblyInMoreThanThirtyTwoVariablesHasTheBitsOfTheNaiveSystem)
+{
+    constexpr std::size_t d = 33;
+    const SampleBlocks samples(SampleShape{d, 1, {40}, 0.0, 0}, 75);
+    const std::vector<SourcePointRef> points = samples.unblankedPts();
+    const std::vector<double> low(d, -1.0), high(d, 1.0);
+    const SphericalSemivariogram spherical(low, samples.normalizers, low, high, 0.6, 0.1);
+    KrigingMatrix matrix(samples.block(), 40, &spherical, 1);
+    std::vector<double> scratch(d);
+
+    matrix.assemble(points, scratch);
+
+    const NaiveSemivariogram naive = naiveSpherical(scalesOf(samples.normalizers), low, high, 0.6, 0.1);
+    EXPECT_TRUE(sameBits(elementsOf(matrix), elementsOf(NaiveKriging(samples, points, naive, 1).rows())));
+}
+
 TEST(KrigingMatrixTest, ReassemblyAfterAFactorisationHasTheBitsOfTheNaiveSystem)
 {
     const SampleBlocks samples(SampleShape{2, 1, {25, 25}, 0.0, 0}, 80);
@@ -376,6 +392,19 @@ TEST(KrigingMatrixTest, TheRightHandSideStartsAtTheGivenEntryAndEndsWithTheDimen
 
     EXPECT_EQ(fromOne, (std::vector<double>{untouched, 2.0, 1.0, 3.0, 1.0, untouched}));
     EXPECT_EQ(fromThree, (std::vector<double>{untouched, untouched, untouched, 3.0, 1.0, untouched}));
+}
+
+TEST(KrigingMatrixTest, ARightHandSideBegunPastThePointsPutsTheConstraintsThere)
+{
+    const SampleBlocks samples({{5.0, 1.0, 2.0}}, {{0.0, 0.0, 0.0}});
+    const FunctionSemivariogram semivariogram(distanceModel);
+    const KrigingMatrix matrix(samples.block(), 3, &semivariogram, 1);
+    std::vector<double> scratch(1);
+    std::vector<double> fromFour(7, untouched);
+
+    matrix.buildRightHandSide(fromFour.data(), 4, {3.0}, samples.unblankedPts(), scratch);
+
+    EXPECT_EQ(fromFour, (std::vector<double>{untouched, untouched, untouched, untouched, 3.0, 1.0, untouched}));
 }
 
 TEST(KrigingMatrixTest, ATargetOnASourcePointSeesTheNugget)

@@ -254,6 +254,13 @@ TEST(LuSolveTest, ADiagonalInsideTheBoundIsSingularAndLeavesThatEntry)
     }
 }
 
+TEST(LuSolveTest, ADiagonalInsideTheBoundIsKnownBeforeManyAreSolved)
+{
+    EXPECT_TRUE(FactorMatrix({{1.0, 0.0}, {0.0, -1e-151}}).hasTinyDiagonal());
+    EXPECT_TRUE(FactorMatrix({{0.0, 1.0}, {1.0, 1.0}}).hasTinyDiagonal());
+    EXPECT_FALSE(FactorMatrix({{1e-150, 0.0}, {0.0, -1e-150}}).hasTinyDiagonal());
+}
+
 TEST(LuSolveTest, ADiagonalAtTheBoundIsDividedBy)
 {
     const FactorMatrix matrix({{1e-150, 0.0}, {0.0, -1e-150}});

@@ -177,6 +177,22 @@ TEST(NPtsKrigingControllerTest, WithoutVariancesTheEstimatesAreTheSame)
     EXPECT_TRUE(sameBits(values[0], naiveLocalRequest(samples, oneSidedModel, 1, 7, targets, 10, {0.0}).values[0]));
 }
 
+TEST(NPtsKrigingControllerTest, TheKthArrayBelongsToTheKthSmallestOutputVariable)
+{
+    const SampleBlocks samples(SampleShape{2, 4, {30}, 0.0, 0}, 1);
+    FunctionSemivariogram semivariogram(oneSidedModel);
+    NPtsKrigingController controller(&samples.block(), &semivariogram, 1, 7);
+    ValueArrays targets(randomValues(2, 10, -1.0, 1.0, 2));
+    ResultArrays values(2, 10);
+    ResultArrays none(0, 10);
+
+    request(controller, targets, {3, 1}, 10, values, none);
+
+    const NaiveRequest expected = naiveLocalRequest(samples, oneSidedModel, 1, 7, targets, 10, {0.0, 0.0, 0.0, 0.0});
+    EXPECT_TRUE(sameBits(values[0], expected.values[1]));
+    EXPECT_TRUE(sameBits(values[1], expected.values[3]));
+}
+
 TEST(NPtsKrigingControllerTest, NoTargetsWriteNothing)
 {
     const SampleBlocks samples(SampleShape{}, 1);

@@ -256,6 +256,13 @@ TEST(NearestNeighborSearchTest, FindsWhatAFullSortFindsAmongManyPoints)
     }
 }
 
+TEST(NearestNeighborSearchTest, FindsWhatAFullSortFindsAmongMorePointsThanKeepTheSmallestGroups)
+{
+    const SampleBlocks samples(SampleShape{1, 1, {150000}, 0.0, 0}, 310);
+
+    EXPECT_EQ(nearestPts(samples, {0.25}, 5), naiveNearestPts(samples, {0.25}, 5));
+}
+
 TEST(NearestNeighborSearchTest, FindsWhatAFullSortFindsAmongSpecialValues)
 {
     const double specials[] = {notANumber, infinity, -infinity, 1e155, -1e154, 0.0, -0.0, 5e-324};

@@ -266,6 +266,22 @@ TEST_F(NoThreadsTest, APoolThatWasRefusedAThreadIsNotAskedAgain)
     EXPECT_EQ(runnersOf(pool, 2), thisThreadOnly());
 }
 
+TEST_F(NoThreadsTest, APoolThatWasRefusedOneOfItsThreadsIsNotAskedAgain)
+{
+    fenn::WorkerPool pool(3);
+    {
+        const ThreadRefusal refusal(1);
+        pool.run(3,
+                 [&](int)
+                 {
+                     while (refusal.getNumRefused() == 0) // else the one thread might be there for all pieces
+                         std::this_thread::yield();
+                 });
+    }
+
+    EXPECT_EQ(runnersOf(pool, 3), thisThreadOnly());
+}
+
 TEST_F(NoThreadsTest, DuringAShortageOtherPoolsAskForNoThreadsOfQt)
 {
     fenn::WorkerPool first(2);

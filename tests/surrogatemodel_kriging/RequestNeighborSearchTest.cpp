@@ -124,6 +124,22 @@ TEST(RequestNeighborSearchTest, PointsThatSinglePrecisionPutsInAnotherOrderAreOr
     }
 }
 
+TEST(RequestNeighborSearchTest, RoundingsOfManyVariablesInSinglePrecisionAreAllowedFor)
+{
+    // In single precision the squares of 2^-12 leave no trace beside that of 1: sixteen points seem nearer than point
+    // 16, which is nearer than they are.
+    constexpr std::size_t numVars = 4000;
+    std::vector<std::vector<double>> inputs(numVars, std::vector<double>(18, 0x1p-12));
+    for (std::vector<double>& variable : inputs)
+        variable[16] = 0.0;
+    inputs[0] = std::vector<double>(18, 1.0);
+    inputs[0][16] = 1.0001;
+    inputs[0][17] = -1.0001;
+    const SampleBlocks samples(inputs, {std::vector<double>(18)});
+
+    expectNearestOfAFullSort(samples, {std::vector<double>(numVars, 0.0)}, 8);
+}
+
 TEST(RequestNeighborSearchTest, DistancesOneUnitInTheLastPlaceApartAreOrderedExactly)
 {
     // On a circle around the target squared distances are equal up to their last bits, which the scale changes.
@@ -225,6 +241,13 @@ TEST(RequestNeighborSearchTest, OneSampleEverywhereIsFoundByIndex)
     const SampleBlocks samples({std::vector<double>(500, 3.0)}, {std::vector<double>(500)});
 
     expectNearestOfAFullSort(samples, {{3.0}, {4.0}}, 10);
+}
+
+TEST(RequestNeighborSearchTest, NoSamplesAreFoundWhereThereAreNone)
+{
+    const SampleBlocks samples({{{}}}, {{{}}}, {{}}, {Normalizer()});
+
+    expectNearestOfAFullSort(samples, {{3.0}}, 2);
 }
 
 TEST(RequestNeighborSearchTest, AFewTargetsAreSearchedWithoutACopy)

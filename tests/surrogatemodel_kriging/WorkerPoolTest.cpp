@@ -2,14 +2,17 @@
 
 #include <atomic>
 #include <mutex>
+#include <new>
 #include <set>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/AllocationWatch.h"
 #include "tests/support/Meeting.h"
 
+using fenn::test::AllocationWatch;
 using fenn::test::Meeting;
 
 TEST(WorkerPoolTest, RunsEveryPieceOnce)
@@ -132,4 +135,40 @@ TEST(WorkerPoolTest, JobsOfSeveralCallersAreKeptApart)
 
     for (const std::atomic<int>& number : numRuns)
         EXPECT_EQ(number, 150);
+}
+
+TEST(WorkerPoolTest, PiecesWhoseTaskCannotBeStartedAreNotRun)
+{
+    fenn::WorkerPool pool(2);
+    std::atomic<int> numRuns{0};
+    const fenn::WorkerPool::Piece piece = [&](int)
+    {
+        ++numRuns;
+    };
+    {
+        const AllocationWatch watch(1); // the first task; the job comes before it
+        EXPECT_THROW(pool.run(3, piece), std::bad_alloc);
+    }
+
+    EXPECT_EQ(numRuns, 0);
+}
+
+TEST(WorkerPoolTest, MemoryForThePoolIsAskedForBeforeThePoolIsMade)
+{
+    // One by one: the ledger, the memory asked for, the pool itself.
+    std::size_t numFailing = 0;
+    for (bool hasFailed = true; hasFailed; ++numFailing)
+    {
+        const AllocationWatch watch(numFailing);
+        try
+        {
+            const fenn::WorkerPool pool(1);
+        }
+        catch (const std::bad_alloc&)
+        {
+        }
+        hasFailed = watch.hasFailed();
+    }
+
+    EXPECT_EQ(numFailing - 1, 3U);
 }

@@ -123,6 +123,31 @@ std::vector<double> arrowMatrix(std::size_t n)
     return elements;
 }
 
+/// The factor that stands where a diagonal of ones held the given element, for matrices of one panel and of several.
+void expectDiagonalFactor(double element, double factor)
+{
+    forEachRunnableTarget(
+        [&](const char* name)
+        {
+            for (const std::size_t n : {1U, 9U, 40U, 41U, 70U, 130U, 300U})
+            {
+                for (const std::size_t place : {std::size_t{0}, n / 2, n - 1})
+                {
+                    SCOPED_TRACE(testing::Message() << name << ", n " << n << ", place " << place);
+                    std::vector<double> elements(n * n, 0.0);
+                    for (std::size_t i = 0; i < n; ++i)
+                        elements[i * n + i] = i == place ? element : 1.0;
+                    Rows rows(elements, n);
+                    elements[place * n + place] = factor;
+
+                    EXPECT_TRUE(rows.factorise());
+
+                    EXPECT_EQ(rows.elements, elements); // a zero below a negative pivot turns its sign
+                }
+            }
+        });
+}
+
 } // namespace
 
 class LuKernelsTest : public testing::TestWithParam<MatrixKind>
@@ -274,6 +299,21 @@ TEST(FactoriseLuTest, ARowOfZerosAndNaNIsSingularAndLeavesEverythingUnchanged)
                 }
             }
         });
+}
+
+TEST(FactoriseLuTest, ATinyNegativePivotBecomesPositive)
+{
+    expectDiagonalFactor(-1e-200, 1e-150);
+}
+
+TEST(FactoriseLuTest, NegativePivotsAtTheBoundAreKept)
+{
+    expectDiagonalFactor(-1e-150, -1e-150);
+}
+
+TEST(FactoriseLuTest, ARowOfTheSmallestMagnitudeIsNotSingular)
+{
+    expectDiagonalFactor(5e-324, 1e-150);
 }
 
 TEST(FactoriseLuTest, RoundsEachProductBeforeSubtractingIt)

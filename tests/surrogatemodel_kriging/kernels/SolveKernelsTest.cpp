@@ -210,6 +210,20 @@ TEST(SolveKernelsTest, ANumberBeyondTheLimitIsReportedWhereverItStands)
         });
 }
 
+TEST(SolveKernelsTest, TheLimitItselfIsNotBeyondIt)
+{
+    const double one = 1.0;
+    const double* const rows[] = {&one};
+    forEachRunnableTarget(
+        [&](const char* name)
+        {
+            SCOPED_TRACE(name);
+            Strips back(1, 4);
+            back.fill([] { return -limit; });
+            EXPECT_FALSE(fenn::kernels::substituteBack(rows, 1, back.group(), limit));
+        });
+}
+
 TEST(SolveKernelsTest, NotANumberIsNotBeyondTheLimit)
 {
     forEachRunnableTarget(
@@ -352,6 +366,21 @@ TEST(SolveKernelsTest, ASumStartsWithItsFirstProductUnlessItStartsAtZero)
             EXPECT_TRUE(std::signbit(sums[0]));
             EXPECT_FALSE(std::signbit(sums[stripWidth]));
         });
+}
+
+TEST(SolveKernelsTest, APlainSumStartsWithItsFirstProductUnlessItStartsAtZero)
+{
+    Strips weights(1, 1);
+    weights.fill([] { return -0.0; });
+    const double one = 1.0;
+    const double* values[] = {&one, &one};
+    const bool startsAtZero[] = {false, true};
+    std::vector<double> sums(2 * stripWidth);
+
+    fenn::kernels::scalar::sumWeighted(weights.group(), 1, values, startsAtZero, 2, sums.data());
+
+    EXPECT_TRUE(std::signbit(sums[0]));
+    EXPECT_FALSE(std::signbit(sums[stripWidth]));
 }
 
 TEST(SolveKernelsTest, ProductsAreRoundedBeforeTheyAreAdded)
