@@ -5,12 +5,15 @@
 #include <cstdint>
 
 #include "analysis/Estimates.h"
-#include "analysis/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 #include "analysis/Progress.h"
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 
 namespace fenn::analysis
 {
+
+using estimation::ModelSettings;
+using estimation::SampleSet;
 
 /// K-fold cross-validation: each sample estimated by the model of the samples outside its fold (assignFolds), built
 /// anew with the settings as given; normalisers and range are therefore those of the remaining samples.

@@ -4,12 +4,14 @@
 #include <cstddef>
 #include <vector>
 
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 
 class KrigingSurrogateModel;
 
 namespace fenn::analysis
 {
+
+using estimation::SampleSet;
 
 /// What a model says of a list of points. NaN stands for "no estimate".
 struct Estimates

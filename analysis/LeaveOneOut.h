@@ -5,12 +5,15 @@
 #include <vector>
 
 #include "analysis/Estimates.h"
-#include "analysis/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 #include "analysis/Progress.h"
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 
 namespace fenn::analysis
 {
+
+using estimation::ModelSettings;
+using estimation::SampleSet;
 
 /// One entry per point of the full model, merged samples counting as the one averaged point that they became: first the
 /// samples left alone, in their order, then the averaged points.

@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <vector>
 
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 
 namespace fenn::analysis
 {
+
+using estimation::SampleSet;
 
 /// Which samples SurrogateModelDataBlock::removeDuplicatePts merges at this tolerance: entry k holds the indices of the
 /// samples that the k-th averaged point stands for, ascending. A negative or NaN tolerance merges nothing.

@@ -3,13 +3,16 @@
 
 #include <memory>
 
-#include "analysis/ModelSettings.h"
-#include "analysis/SampleSet.h"
+#include "estimation/ModelSettings.h"
+#include "estimation/SampleSet.h"
 
 class KrigingSurrogateModel;
 
 namespace fenn::analysis
 {
+
+using estimation::ModelSettings;
+using estimation::SampleSet;
 
 /// The model of all samples, every output variable activated. It refers to the samples, which must outlive it.
 /// Throws as checkSettings and as the constructor of KrigingSurrogateModel.

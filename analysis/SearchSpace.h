@@ -4,11 +4,14 @@
 #include <cstddef>
 #include <vector>
 
-#include "analysis/ModelSettings.h"
-#include "analysis/SampleSet.h"
+#include "estimation/ModelSettings.h"
+#include "estimation/SampleSet.h"
 
 namespace fenn::analysis
 {
+
+using estimation::ModelSettings;
+using estimation::SampleSet;
 
 /// What tune may choose. A plain value; empty lists, equal bounds and 1 for maxAnisotropy keep what the search starts
 /// from.

@@ -8,12 +8,15 @@
 #include <vector>
 
 #include "analysis/ErrorStatistics.h"
-#include "analysis/ModelSettings.h"
-#include "analysis/SampleSet.h"
+#include "estimation/ModelSettings.h"
+#include "estimation/SampleSet.h"
 #include "analysis/SearchSpace.h"
 
 namespace fenn::analysis
 {
+
+using estimation::ModelSettings;
+using estimation::SampleSet;
 
 enum class Objective
 {

@@ -11,14 +11,14 @@
 namespace krige
 {
 
-fenn::analysis::SampleSet toSampleSet(const SampleTable& samples)
+fenn::estimation::SampleSet toSampleSet(const SampleTable& samples)
 {
     return {samples.inputs, samples.outputs};
 }
 
-fenn::analysis::ModelSettings toAnalysisSettings(const ModelSettings& settings)
+fenn::estimation::ModelSettings toAnalysisSettings(const ModelSettings& settings)
 {
-    fenn::analysis::ModelSettings model;
+    fenn::estimation::ModelSettings model;
     model.duplicateTolerance = settings.duplicateTolerance;
     model.scaleFactors = settings.scaleFactors;
     model.driftOrder = settings.driftOrder;
@@ -28,7 +28,7 @@ fenn::analysis::ModelSettings toAnalysisSettings(const ModelSettings& settings)
     return model;
 }
 
-ModelSettings withModelSettings(const ModelSettings& settings, const fenn::analysis::ModelSettings& model)
+ModelSettings withModelSettings(const ModelSettings& settings, const fenn::estimation::ModelSettings& model)
 {
     ModelSettings changed = settings;
     changed.duplicateTolerance = model.duplicateTolerance;

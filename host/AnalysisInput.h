@@ -4,9 +4,9 @@
 #include <functional>
 #include <string>
 
-#include "analysis/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 #include "analysis/Progress.h"
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 #include "host/Console.h"
 #include "host/ModelSettings.h"
 #include "host/SampleTable.h"
@@ -15,11 +15,11 @@ namespace krige
 {
 
 /// The host's samples and settings as the analysis library takes them.
-fenn::analysis::SampleSet toSampleSet(const SampleTable& samples);
-fenn::analysis::ModelSettings toAnalysisSettings(const ModelSettings& settings);
+fenn::estimation::SampleSet toSampleSet(const SampleTable& samples);
+fenn::estimation::ModelSettings toAnalysisSettings(const ModelSettings& settings);
 
 /// settings with what a model is built from replaced; files and columns stay.
-ModelSettings withModelSettings(const ModelSettings& settings, const fenn::analysis::ModelSettings& model);
+ModelSettings withModelSettings(const ModelSettings& settings, const fenn::estimation::ModelSettings& model);
 
 /// Runs work and turns what the libraries throw into InputError, in words that name the file and the way out;
 /// UsageError for arguments that the analysis library refuses. Refuses, before any work, a model that is too large for

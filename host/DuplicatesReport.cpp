@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "analysis/MergedGroups.h"
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 #include "host/CsvReader.h"
 #include "host/NumberText.h"
 #include "host/OutputFile.h"
@@ -26,7 +26,7 @@ void writeDuplicatesReport(const std::string& path, const SampleTable& samples, 
     text += '\n';
 
     const auto groups =
-        fenn::analysis::findMergedGroups(fenn::analysis::SampleSet(samples.inputs, samples.outputs), tolerance);
+        fenn::analysis::findMergedGroups(fenn::estimation::SampleSet(samples.inputs, samples.outputs), tolerance);
     for (std::size_t g = 0; g < groups.size(); ++g)
     {
         for (const std::size_t i : groups[g])

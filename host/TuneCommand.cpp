@@ -96,7 +96,7 @@ TuneCommand::TuneCommand(CLI::App& command)
                    "-o grid.csv");
 }
 
-fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::analysis::SampleSet& samples) const
+fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::SampleSet& samples) const
 {
     fenn::analysis::SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
     for (const std::string& name : fixedSettings)
@@ -142,7 +142,7 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Con
     runExplained(samples, settings, "",
                  [&]
                  {
-                     const fenn::analysis::SampleSet sampleSet = toSampleSet(samples);
+                     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
                      TrialTable table(console.getReport());
                      const std::unique_ptr<ProgressLine> line = console.startProgress("trials");

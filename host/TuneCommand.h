@@ -31,7 +31,7 @@ public:
     void run(std::ostream& out, Console& console) const;
 
 private:
-    fenn::analysis::SearchSpace chooseSpace(const fenn::analysis::SampleSet& samples) const;
+    fenn::analysis::SearchSpace chooseSpace(const fenn::estimation::SampleSet& samples) const;
     fenn::analysis::TuningOptions chooseOptions(const SampleTable& samples) const;
     fenn::analysis::TuningResult search(const SampleTable& samples, Console& console) const;
 

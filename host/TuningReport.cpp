@@ -13,7 +13,7 @@ namespace krige
 namespace
 {
 
-std::string scaleText(const fenn::analysis::ModelSettings& settings)
+std::string scaleText(const fenn::estimation::ModelSettings& settings)
 {
     std::string text;
     for (const double factor : settings.scaleFactors)
@@ -23,7 +23,7 @@ std::string scaleText(const fenn::analysis::ModelSettings& settings)
 
 } // namespace
 
-std::string optionsFor(const fenn::analysis::ModelSettings& settings)
+std::string optionsFor(const fenn::estimation::ModelSettings& settings)
 {
     std::string text = "--drift " + std::to_string(settings.driftOrder) + " --range " +
                        formatNumber(settings.rangeFraction) + " --nugget " + formatNumber(settings.nugget);
@@ -50,7 +50,7 @@ void TrialTable::add(const fenn::analysis::Trial& trial)
     if (isBest)
         bestScore = trial.penalisedScore;
     char line[160];
-    const fenn::analysis::ModelSettings& settings = trial.settings;
+    const fenn::estimation::ModelSettings& settings = trial.settings;
     std::snprintf(line, sizeof line, "%5zu  %5d  %7.4g  %7.4g  %7s  %8.5f%s  ", ++numTrials, settings.driftOrder,
                   settings.rangeFraction, settings.nugget,
                   settings.numNearestPoints == 0 ? "all" : std::to_string(settings.numNearestPoints).c_str(),

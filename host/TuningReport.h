@@ -12,7 +12,7 @@ namespace krige
 {
 
 /// "--drift 1 --range 0.35 --nugget 0.1 --nearest 16 --scale 1,2": settings as a command line has them.
-std::string optionsFor(const fenn::analysis::ModelSettings& settings);
+std::string optionsFor(const fenn::estimation::ModelSettings& settings);
 
 /// Prints what a search tries, a line per trial below a header line, with a star behind the best so far.
 class TrialTable

@@ -132,7 +132,7 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
     runExplained(samples, settings, "without one of " + std::to_string(folds) + " folds: ",
                  [&]
                  {
-                     const fenn::analysis::SampleSet sampleSet = toSampleSet(samples);
+                     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const std::unique_ptr<ProgressLine> line = console.startProgress("folds");
                      fenn::analysis::Estimates estimates = fenn::analysis::crossValidate(
                          sampleSet, toAnalysisSettings(settings), folds, seed, reportTo(*line));

@@ -79,7 +79,7 @@ void VariogramCommand::run(std::ostream& out, Console& console) const
     runExplained(samples, settings, "",
                  [&]
                  {
-                     const fenn::analysis::SampleSet sampleSet = toSampleSet(samples);
+                     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const auto model = fenn::analysis::buildModelParts(sampleSet, toAnalysisSettings(settings));
                      const double limit = maxLag == 0.0 ? fenn::analysis::defaultMaxLag(*model) : maxLag;
                      std::string dump;

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 
 namespace
 {
@@ -16,7 +16,7 @@ using fenn::analysis::binnedSemivariogram;
 using fenn::analysis::buildModel;
 using fenn::analysis::defaultMaxLag;
 using fenn::analysis::LagBin;
-using fenn::analysis::SampleSet;
+using fenn::estimation::SampleSet;
 
 TEST(BinnedSemivariogramTest, BinsMatchThoseWorkedOutByHand)
 {

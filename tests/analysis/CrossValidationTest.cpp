@@ -7,7 +7,7 @@
 
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 #include "tests/support/BitComparison.h"
 
 namespace
@@ -16,8 +16,8 @@ namespace
 using fenn::analysis::assignFolds;
 using fenn::analysis::crossValidate;
 using fenn::analysis::Estimates;
-using fenn::analysis::ModelSettings;
-using fenn::analysis::SampleSet;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
 using fenn::test::smoothSamples;
 
 TEST(CrossValidationTest, SamplesOfAFoldAreEstimatedByTheModelOfTheOthers)

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 
 namespace
 {

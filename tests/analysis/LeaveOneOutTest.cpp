@@ -15,7 +15,7 @@
 #include "surrogatemodel_kriging/SourcePointRef.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 
 namespace
 {
@@ -23,8 +23,8 @@ namespace
 using fenn::analysis::Estimates;
 using fenn::analysis::leaveOneOut;
 using fenn::analysis::LeaveOneOutResult;
-using fenn::analysis::ModelSettings;
-using fenn::analysis::SampleSet;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
 using fenn::test::smoothSamples;
 
 /// n refits that keep the full model's normalisers, range and merged points: the model's data block with one flag

@@ -15,7 +15,7 @@ namespace
 {
 
 using fenn::analysis::findMergedGroups;
-using fenn::analysis::SampleSet;
+using fenn::estimation::SampleSet;
 using Groups = std::vector<std::vector<std::size_t>>;
 
 TEST(MergedGroupsTest, ToleranceZeroGroupsExactlyCoincidentSamples)

@@ -16,7 +16,7 @@
 namespace
 {
 
-using fenn::analysis::SampleSet;
+using fenn::estimation::SampleSet;
 
 /// Columns id, x, y, rainfall, all of them whole numbers.
 SampleSet readGauges(const std::string& name)
@@ -48,7 +48,7 @@ TEST(RainfallTest, TuningOnAHundredGaugesPredictsTheOthersToTheYardstick)
     const SampleSet truth = readGauges("truth.csv");
     ASSERT_EQ(samples.getNumSamples(), 100U);
     ASSERT_EQ(truth.getNumSamples(), 367U);
-    const auto rmseOf = [&](const fenn::analysis::ModelSettings& settings)
+    const auto rmseOf = [&](const fenn::estimation::ModelSettings& settings)
     {
         const auto estimates = fenn::analysis::estimateAt(*fenn::analysis::buildModel(samples, settings), truth);
         return fenn::analysis::calcErrorStatistics(truth.getOutput(0), estimates.values[0], {}, 1.0).rmse;

@@ -4,15 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 
 namespace
 {
 
 using fenn::analysis::checkSearchSpace;
 using fenn::analysis::defaultSearchSpace;
-using fenn::analysis::ModelSettings;
-using fenn::analysis::SampleSet;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
 using fenn::analysis::SearchSpace;
 using fenn::analysis::SettingsCoordinates;
 

@@ -9,13 +9,13 @@
 
 #include "analysis/CrossValidation.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 
 namespace
 {
 
-using fenn::analysis::ModelSettings;
-using fenn::analysis::SampleSet;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
 using fenn::analysis::SearchSpace;
 using fenn::analysis::Trial;
 using fenn::analysis::tune;

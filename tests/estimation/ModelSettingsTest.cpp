@@ -1,17 +1,17 @@
-#include "analysis/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 
 #include <limits>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 
 namespace
 {
 
-using fenn::analysis::checkSettings;
-using fenn::analysis::ModelSettings;
+using fenn::estimation::checkSettings;
+using fenn::estimation::ModelSettings;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 

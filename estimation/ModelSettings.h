@@ -1,10 +1,10 @@
-#ifndef FENN_ANALYSIS_MODELSETTINGS_H
-#define FENN_ANALYSIS_MODELSETTINGS_H
+#ifndef FENN_ESTIMATION_MODELSETTINGS_H
+#define FENN_ESTIMATION_MODELSETTINGS_H
 
 #include <cstddef>
 #include <vector>
 
-namespace fenn::analysis
+namespace fenn::estimation
 {
 
 /// The settings of a KrigingSurrogateModel, in the order and with the meaning of its constructor; as they stand here
@@ -26,6 +26,6 @@ bool operator==(const ModelSettings& a, const ModelSettings& b);
 /// drift order 0 to 4, a finite positive range fraction, nugget 0 to 1, no negative number of nearest points.
 void checkSettings(const ModelSettings& settings, std::size_t numInputVars);
 
-} // namespace fenn::analysis
+} // namespace fenn::estimation
 
 #endif

@@ -1,10 +1,10 @@
-#include "analysis/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 
 #include <cmath>
 #include <sstream>
 #include <stdexcept>
 
-namespace fenn::analysis
+namespace fenn::estimation
 {
 
 namespace
@@ -52,4 +52,4 @@ void checkSettings(const ModelSettings& settings, std::size_t numInputVars)
         reject("the number of nearest points must be 0 (all) or above", settings.numNearestPoints);
 }
 
-} // namespace fenn::analysis
+} // namespace fenn::estimation

@@ -1,4 +1,4 @@
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 
 #include <cmath>
 #include <limits>
@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-namespace fenn::analysis
+namespace fenn::estimation
 {
 
 namespace
@@ -122,4 +122,4 @@ double SampleSet::calcOutputVariance(std::size_t outputVar) const
     return sumSquared / (count - 1.0);
 }
 
-} // namespace fenn::analysis
+} // namespace fenn::estimation

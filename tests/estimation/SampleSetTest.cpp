@@ -1,4 +1,4 @@
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 
 #include <cmath>
 #include <limits>
@@ -7,12 +7,12 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/analysis/Samples.h"
+#include "tests/estimation/Samples.h"
 
 namespace
 {
 
-using fenn::analysis::SampleSet;
+using fenn::estimation::SampleSet;
 using Columns = std::vector<std::vector<double>>;
 
 std::string complaintAbout(const Columns& inputs, const Columns& outputs)

@@ -1,10 +1,10 @@
-#ifndef FENN_ANALYSIS_SAMPLESET_H
-#define FENN_ANALYSIS_SAMPLESET_H
+#ifndef FENN_ESTIMATION_SAMPLESET_H
+#define FENN_ESTIMATION_SAMPLESET_H
 
 #include <cstddef>
 #include <vector>
 
-namespace fenn::analysis
+namespace fenn::estimation
 {
 
 /// Samples that own their values: one column per input and per output variable, raw units, finite throughout.
@@ -39,6 +39,6 @@ private:
     std::vector<std::vector<double>> outputs;
 };
 
-} // namespace fenn::analysis
+} // namespace fenn::estimation
 
 #endif

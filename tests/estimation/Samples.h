@@ -1,5 +1,5 @@
-#ifndef FENN_TESTS_ANALYSIS_SAMPLES_H
-#define FENN_TESTS_ANALYSIS_SAMPLES_H
+#ifndef FENN_TESTS_ESTIMATION_SAMPLES_H
+#define FENN_TESTS_ESTIMATION_SAMPLES_H
 
 #include <cmath>
 #include <cstddef>
@@ -9,14 +9,14 @@
 
 #include <gtest/gtest.h>
 
-#include "analysis/SampleSet.h"
+#include "estimation/SampleSet.h"
 #include "tests/support/Samples.h"
 
 namespace fenn::test
 {
 
 /// Points uniform in the unit square with two smooth outputs of different scale, and some noise.
-inline analysis::SampleSet smoothSamples(std::size_t numSamples, std::uint64_t seed)
+inline estimation::SampleSet smoothSamples(std::size_t numSamples, std::uint64_t seed)
 {
     std::vector<std::vector<double>> inputs = randomValues(2, numSamples, 0.0, 1.0, seed);
     const std::vector<double> noise = randomValues(1, numSamples, -0.05, 0.05, seed + 1)[0];

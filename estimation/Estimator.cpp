@@ -1,0 +1,17 @@
+#include "estimation/Estimator.h"
+
+#include <utility>
+
+namespace fenn::estimation
+{
+
+Estimator::Estimator(std::shared_ptr<const ModelParts> parts_) : parts(std::move(parts_)) {}
+
+Estimator::~Estimator() = default;
+
+const ModelParts& Estimator::getParts() const
+{
+    return *parts;
+}
+
+} // namespace fenn::estimation

@@ -1,0 +1,74 @@
+#ifndef FENN_ESTIMATION_ESTIMATOR_H
+#define FENN_ESTIMATION_ESTIMATOR_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace fenn
+{
+class ModelParts;
+}
+
+namespace fenn::estimation
+{
+
+/// Where estimates are asked for: coordinate v of target t is coords[v][t], raw units. Refers, does not own.
+struct Targets
+{
+    std::vector<const double*> coords; // one array per input variable
+    std::size_t count = 0;
+};
+
+/// Where results go; the caller owns the arrays, each with room for one value per target.
+struct Results
+{
+    std::vector<double*> estimates; // one array per output variable of the samples, raw units
+    double* variances = nullptr;    // null: not wanted; Kriging variance for a sill of 1, the same for every output
+};
+
+/// What an estimator is and did, for the report of whoever asked.
+struct EngineReport
+{
+    std::string engine;    // "exact", "covariance form" or "local"
+    std::string sentence;  // which engine answers, why, and how far its answers can be off
+    double bound = 0.0;    // proven on |estimate - exact one| of all targets so far, in sample standard deviations
+    bool isExact = true;   // the plug-in's own bits
+};
+
+/// A model that answers targets: one interface, several engines behind it.
+///
+/// An estimator answers any number of requests; what it answers depends on samples, settings and target alone, never
+/// on how targets are divided into requests, on the number of threads or on whether variances are wanted. It refers to
+/// the samples that it was made from, which must outlive it. Requests of several threads must not overlap.
+class Estimator
+{
+public:
+    Estimator(const Estimator& other) = delete;
+    Estimator& operator=(const Estimator& other) = delete;
+    virtual ~Estimator();
+
+    /// Estimates every output variable at finite targets, on this estimator's threads; a single target is answered on
+    /// the calling thread. Throws the library's Error "Singular matrix" or "Value overflow", and std::bad_alloc; what
+    /// was written before the failure is undefined then.
+    virtual void estimate(const Targets& targets, const Results& results) const = 0;
+
+    virtual EngineReport getReport() const = 0;
+
+    /// Whether every estimate uses all points.
+    virtual bool isGlobal() const = 0;
+
+    /// Normalizers, limits, points after merging and semivariogram. Lives as long as the estimator.
+    const ModelParts& getParts() const;
+
+protected:
+    explicit Estimator(std::shared_ptr<const ModelParts> parts_);
+
+private:
+    std::shared_ptr<const ModelParts> parts;
+};
+
+} // namespace fenn::estimation
+
+#endif

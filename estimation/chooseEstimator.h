@@ -1,0 +1,29 @@
+#ifndef FENN_ESTIMATION_CHOOSEESTIMATOR_H
+#define FENN_ESTIMATION_CHOOSEESTIMATOR_H
+
+#include <memory>
+
+#include "estimation/Estimator.h"
+#include "estimation/ModelSettings.h"
+#include "estimation/SampleSet.h"
+
+namespace fenn::estimation
+{
+
+struct EstimatorOptions
+{
+    int numThreads = 0;   // 0: the cores that this process may use
+    bool isExact = false; // the plug-in as a host would call it, to the bit
+};
+
+/// The estimator of all samples: the covariance form for global models where its proof holds, the local engine for
+/// numNearestPoints above 0 and below the number of points, the exact one otherwise and where it is asked for. The
+/// choice depends on samples, settings and options alone; the report says it in one sentence.
+///
+/// samples must outlive the estimator. Throws as checkSettings and as the constructor of KrigingSurrogateModel.
+std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const ModelSettings& settings,
+                                           const EstimatorOptions& options = {});
+
+} // namespace fenn::estimation
+
+#endif
