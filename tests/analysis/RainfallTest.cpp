@@ -56,7 +56,7 @@ TEST(RainfallTest, TuningOnAHundredGaugesPredictsTheOthersToTheYardstick)
     fenn::analysis::TuningOptions options;
     options.heldOutFraction = 0.0; // the others are the held-out part
 
-    const auto result = tune(samples, {}, defaultSearchSpace(samples), options);
+    const auto result = tune(samples, {}, fenn::analysis::defaultSearchSpace(samples), options);
 
     EXPECT_LE(rmseOf(result.trials[result.winner].settings), 55.0);
     EXPECT_GT(rmseOf({}), 58.0); // the defaults do not reach it: the search is what does
