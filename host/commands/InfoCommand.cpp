@@ -13,8 +13,9 @@
 #include <CLI/CLI.hpp>
 
 #include "host/files/CsvReader.h"
+#include "host/model/MergedSamples.h"
 #include "host/model/ModelMemory.h"
-#include "host/model/ModelSettings.h"
+#include "host/model/ModelOptions.h"
 #include "host/model/SampleModel.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
@@ -135,7 +136,7 @@ ModelCost measureCost(int numPoints, std::size_t numInputs)
         "", std::vector<std::string>(numInputs), {""}, patternOf(count, 0.0), {std::vector<double>(count)}};
     for (std::size_t i = 0; i < count; ++i)
         samples.outputs[0][i] = samples.inputs[0][i];
-    ModelSettings settings;
+    fenn::estimation::ModelSettings settings;
     settings.nugget = 0.1;
     const Clock::time_point start = Clock::now();
     const SampleModel model(samples, settings);
@@ -227,10 +228,10 @@ ColumnGuess InfoCommand::chooseColumns(const FileSurvey& survey) const
 {
     if (inputNames.empty())
         return guessColumns(survey);
-    ModelSettings named;
+    ModelOptions named;
     named.inputNames = inputNames;
     named.outputNames = outputNames;
-    checkModelSettings(named);
+    checkModelOptions(named);
     return {inputNames, outputNames};
 }
 

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_INFOCOMMAND_H
-#define FENN_HOST_INFOCOMMAND_H
+#ifndef FENN_HOST_COMMANDS_INFOCOMMAND_H
+#define FENN_HOST_COMMANDS_INFOCOMMAND_H
 
 #include <iosfwd>
 #include <string>

@@ -115,7 +115,7 @@ private:
 
 PredictCommand::PredictCommand(CLI::App& command)
 {
-    addModelOptions(command, settings);
+    addModelOptions(command, options);
     command
         .add_option(
             "--at", targetsPath,
@@ -169,18 +169,18 @@ PredictCommand::PredictCommand(CLI::App& command)
 
 std::vector<std::string> PredictCommand::valueNames() const
 {
-    std::vector<std::string> names = settings.outputNames;
+    std::vector<std::string> names = options.outputNames;
     if (!withVariance)
         return names;
     names.emplace_back("variance");
-    for (const std::string& name : settings.outputNames)
+    for (const std::string& name : options.outputNames)
         names.push_back(name + "_stderr");
     return names;
 }
 
 std::vector<std::string> PredictCommand::columnNames() const
 {
-    std::vector<std::string> names = settings.inputNames;
+    std::vector<std::string> names = options.inputNames;
     const std::vector<std::string> values = valueNames();
     names.insert(names.end(), values.begin(), values.end());
     names.insert(names.end(), keptNames.begin(), keptNames.end());
@@ -189,7 +189,7 @@ std::vector<std::string> PredictCommand::columnNames() const
 
 void PredictCommand::checkUsage() const
 {
-    checkModelSettings(settings);
+    checkModelOptions(options);
     if (targetsPath.empty() == gridText.empty())
         throw UsageError("give the targets with either --at FILE or --grid AXES");
     if (outputPath.empty())
@@ -210,14 +210,14 @@ void PredictCommand::checkUsage() const
         throw UsageError("--output: a .vtk file is not packed; leave .gz out of its name");
     if (isVtk(outputPath) && !shard.isWhole())
         throw UsageError("--shard: parts of a .vtk file do not make a whole one; name a .csv file");
-    if (!duplicatesPath.empty() && settings.duplicateTolerance < 0.0)
+    if (!duplicatesPath.empty() && options.settings.duplicateTolerance < 0.0)
         throw UsageError("--duplicates-report: nothing is merged; add --duplicate-tolerance 0 to merge samples at one "
                          "place");
-    if (isStandardStream(settings.samplesPath) && isStandardStream(targetsPath))
+    if (isStandardStream(options.samplesPath) && isStandardStream(targetsPath))
         throw UsageError("samples and --at cannot both be standard input; put one of them into a file");
     if (!duplicatesPath.empty() && duplicatesPath == outputPath)
         throw UsageError("--duplicates-report: is the same as --output; name another one");
-    for (const std::string& inputPath : {settings.samplesPath, targetsPath})
+    for (const std::string& inputPath : {options.samplesPath, targetsPath})
     {
         if (inputPath.empty())
             continue;
@@ -229,8 +229,8 @@ void PredictCommand::checkUsage() const
 std::unique_ptr<TargetSource> PredictCommand::openTargets(const GridSpec& grid) const
 {
     if (isGrid())
-        return std::make_unique<GridTargets>(grid, settings.inputNames, shard);
-    return std::make_unique<FileTargets>(targetsPath, settings.inputNames, settings.reading, keptNames, shard);
+        return std::make_unique<GridTargets>(grid, options.inputNames, shard);
+    return std::make_unique<FileTargets>(targetsPath, options.inputNames, options.reading, keptNames, shard);
 }
 
 std::unique_ptr<PredictionWriter> PredictCommand::makeWriter(OutputFile& output, const GridSpec& grid) const
@@ -246,26 +246,26 @@ void PredictCommand::run(Console& console) const
     checkUsage();
     GridSpec grid;
     if (isGrid())
-        grid = parseGridSpec(gridText, settings.inputNames);
+        grid = parseGridSpec(gridText, options.inputNames);
     if (!plotPath.empty())
         checkPicturePath(plotPath);
     if (isVtk(outputPath)) // x is the first input there, whichever axis was named first
-        grid = inOrderOfInputs(grid, settings.inputNames);
+        grid = inOrderOfInputs(grid, options.inputNames);
 
     // Whatever can fail without the model fails before it is built: that may take long.
-    const SampleTable samples = readSamples(settings);
+    const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
     spanSamples(grid, samples.inputs);
     const std::unique_ptr<TargetSource> targetSource = openTargets(grid);
     OutputFile output(outputPath);
     const std::unique_ptr<PredictionWriter> writer = makeWriter(output, grid);
     if (!duplicatesPath.empty())
-        writeDuplicatesReport(duplicatesPath, samples, settings.duplicateTolerance);
+        writeDuplicatesReport(duplicatesPath, samples, options.settings.duplicateTolerance);
 
-    const SampleModel model(samples, settings);
-    report.modelBuilt(model, samples, settings);
+    const SampleModel model(samples, options.settings);
+    report.modelBuilt(model, samples, options.settings);
 
-    Predictor predictor(model, settings.outputNames.size(), withVariance);
+    Predictor predictor(model, options.outputNames.size(), withVariance);
     std::uint64_t numTargets = 0;
     std::vector<std::vector<double>> targets;
     std::vector<std::vector<double>> values;

@@ -1,11 +1,11 @@
-#ifndef FENN_HOST_PREDICTCOMMAND_H
-#define FENN_HOST_PREDICTCOMMAND_H
+#ifndef FENN_HOST_COMMANDS_PREDICTCOMMAND_H
+#define FENN_HOST_COMMANDS_PREDICTCOMMAND_H
 
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "host/model/ModelSettings.h"
+#include "host/model/ModelOptions.h"
 #include "host/targets/GridSpec.h"
 #include "host/targets/PredictionWriter.h"
 #include "host/targets/Shard.h"
@@ -42,7 +42,7 @@ private:
         return !gridText.empty();
     }
 
-    ModelSettings settings;
+    ModelOptions options;
     std::string targetsPath; // empty: a grid
     std::string gridText;    // empty: a file
     std::vector<std::string> keptNames;

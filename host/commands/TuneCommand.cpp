@@ -38,7 +38,7 @@ void writeWhole(const std::string& path, const std::string& text)
 
 TuneCommand::TuneCommand(CLI::App& command)
 {
-    addModelOptions(command, settings);
+    addModelOptions(command, options);
     command
         .add_option("-o,--output", outputPath,
                     "Settings file to write, which every subcommand reads with --config. Default: none, the winner is "
@@ -102,13 +102,13 @@ fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::Sam
     for (const std::string& name : fixedSettings)
     {
         if (name == "drift")
-            space.driftOrders = {settings.driftOrder};
+            space.driftOrders = {options.settings.driftOrder};
         else if (name == "range")
-            space.minRangeFraction = space.maxRangeFraction = settings.rangeFraction;
+            space.minRangeFraction = space.maxRangeFraction = options.settings.rangeFraction;
         else if (name == "nugget")
-            space.minNugget = space.maxNugget = settings.nugget;
+            space.minNugget = space.maxNugget = options.settings.nugget;
         else if (name == "nearest")
-            space.numNearestPoints = {settings.numNearestPoints};
+            space.numNearestPoints = {options.settings.numNearestPoints};
         else if (name == "scale")
             space.maxAnisotropy = 1.0;
         else
@@ -119,27 +119,27 @@ fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::Sam
 
 fenn::analysis::TuningOptions TuneCommand::chooseOptions(const SampleTable& samples) const
 {
-    fenn::analysis::TuningOptions options = tuning;
-    if (!(options.heldOutFraction >= 0.0 && options.heldOutFraction < 1.0))
+    fenn::analysis::TuningOptions chosen = tuning;
+    if (!(chosen.heldOutFraction >= 0.0 && chosen.heldOutFraction < 1.0))
         throw UsageError("--held-out: must be at least 0 and below 1");
-    if (options.maxTrials < 1)
+    if (chosen.maxTrials < 1)
         throw UsageError("--max-trials: must be at least 1");
     const double numSamples = samples.getNumSamples();
-    const auto numTuned = static_cast<std::size_t>(numSamples - std::floor(options.heldOutFraction * numSamples));
+    const auto numTuned = static_cast<std::size_t>(numSamples - std::floor(chosen.heldOutFraction * numSamples));
     const bool isGiven = foldsOption->count() > 0;
-    if (isGiven && (options.numFolds < 2 || options.numFolds > numTuned))
+    if (isGiven && (chosen.numFolds < 2 || chosen.numFolds > numTuned))
         throw UsageError("--folds: must be 2 to " + std::to_string(numTuned) + ", the samples that are not held out");
     if (numTuned < 2)
         throw InputError(samples.path + ": tuning needs at least 2 samples that are not held out");
-    options.numFolds = std::min(options.numFolds, numTuned);
-    return options;
+    chosen.numFolds = std::min(chosen.numFolds, numTuned);
+    return chosen;
 }
 
 fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Console& console) const
 {
     fenn::analysis::TuningResult result;
-    const fenn::analysis::TuningOptions options = chooseOptions(samples);
-    runExplained(samples, settings, "",
+    const fenn::analysis::TuningOptions chosen = chooseOptions(samples);
+    runExplained(samples, options.settings, "",
                  [&]
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
@@ -147,7 +147,7 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Con
                      TrialTable table(console.getReport());
                      const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
                      result = fenn::analysis::tune(
-                         sampleSet, toAnalysisSettings(settings), space, options,
+                         sampleSet, options.settings, space, chosen,
                          [&](const fenn::analysis::Trial& trial, std::size_t numDone, std::size_t maxTrials)
                          {
                              if (trialsPath.empty())
@@ -161,18 +161,18 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Con
                  });
     const fenn::analysis::Trial& winner = result.trials[result.winner];
     if (!winner.failure.empty())
-        throw InputError("all " + std::to_string(result.trials.size()) +
-                         " trials failed, the first one so: " + explainModelFailure(winner.failure, samples, settings));
+        throw InputError("all " + std::to_string(result.trials.size()) + " trials failed, the first one so: " +
+                         explainModelFailure(winner.failure, samples, options.settings));
     return result;
 }
 
 void TuneCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
-    checkModelSettings(settings);
-    const SampleTable samples = readSamples(settings);
+    checkModelOptions(options);
+    const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
-    const std::string coincident = settings.duplicateTolerance < 0.0 ? describeCoincidentSamples(samples) : "";
+    const std::string coincident = options.settings.duplicateTolerance < 0.0 ? describeCoincidentSamples(samples) : "";
     if (!coincident.empty())
         console.getReport() << "hint: " << coincident << "; add --duplicate-tolerance 0 to merge them\n";
 
@@ -180,7 +180,7 @@ void TuneCommand::run(std::ostream& out, Console& console) const
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
     if (!outputPath.empty())
-        writeWhole(outputPath, settingsFileText(withModelSettings(settings, result.trials[result.winner].settings)));
+        writeWhole(outputPath, settingsFileText(result.trials[result.winner].settings));
     printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, samples.outputNames,
                 tuning.objective);
     if (!out.flush())

@@ -1,12 +1,12 @@
-#ifndef FENN_HOST_TUNECOMMAND_H
-#define FENN_HOST_TUNECOMMAND_H
+#ifndef FENN_HOST_COMMANDS_TUNECOMMAND_H
+#define FENN_HOST_COMMANDS_TUNECOMMAND_H
 
 #include <iosfwd>
 #include <string>
 #include <vector>
 
 #include "analysis/Tuning.h"
-#include "host/model/ModelSettings.h"
+#include "host/model/ModelOptions.h"
 #include "host/model/SampleTable.h"
 #include "host/text/Console.h"
 
@@ -35,7 +35,7 @@ private:
     fenn::analysis::TuningOptions chooseOptions(const SampleTable& samples) const;
     fenn::analysis::TuningResult search(const SampleTable& samples, Console& console) const;
 
-    ModelSettings settings; // the search starts from the model's
+    ModelOptions options; // the search starts from the model's
     fenn::analysis::TuningOptions tuning;
     std::vector<std::string> fixedSettings;
     CLI::Option* foldsOption = nullptr;

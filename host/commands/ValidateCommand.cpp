@@ -59,7 +59,7 @@ double meanOf(const std::vector<double>& values, const std::vector<std::size_t>&
 
 ValidateCommand::ValidateCommand(CLI::App& command)
 {
-    addModelOptions(command, settings);
+    addModelOptions(command, options);
     CLI::Option* const against =
         command
             .add_option("--against", truthPath,
@@ -119,7 +119,7 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
     const std::size_t folds = std::min(numFolds, numSamples);
     if (folds < 2)
         throw InputError(samples.path + ": cross-validation needs at least 2 samples");
-    if (settings.duplicateTolerance < 0.0)
+    if (options.settings.duplicateTolerance < 0.0)
     {
         const std::string coincident = describeCoincidentSamples(samples);
         if (!coincident.empty())
@@ -129,13 +129,13 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
     }
 
     ValidationResult result = resultFor(samples);
-    runExplained(samples, settings, "without one of " + std::to_string(folds) + " folds: ",
+    runExplained(samples, options.settings, "without one of " + std::to_string(folds) + " folds: ",
                  [&]
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const std::unique_ptr<ProgressLine> line = console.startProgress("folds");
-                     fenn::analysis::Estimates estimates = fenn::analysis::crossValidate(
-                         sampleSet, toAnalysisSettings(settings), folds, seed, reportTo(*line));
+                     fenn::analysis::Estimates estimates =
+                         fenn::analysis::crossValidate(sampleSet, options.settings, folds, seed, reportTo(*line));
                      result.estimates = std::move(estimates.values);
                      result.variances = std::move(estimates.variances);
                      for (std::size_t w = 0; w < sampleSet.getNumOutputVars(); ++w)
@@ -153,12 +153,11 @@ ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Consol
 {
     ValidationResult result = resultFor(samples);
     fenn::analysis::LeaveOneOutResult left;
-    runExplained(samples, settings, "without one of its points: ",
+    runExplained(samples, options.settings, "without one of its points: ",
                  [&]
                  {
                      const std::unique_ptr<ProgressLine> line = console.startProgress("points");
-                     left = fenn::analysis::leaveOneOut(toSampleSet(samples), toAnalysisSettings(settings),
-                                                        reportTo(*line));
+                     left = fenn::analysis::leaveOneOut(toSampleSet(samples), options.settings, reportTo(*line));
                  });
     result.inputs.resize(samples.inputs.size());
     for (const std::vector<std::size_t>& members : left.members)
@@ -181,7 +180,7 @@ ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Consol
 ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& console, Report& report) const
 {
     // Whatever can fail without the model fails before it is built: that may take long.
-    const SampleTable truth = readSamples(truthPath, settings.inputNames, settings.outputNames, settings.reading);
+    const SampleTable truth = readSamples(truthPath, options.inputNames, options.outputNames, options.reading);
     if (truth.numSkipped > 0)
         console.getReport() << "skipped: " << countOf(truth.numSkipped, "row") << " of " << truthPath
                             << ", with a missing value\n";
@@ -192,8 +191,8 @@ ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& c
     for (const std::size_t line : truth.lines)
         result.lines.push_back(std::to_string(line));
 
-    const SampleModel model(samples, settings);
-    report.modelBuilt(model, samples, settings);
+    const SampleModel model(samples, options.settings);
+    report.modelBuilt(model, samples, options.settings);
     const std::unique_ptr<ProgressLine> progress = console.startProgress("points");
     ChunkSize chunkSize(1024, targetsPerRequest);
     std::vector<std::vector<double>> estimates;
@@ -223,10 +222,10 @@ void ValidateCommand::writePoints(const ValidationResult& result) const
 void ValidateCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
-    checkModelSettings(settings);
+    checkModelOptions(options);
     if (!plotPath.empty())
         checkPicturePath(plotPath);
-    const SampleTable samples = readSamples(settings);
+    const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
 
     const ValidationResult result = !truthPath.empty() ? compare(samples, console, report)

@@ -1,12 +1,12 @@
-#ifndef FENN_HOST_VALIDATECOMMAND_H
-#define FENN_HOST_VALIDATECOMMAND_H
+#ifndef FENN_HOST_COMMANDS_VALIDATECOMMAND_H
+#define FENN_HOST_COMMANDS_VALIDATECOMMAND_H
 
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <string>
 
-#include "host/model/ModelSettings.h"
+#include "host/model/ModelOptions.h"
 #include "host/model/SampleTable.h"
 #include "host/reports/ValidationResult.h"
 #include "host/text/Console.h"
@@ -40,7 +40,7 @@ private:
     ValidationResult compare(const SampleTable& samples, Console& console, Report& report) const;
     void writePoints(const ValidationResult& result) const;
 
-    ModelSettings settings;
+    ModelOptions options;
     std::string truthPath; // empty: cross-validation
     bool leavesOneOut = false;
     std::size_t numFolds = 10;

@@ -25,7 +25,7 @@ constexpr std::size_t numLagsInPicture = 15;
 
 VariogramCommand::VariogramCommand(CLI::App& command)
 {
-    addModelOptions(command, settings);
+    addModelOptions(command, options);
     CLI::Option* const lags =
         command
             .add_option("--lags", numLags,
@@ -68,19 +68,19 @@ void VariogramCommand::write(std::ostream& out, const std::string& text) const
 void VariogramCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
-    checkModelSettings(settings);
-    if (settings.outputNames.size() > 1)
+    checkModelOptions(options);
+    if (options.outputNames.size() > 1)
         throw UsageError("--outputs: a semivariogram is that of one output; name one at a time");
     if (!plotPath.empty())
         checkPicturePath(plotPath);
-    const SampleTable samples = readSamples(settings);
+    const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
 
-    runExplained(samples, settings, "",
+    runExplained(samples, options.settings, "",
                  [&]
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
-                     const auto model = fenn::analysis::buildModelParts(sampleSet, toAnalysisSettings(settings));
+                     const auto model = fenn::analysis::buildModelParts(sampleSet, options.settings);
                      const double limit = maxLag == 0.0 ? fenn::analysis::defaultMaxLag(*model) : maxLag;
                      std::string dump;
                      std::vector<fenn::analysis::LagBin> bins;

@@ -1,11 +1,11 @@
-#ifndef FENN_HOST_VARIOGRAMCOMMAND_H
-#define FENN_HOST_VARIOGRAMCOMMAND_H
+#ifndef FENN_HOST_COMMANDS_VARIOGRAMCOMMAND_H
+#define FENN_HOST_COMMANDS_VARIOGRAMCOMMAND_H
 
 #include <cstddef>
 #include <iosfwd>
 #include <string>
 
-#include "host/model/ModelSettings.h"
+#include "host/model/ModelOptions.h"
 #include "host/text/Console.h"
 
 class KrigingSurrogateModel;
@@ -28,7 +28,7 @@ public:
 private:
     void write(std::ostream& out, const std::string& text) const;
 
-    ModelSettings settings;
+    ModelOptions options;
     std::size_t numLags = 0; // 0: every lag
     double maxLag = 0.0;     // 0: half the diagonal
     std::string outputPath;  // empty: standard output

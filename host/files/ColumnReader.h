@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_COLUMNREADER_H
-#define FENN_HOST_COLUMNREADER_H
+#ifndef FENN_HOST_FILES_COLUMNREADER_H
+#define FENN_HOST_FILES_COLUMNREADER_H
 
 #include <cstddef>
 #include <cstdint>

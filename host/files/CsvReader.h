@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_CSVREADER_H
-#define FENN_HOST_CSVREADER_H
+#ifndef FENN_HOST_FILES_CSVREADER_H
+#define FENN_HOST_FILES_CSVREADER_H
 
 #include <cstddef>
 #include <memory>

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_INPUTFILE_H
-#define FENN_HOST_INPUTFILE_H
+#ifndef FENN_HOST_FILES_INPUTFILE_H
+#define FENN_HOST_FILES_INPUTFILE_H
 
 #include <cstddef>
 #include <memory>

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_OUTPUTFILE_H
-#define FENN_HOST_OUTPUTFILE_H
+#ifndef FENN_HOST_FILES_OUTPUTFILE_H
+#define FENN_HOST_FILES_OUTPUTFILE_H
 
 #include <cstddef>
 #include <cstdint>

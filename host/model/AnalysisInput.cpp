@@ -16,32 +16,8 @@ fenn::estimation::SampleSet toSampleSet(const SampleTable& samples)
     return {samples.inputs, samples.outputs};
 }
 
-fenn::estimation::ModelSettings toAnalysisSettings(const ModelSettings& settings)
-{
-    fenn::estimation::ModelSettings model;
-    model.duplicateTolerance = settings.duplicateTolerance;
-    model.scaleFactors = settings.scaleFactors;
-    model.driftOrder = settings.driftOrder;
-    model.rangeFraction = settings.rangeFraction;
-    model.nugget = settings.nugget;
-    model.numNearestPoints = settings.numNearestPoints;
-    return model;
-}
-
-ModelSettings withModelSettings(const ModelSettings& settings, const fenn::estimation::ModelSettings& model)
-{
-    ModelSettings changed = settings;
-    changed.duplicateTolerance = model.duplicateTolerance;
-    changed.scaleFactors = model.scaleFactors;
-    changed.driftOrder = model.driftOrder;
-    changed.rangeFraction = model.rangeFraction;
-    changed.nugget = model.nugget;
-    changed.numNearestPoints = model.numNearestPoints;
-    return changed;
-}
-
-void runExplained(const SampleTable& samples, const ModelSettings& settings, const std::string& circumstance,
-                  const std::function<void()>& work)
+void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                  const std::string& circumstance, const std::function<void()>& work)
 {
     // Of the model of all samples: a fold's, or a trial's, is hardly smaller.
     checkModelMemory(samples, settings, findAvailableBytes());

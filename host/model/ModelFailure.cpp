@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "host/model/MergedSamples.h"
 #include "host/model/ModelMemory.h"
-#include "host/model/SampleModel.h"
 #include "host/text/NumberText.h"
 #include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/Normalizer.h"
@@ -16,7 +16,7 @@ namespace
 {
 
 /// Whether the model works on the nearest points; what the library decides after merging.
-bool isLocal(const SampleTable& samples, const ModelSettings& settings)
+bool isLocal(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     if (settings.numNearestPoints == 0)
         return false;
@@ -26,7 +26,7 @@ bool isLocal(const SampleTable& samples, const ModelSettings& settings)
     return settings.numNearestPoints < numPoints;
 }
 
-std::string describeAvailablePoints(const SampleTable& samples, const ModelSettings& settings)
+std::string describeAvailablePoints(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     if (isLocal(samples, settings))
         return "--nearest " + std::to_string(settings.numNearestPoints) + " is";
@@ -38,7 +38,7 @@ std::string describeAvailablePoints(const SampleTable& samples, const ModelSetti
            countOf(static_cast<unsigned>(numSamples), "sample") + " after merging" + (numPoints == 1 ? " is" : " are");
 }
 
-std::string explainTooFewPoints(const SampleTable& samples, const ModelSettings& settings)
+std::string explainTooFewPoints(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     const std::size_t numInputs = samples.inputs.size();
     std::string text = describeAvailablePoints(samples, settings) + " too few for " + countOf(numInputs, "input") +
@@ -47,7 +47,7 @@ std::string explainTooFewPoints(const SampleTable& samples, const ModelSettings&
 }
 
 /// Points that one system is made of.
-int numPointsPerSystem(const SampleTable& samples, const ModelSettings& settings)
+int numPointsPerSystem(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     if (isLocal(samples, settings))
         return settings.numNearestPoints;
@@ -55,7 +55,8 @@ int numPointsPerSystem(const SampleTable& samples, const ModelSettings& settings
                                              : countPointsAfterMerging(samples, settings.duplicateTolerance);
 }
 
-std::string explainUndetermined(const std::string& symptom, const SampleTable& samples, const ModelSettings& settings)
+std::string explainUndetermined(const std::string& symptom, const SampleTable& samples,
+                                const fenn::estimation::ModelSettings& settings)
 {
     const std::string tooFew = describeTooFewPointsForDrift(samples, settings);
     if (!tooFew.empty())
@@ -87,7 +88,7 @@ std::string explainSmallRange(const SampleTable& samples)
     return "an input has one value in all samples; leave it out of --inputs, or give it a positive --scale";
 }
 
-std::string explainScale(const SampleTable& samples, const ModelSettings& settings)
+std::string explainScale(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     std::string text = "--scale: a factor must lie between 1e-150 and 1e150 in magnitude";
     for (std::size_t v = 0; v < settings.scaleFactors.size(); ++v)
@@ -103,7 +104,7 @@ std::string explainScale(const SampleTable& samples, const ModelSettings& settin
 } // namespace
 
 std::string explainModelFailure(const std::string& libraryMessage, const SampleTable& samples,
-                                const ModelSettings& settings)
+                                const fenn::estimation::ModelSettings& settings)
 {
     const std::string file = samples.path + ": ";
     if (libraryMessage == "Not enough source points for kriging.")
@@ -121,7 +122,7 @@ std::string explainModelFailure(const std::string& libraryMessage, const SampleT
     return file + libraryMessage;
 }
 
-std::string explainMissingMemory(const SampleTable& samples, const ModelSettings& settings)
+std::string explainMissingMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     if (settings.numNearestPoints != 0)
         return samples.path + ": there is not enough memory for the model; lower --nearest";
@@ -132,7 +133,7 @@ std::string explainMissingMemory(const SampleTable& samples, const ModelSettings
            "nearest samples";
 }
 
-std::string describeTooFewPointsForDrift(const SampleTable& samples, const ModelSettings& settings)
+std::string describeTooFewPointsForDrift(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     // One more than the library insists on: its system has one constraint beside the drift's.
     const int numTerms = numDriftTerms(settings.driftOrder, static_cast<int>(samples.inputs.size()));

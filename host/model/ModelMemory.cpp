@@ -11,7 +11,7 @@
 
 #include <sys/resource.h>
 
-#include "host/model/SampleModel.h"
+#include "host/model/MergedSamples.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "surrogatemodel_kriging/KrigingMatrix.h"
@@ -117,7 +117,8 @@ double findAvailableBytes()
     return std::min({ofMachine, bytesLeftInControlGroups(), bytesLeftOfAddressSpace()});
 }
 
-void checkModelMemory(const SampleTable& samples, const ModelSettings& settings, double availableBytes)
+void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                      double availableBytes)
 {
     const auto numInputs = static_cast<int>(samples.inputs.size());
     const auto bytesFor = [&](int numPoints)

@@ -1,9 +1,9 @@
-#ifndef FENN_HOST_MODELMEMORY_H
-#define FENN_HOST_MODELMEMORY_H
+#ifndef FENN_HOST_MODEL_MODELMEMORY_H
+#define FENN_HOST_MODEL_MODELMEMORY_H
 
 #include <string>
 
-#include "host/model/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 #include "host/model/SampleTable.h"
 
 namespace krige
@@ -20,7 +20,8 @@ double findAvailableBytes();
 
 /// Throws InputError with the figures and the way out when the system of a model over these samples is larger than
 /// availableBytes.
-void checkModelMemory(const SampleTable& samples, const ModelSettings& settings, double availableBytes);
+void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                      double availableBytes);
 
 /// "1.23 GB", "340 MB": decimal units, three figures.
 std::string formatBytes(double bytes);

@@ -12,13 +12,12 @@
 #include "surrogatemodel_kriging/KrigingControllerAbstract.h"
 #include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
-#include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace krige
 {
 
-SampleModel::SampleModel(const SampleTable& samples_, const ModelSettings& settings_)
+SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_)
     : samples(samples_), settings(settings_)
 {
     for (int output = 0; output < static_cast<int>(samples.outputs.size()); ++output)
@@ -134,44 +133,6 @@ void SampleModel::request(const std::vector<std::vector<double>>& targets, std::
 double SampleModel::getSampleVariance(std::size_t output) const
 {
     return KrigingModelAccess::getDataBlock(*model).getOutputVarSampleVariance(static_cast<int>(output));
-}
-
-namespace
-{
-
-struct MergedCounts
-{
-    int numPoints = 0;         // left
-    int numAveragedPoints = 0; // of these
-};
-
-MergedCounts countMerged(const SampleTable& samples, double tolerance)
-{
-    const std::size_t numInputs = samples.inputs.size();
-    const int numSamples = samples.getNumSamples();
-    std::vector<double> minValues(numInputs);
-    std::vector<double> maxValues(numInputs);
-    for (std::size_t v = 0; v < numInputs; ++v)
-        findMinMax(samples.inputs[v].data(), numSamples, minValues[v], maxValues[v]);
-    const std::vector<Normalizer> normalizers(numInputs);
-    SurrogateModelDataBlock dataBlock(numSamples, arraysOf(samples.inputs), arraysOf(samples.outputs),
-                                      std::vector<bool>(static_cast<std::size_t>(numSamples), true), normalizers,
-                                      minValues, maxValues);
-    dataBlock.removeDuplicatePts(tolerance);
-    return {dataBlock.getTotalNumUnblankedPoints(), dataBlock.getNumBlocks() > 1 ? dataBlock.getNumPtsInBlock(1) : 0};
-}
-
-} // namespace
-
-int countPointsAfterMerging(const SampleTable& samples, double tolerance)
-{
-    return countMerged(samples, tolerance).numPoints;
-}
-
-int countCoincidentSamples(const SampleTable& samples)
-{
-    const MergedCounts counts = countMerged(samples, 0.0);
-    return samples.getNumSamples() - counts.numPoints + counts.numAveragedPoints;
 }
 
 } // namespace krige

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_SAMPLEMODEL_H
-#define FENN_HOST_SAMPLEMODEL_H
+#ifndef FENN_HOST_MODEL_SAMPLEMODEL_H
+#define FENN_HOST_MODEL_SAMPLEMODEL_H
 
 #include <cstddef>
 #include <memory>
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/model/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 #include "host/model/SampleTable.h"
 
 class KrigingSurrogateModel;
@@ -21,7 +21,7 @@ class SampleModel
 {
 public:
     /// Throws InputError in words that name the file and the way out.
-    SampleModel(const SampleTable& samples_, const ModelSettings& settings_);
+    SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_);
     SampleModel(const SampleModel& other) = delete;
     SampleModel& operator=(const SampleModel& other) = delete;
     ~SampleModel();
@@ -51,16 +51,10 @@ private:
                  std::vector<double>* variances) const;
 
     const SampleTable& samples;
-    ModelSettings settings;
+    fenn::estimation::ModelSettings settings;
     std::set<int> outputVars;
     std::unique_ptr<KrigingSurrogateModel> model;
 };
-
-/// Number of points that merging with this tolerance leaves of the samples, as the library counts them.
-int countPointsAfterMerging(const SampleTable& samples, double tolerance);
-
-/// Number of samples that lie at the place of another.
-int countCoincidentSamples(const SampleTable& samples);
 
 } // namespace krige
 

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_SAMPLESURVEY_H
-#define FENN_HOST_SAMPLESURVEY_H
+#ifndef FENN_HOST_MODEL_SAMPLESURVEY_H
+#define FENN_HOST_MODEL_SAMPLESURVEY_H
 
 #include <cstddef>
 #include <string>

@@ -53,9 +53,9 @@ SampleTable readSamples(const std::string& path, const std::vector<std::string>&
     return samples;
 }
 
-SampleTable readSamples(const ModelSettings& settings)
+SampleTable readSamples(const ModelOptions& options)
 {
-    return readSamples(settings.samplesPath, settings.inputNames, settings.outputNames, settings.reading);
+    return readSamples(options.samplesPath, options.inputNames, options.outputNames, options.reading);
 }
 
 std::vector<double*> arraysOf(const std::vector<std::vector<double>>& columns)

@@ -1,12 +1,12 @@
-#ifndef FENN_HOST_SAMPLETABLE_H
-#define FENN_HOST_SAMPLETABLE_H
+#ifndef FENN_HOST_MODEL_SAMPLETABLE_H
+#define FENN_HOST_MODEL_SAMPLETABLE_H
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
 #include "host/files/ReadSettings.h"
-#include "host/model/ModelSettings.h"
+#include "host/model/ModelOptions.h"
 
 namespace krige
 {
@@ -33,8 +33,8 @@ struct SampleTable
 SampleTable readSamples(const std::string& path, const std::vector<std::string>& inputNames,
                         const std::vector<std::string>& outputNames, const ReadSettings& reading = {});
 
-/// The samples that the settings name.
-SampleTable readSamples(const ModelSettings& settings);
+/// The samples that the command line names.
+SampleTable readSamples(const ModelOptions& options);
 
 /// The columns' first entries, as the library takes them. It does not write through them.
 std::vector<double*> arraysOf(const std::vector<std::vector<double>>& columns);

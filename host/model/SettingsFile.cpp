@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "host/files/InputFile.h"
+#include "host/model/SettingKeys.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -48,7 +49,7 @@ void appendSetting(std::string& text, const char* key, const std::string& value)
 
 } // namespace
 
-std::string settingsFileText(const ModelSettings& settings)
+std::string settingsFileText(const fenn::estimation::ModelSettings& settings)
 {
     std::string text = "# Settings of a krige model, for --config\n";
     appendSetting(text, "duplicate-tolerance", formatNumber(settings.duplicateTolerance));
@@ -66,7 +67,7 @@ std::string settingsFileText(const ModelSettings& settings)
     return text;
 }
 
-void readSettingsFile(const std::string& path, ModelSettings& settings)
+void readSettingsFile(const std::string& path, fenn::estimation::ModelSettings& settings)
 {
     const std::string text = readWhole(path);
     std::map<std::string, std::size_t> lineOfKey;
@@ -96,7 +97,7 @@ void readSettingsFile(const std::string& path, ModelSettings& settings)
                                          " already; keep one of them");
         try
         {
-            applyModelSetting(settings, key, value);
+            applySetting(settings, key, value);
         }
         catch (const UsageError& error)
         {

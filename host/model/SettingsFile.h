@@ -1,9 +1,9 @@
-#ifndef FENN_HOST_SETTINGSFILE_H
-#define FENN_HOST_SETTINGSFILE_H
+#ifndef FENN_HOST_MODEL_SETTINGSFILE_H
+#define FENN_HOST_MODEL_SETTINGSFILE_H
 
 #include <string>
 
-#include "host/model/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 
 namespace krige
 {
@@ -19,11 +19,11 @@ namespace krige
 /// Keys that are left out keep their values. An array may also stand without its brackets.
 
 /// The file that makes readSettingsFile give these settings, to the bit. Scale factors are left out when automatic.
-std::string settingsFileText(const ModelSettings& settings);
+std::string settingsFileText(const fenn::estimation::ModelSettings& settings);
 
 /// Replaces the settings that the file names. Throws InputError with file and line for anything but known keys, each
 /// once, with the values that their options take.
-void readSettingsFile(const std::string& path, ModelSettings& settings);
+void readSettingsFile(const std::string& path, fenn::estimation::ModelSettings& settings);
 
 } // namespace krige
 

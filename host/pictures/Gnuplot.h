@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_GNUPLOT_H
-#define FENN_HOST_GNUPLOT_H
+#ifndef FENN_HOST_PICTURES_GNUPLOT_H
+#define FENN_HOST_PICTURES_GNUPLOT_H
 
 #include <string>
 #include <string_view>

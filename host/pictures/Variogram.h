@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_VARIOGRAM_H
-#define FENN_HOST_VARIOGRAM_H
+#ifndef FENN_HOST_PICTURES_VARIOGRAM_H
+#define FENN_HOST_PICTURES_VARIOGRAM_H
 
 #include <string>
 #include <vector>

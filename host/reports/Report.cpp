@@ -48,7 +48,8 @@ void Report::samplesRead(const SampleTable& samples)
                << ", with a missing value\n";
 }
 
-void Report::modelBuilt(const SampleModel& model, const SampleTable& samples, const ModelSettings& settings)
+void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
+                        const fenn::estimation::ModelSettings& settings)
 {
     buildingSeconds = takeSeconds();
     if (settings.duplicateTolerance < 0.0)

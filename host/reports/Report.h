@@ -1,11 +1,11 @@
-#ifndef FENN_HOST_REPORT_H
-#define FENN_HOST_REPORT_H
+#ifndef FENN_HOST_REPORTS_REPORT_H
+#define FENN_HOST_REPORTS_REPORT_H
 
 #include <chrono>
 #include <cstdint>
 #include <iosfwd>
 
-#include "host/model/ModelSettings.h"
+#include "estimation/ModelSettings.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
 
@@ -21,7 +21,8 @@ public:
     void samplesRead(const SampleTable& samples);
 
     /// Also hints at what the library takes but cannot do well with: coincident samples, too few points for the drift.
-    void modelBuilt(const SampleModel& model, const SampleTable& samples, const ModelSettings& settings);
+    void modelBuilt(const SampleModel& model, const SampleTable& samples,
+                    const fenn::estimation::ModelSettings& settings);
 
     /// numWithoutEstimate: targets with a missing coordinate. librarySeconds: what of the estimates' time went by
     /// within the library; negative when nobody looked.

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_TUNINGREPORT_H
-#define FENN_HOST_TUNINGREPORT_H
+#ifndef FENN_HOST_REPORTS_TUNINGREPORT_H
+#define FENN_HOST_REPORTS_TUNINGREPORT_H
 
 #include <cstddef>
 #include <iosfwd>

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_GRIDSPEC_H
-#define FENN_HOST_GRIDSPEC_H
+#ifndef FENN_HOST_TARGETS_GRIDSPEC_H
+#define FENN_HOST_TARGETS_GRIDSPEC_H
 
 #include <cstdint>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_SHARD_H
-#define FENN_HOST_SHARD_H
+#ifndef FENN_HOST_TARGETS_SHARD_H
+#define FENN_HOST_TARGETS_SHARD_H
 
 #include <cstdint>
 #include <string>

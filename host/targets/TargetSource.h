@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_TARGETSOURCE_H
-#define FENN_HOST_TARGETSOURCE_H
+#ifndef FENN_HOST_TARGETS_TARGETSOURCE_H
+#define FENN_HOST_TARGETS_TARGETSOURCE_H
 
 #include <cstddef>
 #include <cstdint>

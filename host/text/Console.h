@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_CONSOLE_H
-#define FENN_HOST_CONSOLE_H
+#ifndef FENN_HOST_TEXT_CONSOLE_H
+#define FENN_HOST_TEXT_CONSOLE_H
 
 #include <chrono>
 #include <cstddef>

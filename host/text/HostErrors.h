@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_HOSTERRORS_H
-#define FENN_HOST_HOSTERRORS_H
+#ifndef FENN_HOST_TEXT_HOSTERRORS_H
+#define FENN_HOST_TEXT_HOSTERRORS_H
 
 #include <cstddef>
 #include <stdexcept>

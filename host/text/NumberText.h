@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_NUMBERTEXT_H
-#define FENN_HOST_NUMBERTEXT_H
+#ifndef FENN_HOST_TEXT_NUMBERTEXT_H
+#define FENN_HOST_TEXT_NUMBERTEXT_H
 
 #include <string>
 #include <string_view>

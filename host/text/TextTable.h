@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_TEXTTABLE_H
-#define FENN_HOST_TEXTTABLE_H
+#ifndef FENN_HOST_TEXT_TEXTTABLE_H
+#define FENN_HOST_TEXT_TEXTTABLE_H
 
 #include <iosfwd>
 #include <string>

@@ -9,8 +9,8 @@
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
 
+using fenn::estimation::ModelSettings;
 using krige::InputError;
-using krige::ModelSettings;
 using krige::SampleModel;
 using krige::SampleTable;
 using krige::test::messageOf;

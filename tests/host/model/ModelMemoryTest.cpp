@@ -7,10 +7,10 @@
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
 
+using fenn::estimation::ModelSettings;
 using krige::calcSystemBytes;
 using krige::checkModelMemory;
 using krige::InputError;
-using krige::ModelSettings;
 using krige::SampleTable;
 using krige::test::messageOf;
 using testing::AllOf;

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-using krige::ModelSettings;
+using fenn::estimation::ModelSettings;
 using krige::SampleModel;
 using krige::SampleTable;
 
@@ -79,13 +79,6 @@ TEST(SampleModelTest, NoTargetsGiveNoEstimates)
     EXPECT_EQ(results, (std::vector<std::vector<double>>{{}}));
 }
 
-TEST(SampleModelTest, CountingPointsAfterMergingAgreesWithTheModel)
-{
-    const SampleTable samples = samplesWithDuplicates();
-
-    EXPECT_EQ(krige::countPointsAfterMerging(samples, 0.0), SampleModel(samples, merging()).getNumPoints());
-}
-
 TEST(SampleModelTest, TargetsThatAreNotFiniteGetNaNAndChangeNoOthers)
 {
     const SampleTable samples = samplesWithDuplicates();
@@ -118,9 +111,4 @@ TEST(SampleModelTest, TheSampleVarianceIsThatOfThePointsLeftAfterMerging)
 
     // 2, 4.5, 6 and 7: mean 4.875, squared deviations 8.265625 + 0.140625 + 1.265625 + 4.515625
     EXPECT_DOUBLE_EQ(model.getSampleVariance(0), 14.1875 / 3.0);
-}
-
-TEST(SampleModelTest, EverySampleOfASharedPlaceCoincides)
-{
-    EXPECT_EQ(krige::countCoincidentSamples(samplesWithDuplicates()), 5);
 }

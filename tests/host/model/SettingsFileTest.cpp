@@ -5,7 +5,7 @@
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
 
-using krige::ModelSettings;
+using fenn::estimation::ModelSettings;
 using krige::test::TemporaryFolder;
 
 namespace
