@@ -205,8 +205,8 @@ targets are 512 to a request unless said otherwise.
 Jobs are whole: reading CSV files, building, estimating, writing. For `krige` the time is that of the whole process; for
 peers it runs from reading to writing, and once more with the start of their interpreter. One core: CPU seconds of one
 thread. Two cores: wall-clock seconds. The peers (`benchmarks/peers`) read the same files, with normalised inputs and a
-linear drift. OpenTURNS and gstat compute the very model of `krige`. SciPy's RBFInterpolator has no spherical kernel: it takes the
-linear one, which is as much work, and gives no variances.
+linear drift. OpenTURNS and gstat compute the very model of `krige`. SciPy's RBFInterpolator has no spherical kernel: it
+takes the linear one, which is as much work, and gives no variances.
 """
 
 PICTURE = """
