@@ -49,20 +49,23 @@ private:
 ///
 ///     BAR | path | case | median unit | bar | met | every value, separated by spaces |
 ///
-/// script/bench runs each program several times and takes the median of all values of a row. It renders a row with unit
-/// "x" and a path "P, beside Q" as "times as fast as Q".
+/// script/bench runs each program several times and takes the median of all values of a row: path and case must be the
+/// same in every run. Unit "x" is for ratios of times alone: with a path "P, beside Q" it is rendered as "times as fast
+/// as Q", and a ratio that has to stay below its bar as its reciprocal.
 inline void report(const std::string& path, const std::string& what, const Repeats& figure, const std::string& unit,
-                   const std::string& bar, bool isMet)
+                   const std::string& bar, const std::string& met)
 {
     std::printf("BAR | %s | %s | %.4g %s | %s | %s |", path.c_str(), what.c_str(), figure.median(), unit.c_str(),
-                bar.c_str(),
-                bar == "none" ? ""
-                : isMet       ? "yes"
-                              : "**no**");
+                bar.c_str(), met.c_str());
     for (const double value : figure.all())
         std::printf(" %.6g", value);
     std::printf(" |\n");
     std::fflush(stdout);
+}
+
+inline const char* metText(bool isMet)
+{
+    return isMet ? "yes" : "**no**";
 }
 
 inline std::string barText(const char* relation, double bar)
@@ -75,13 +78,13 @@ inline std::string barText(const char* relation, double bar)
 inline void reportAtLeast(const std::string& path, const std::string& what, const Repeats& figure,
                           const std::string& unit, double bar)
 {
-    report(path, what, figure, unit, barText(">=", bar), figure.median() >= bar);
+    report(path, what, figure, unit, barText(">=", bar), metText(figure.median() >= bar));
 }
 
 inline void reportAtMost(const std::string& path, const std::string& what, const Repeats& figure,
                          const std::string& unit, double bar)
 {
-    report(path, what, figure, unit, barText("<=", bar), figure.median() <= bar);
+    report(path, what, figure, unit, barText("<=", bar), metText(figure.median() <= bar));
 }
 
 inline void reportAtLeast(const std::string& path, const std::string& what, double figure, const std::string& unit,
@@ -113,7 +116,7 @@ inline void reportTimesAsFast(const std::string& path, const std::string& yardst
 inline void reportFigure(const std::string& path, const std::string& what, const Repeats& figure,
                          const std::string& unit)
 {
-    report(path, what, figure, unit, "none", true);
+    report(path, what, figure, unit, "none", "");
 }
 
 } // namespace fenn::benchmarks

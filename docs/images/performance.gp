@@ -11,7 +11,7 @@ set tics out nomirror
 set key top left
 set format y "%g"
 set xrange [80:130000]
-array colours = ["#440154", "#3b528b", "#21918c", "#d95f02"]
+array colours = ["#440154", "#2c8ecf", "#21914c", "#d95f02"]
 stats curve using 1:2 nooutput
 last = STATS_blocks - 1
 plot for [i = 0:last] curve index i using 1:2:3:4 with yerrorlines lw 2 pt 7 ps 0.9 lc rgb colours[i + 1] \
