@@ -82,16 +82,16 @@ void VariogramCommand::run(std::ostream& out, Console& console) const
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const auto model = fenn::analysis::buildModelParts(sampleSet, options.settings);
                      const double limit = maxLag == 0.0 ? fenn::analysis::defaultMaxLag(*model) : maxLag;
-                     std::string dump;
+                     std::vector<fenn::LagGroup> groups;
                      std::vector<fenn::analysis::LagBin> bins;
                      if (numLags == 0)
-                         dump = dumpOfModel(*model, samples.path);
+                         groups = lagGroupsOfModel(*model, samples.path);
                      if (numLags > 0 || !plotPath.empty())
                          bins = fenn::analysis::binnedSemivariogram(*model, 0, numLags > 0 ? numLags : numLagsInPicture,
                                                                     limit);
-                     write(out, numLags > 0 ? csvOfBins(bins) : dump);
+                     write(out, numLags > 0 ? csvOfBins(bins) : dumpOfGroups(*model, groups));
                      if (!plotPath.empty())
-                         drawVariogram(plotPath, samples.outputNames[0], dump, bins, curveOfModel(*model, limit));
+                         drawVariogram(plotPath, samples.outputNames[0], groups, bins, curveOfModel(*model, limit));
                  });
 }
 

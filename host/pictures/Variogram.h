@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "analysis/BinnedSemivariogram.h"
+#include "surrogatemodel_kriging/SemivariogramDump.h"
 
 class KrigingSurrogateModel;
 
@@ -18,9 +19,12 @@ struct VariogramCurve
     std::vector<double> values; // times the output's sample variance
 };
 
-/// The library's own dump for the first output: "distance empirical modelled count" a line, after two header lines.
-/// path is for messages. Throws InputError where the records of all pairs would not fit into memory.
-std::string dumpOfModel(const KrigingSurrogateModel& model, const std::string& path);
+/// The library's own dump for the first output. path is for messages. Throws InputError where the records of all pairs
+/// would not fit into memory.
+std::vector<fenn::LagGroup> lagGroupsOfModel(const KrigingSurrogateModel& model, const std::string& path);
+
+/// "distance empirical modelled count" a line, after two header lines.
+std::string dumpOfGroups(const KrigingSurrogateModel& model, const std::vector<fenn::LagGroup>& groups);
 
 /// CSV text with a header row.
 std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins);
@@ -28,8 +32,8 @@ std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins);
 /// From just above lag 0 to maxLag.
 VariogramCurve curveOfModel(const KrigingSurrogateModel& model, double maxLag);
 
-/// dump: empty, or the text of dumpOfModel, drawn as small dots behind the bins. Throws as Picture::save.
-void drawVariogram(const std::string& path, const std::string& outputName, const std::string& dump,
+/// groups: may be empty; drawn as small dots behind the bins. Throws as Picture::save.
+void drawVariogram(const std::string& path, const std::string& outputName, const std::vector<fenn::LagGroup>& groups,
                    const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve);
 
 } // namespace krige
