@@ -61,7 +61,7 @@ private:
     const std::size_t dimension;
     const bool wantsVariances;
     const bool hasTinyDiagonal;
-    PointColumns points;
+    fenn::PointColumns points;
     std::vector<int> rowOrder;
 
     // Per output: the centring offset or 0, and the points' values less that offset.

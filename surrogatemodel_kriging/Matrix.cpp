@@ -10,6 +10,9 @@
 namespace
 {
 
+using fenn::effectivelyInfinite;
+using fenn::effectivelyZero;
+
 bool isEffectivelyZero(double value)
 {
     return value > -effectivelyZero && value < effectivelyZero;

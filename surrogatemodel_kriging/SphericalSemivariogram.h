@@ -40,8 +40,9 @@ public:
     /// nugget. Never throws.
     double evaluate(const std::vector<double>& separation) const override;
 
-    void evaluatePairs(const PointArrays& sources, const PointArrays& targets, double* values,
+    void evaluatePairs(const fenn::PointArrays& sources, const fenn::PointArrays& targets, double* values,
                        std::size_t stride) const override;
+    bool neverThrows() const override;
 
 private:
     SphericalSemivariogram(int numDims_, const std::vector<Normalizer>& normalizers_, const double* cornerA,
