@@ -39,12 +39,14 @@ TEST_F(HelpFormatterTest, AFlagHasNoValue)
     EXPECT_THAT(app.help(), HasSubstr("\n  --quiet\n        Say nothing.\n"));
 }
 
-TEST_F(HelpFormatterTest, LongMeaningsAreWrappedAt80Columns)
+TEST_F(HelpFormatterTest, ALineHolds80ColumnsAndNoMore)
 {
-    const std::string seventyTwo(72, 'a');
-    app.add_option("--at", text, seventyTwo + " b")->type_name("FILE");
+    const std::string filler(70, 'a');
+    app.add_option("--fits", text, filler + " b")->type_name("FILE");
+    app.add_option("--not", text, filler + " bc")->type_name("FILE");
 
-    EXPECT_THAT(app.help(), HasSubstr("        " + seventyTwo + "\n        b\n"));
+    EXPECT_THAT(app.help(), HasSubstr("\n        " + filler + " b\n"));
+    EXPECT_THAT(app.help(), HasSubstr("\n        " + filler + "\n        bc\n"));
 }
 
 TEST_F(HelpFormatterTest, OtherOptionsThatAreExcludedAreNotListed)
