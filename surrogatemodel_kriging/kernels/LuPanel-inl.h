@@ -6,8 +6,9 @@
 #define FENN_KERNELS_LU_PANEL_INL_H
 #endif
 
+#include <algorithm>
 #include <cstddef>
-#include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "surrogatemodel_kriging/MagnitudeGuards.h"
@@ -22,8 +23,10 @@ namespace lu
 {
 
 /// Columns of the matrix copied out, with all rows from the first column's diagonal down, in strips of eight rows.
-/// Rows are exchanged for good here; in the matrix only the row table is. Rows past numRows fill the last strip with
-/// zeros, and their scale is NaN so that none becomes a pivot.
+/// Rows are exchanged for good here; in the matrix only the row table is. Rows past numRows fill the last strip,
+/// columns past numColumns the last eight: all zeros, which elimination leaves zeros. What the workspace held before
+/// could be denormal, and such a product takes a hundred times as long on many processors. Test:
+/// LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
 struct Panel
 {
     double* cells; // row r, column c at cells[(r / 8 * columnStride + c) * 8 + r % 8]
@@ -31,7 +34,7 @@ struct Panel
     std::size_t numRows;
     std::size_t numColumns;
     double** rows;  // the row table from the panel's first row
-    double* scale;  // the rows' scale factors; NaN once the row is done
+    double* scale;  // the rows' scale factors
     int* pivots;    // the pivot table from the panel's first column
     int firstRow;   // of the panel, in the matrix
     double* strips; // room for numColumns x numColumns: the rows beside a triangle, in strips of columns
@@ -79,7 +82,8 @@ HWY_INLINE double lastOfBestRows(const BestRows& even, const BestRows& odd)
 
 /// One pass over all strips from the given one, for column first + kStep: scales column first + kStep - 1 by
 /// reciprocal into multipliers, subtracts the products of the kStep earlier columns with above[0..kStep) in ascending
-/// order, and returns the row with the greatest scale * |value|.
+/// order, and returns the row with the greatest scale * |value|. Not looked at: in the first strip its kStep finished
+/// rows, in the last one what only fills it.
 template <std::size_t kStep>
 HWY_NOINLINE double sweepColumn(const Panel& panel, std::size_t firstStrip, std::size_t first, double reciprocal,
                                 const double* above)
@@ -95,8 +99,10 @@ HWY_NOINLINE double sweepColumn(const Panel& panel, std::size_t firstStrip, std:
     BestRows best[2] = {{hn::Zero(d), hn::Set(d, -1.0)}, {hn::Zero(d), hn::Set(d, -1.0)}};
     Vec row = hn::Iota(d, static_cast<double>(firstStrip * kStrip));
     const Vec nextRow = hn::Set(d, static_cast<double>(kLanes));
+    const Vec firstRow = hn::Set(d, static_cast<double>(first + kStep));
+    const Vec endRow = hn::Set(d, static_cast<double>(panel.numRows));
 
-    const auto sweepVec = [&](double* lines, const double* scale, BestRows& bestRows) HWY_ATTR
+    const auto sweepVec = [&](double* lines, const double* scale, BestRows& bestRows, auto isEndStrip) HWY_ATTR
     {
         Vec value = hn::Load(d, lines + kStrip * kStep);
         if constexpr (kStep > 0)
@@ -109,17 +115,25 @@ HWY_NOINLINE double sweepColumn(const Panel& panel, std::size_t firstStrip, std:
             value = hn::Sub(value, hn::Mul(multiplier, factors[kStep - 1]));
             hn::Store(value, d, lines + kStrip * kStep);
         }
-        takeBetter(bestRows, hn::Mul(hn::Load(d, scale), hn::Abs(value)), row);
+        Vec merit = hn::Mul(hn::Load(d, scale), hn::Abs(value));
+        if constexpr (isEndStrip())
+            merit = hn::IfThenElse(hn::And(hn::Ge(row, firstRow), hn::Lt(row, endRow)), merit, hn::Set(d, -1.0));
+        takeBetter(bestRows, merit, row);
         row = hn::Add(row, nextRow);
     };
-    for (std::size_t strip = firstStrip; strip < numStrips; ++strip)
+    const auto sweepStrip = [&](std::size_t strip, auto isEndStrip) HWY_ATTR
     {
         double* lines = panel.line(strip, first);
         const double* scale = panel.scale + strip * kStrip;
         FENN_UNROLL
         for (std::size_t v = 0; v < kVecsPerStrip; ++v)
-            sweepVec(lines + kLanes * v, scale + kLanes * v, best[(strip ^ v) & 1]);
-    }
+            sweepVec(lines + kLanes * v, scale + kLanes * v, best[(strip ^ v) & 1], isEndStrip);
+    };
+    sweepStrip(firstStrip, std::true_type());
+    for (std::size_t strip = firstStrip + 1; strip + 1 < numStrips; ++strip)
+        sweepStrip(strip, std::false_type());
+    if (firstStrip + 1 < numStrips)
+        sweepStrip(numStrips - 1, std::true_type());
     return lastOfBestRows(best[0], best[1]);
 }
 
@@ -203,7 +217,6 @@ HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::siz
             exchangeCells(panel, column, pivot, 0, first);
             exchangeCells(panel, column, pivot, first + count, panel.numColumns);
         }
-        panel.scale[column] = std::numeric_limits<double>::quiet_NaN();
     }
 
     const Vec factor = hn::Set(d, reciprocal);
@@ -259,11 +272,13 @@ inline void factorisePanel(const Panel& panel, std::size_t first, std::size_t co
     factorisePanel(panel, first + left, count - left);
 }
 
-/// Copies columns [firstColumn, firstColumn + numColumns) of the matrix into the panel.
+/// Copies columns [firstColumn, firstColumn + numColumns) of the matrix into the panel and fills its last strip and its
+/// last eight columns.
 HWY_INLINE void packPanel(const Panel& panel, std::size_t firstColumn)
 {
     const std::size_t wholeRows = panel.numRows / kStrip * kStrip;
     const std::size_t wholeColumns = panel.numColumns / kStrip * kStrip;
+    const std::size_t numLines = roundUpToStrip(panel.numColumns);
     for (std::size_t r = 0; r < wholeRows; r += kStrip)
     {
         for (std::size_t c = 0; c < wholeColumns; c += kStrip)
@@ -271,14 +286,15 @@ HWY_INLINE void packPanel(const Panel& panel, std::size_t firstColumn)
         for (std::size_t c = wholeColumns; c < panel.numColumns; ++c)
             for (std::size_t i = 0; i < kStrip; ++i)
                 panel.line(r / kStrip, c)[i] = panel.rows[r + i][firstColumn + c];
+        std::fill(panel.line(r / kStrip, panel.numColumns), panel.line(r / kStrip, numLines), 0.0);
     }
-    for (std::size_t r = wholeRows; r < panel.getNumStrips() * kStrip; ++r)
-    {
+    if (wholeRows == panel.numRows)
+        return;
+    std::fill(panel.line(wholeRows / kStrip, 0), panel.line(wholeRows / kStrip, numLines), 0.0);
+    std::fill_n(panel.scale + panel.numRows, wholeRows + kStrip - panel.numRows, 1.0);
+    for (std::size_t r = wholeRows; r < panel.numRows; ++r)
         for (std::size_t c = 0; c < panel.numColumns; ++c)
-            panel.cell(r, c) = r < panel.numRows ? panel.rows[r][firstColumn + c] : 0.0;
-        if (r >= panel.numRows)
-            panel.scale[r] = std::numeric_limits<double>::quiet_NaN();
-    }
+            panel.cell(r, c) = panel.rows[r][firstColumn + c];
 }
 
 /// Copies the panel back to where the row table now says.

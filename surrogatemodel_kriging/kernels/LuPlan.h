@@ -11,10 +11,6 @@ namespace fenn::kernels
 /// a strip holds, for ascending k, its eight values contiguously and aligned.
 constexpr std::size_t kStrip = 8;
 
-/// Up to here a matrix is factorised as a whole from a copy by columns (Zen 4: ahead of panels up to 40 rows, 3.6
-/// against 4.2 us, behind from 48).
-constexpr std::size_t kMaxSmallRows = 40;
-
 constexpr std::size_t roundUpToStrip(std::size_t count)
 {
     return (count + kStrip - 1) / kStrip * kStrip;

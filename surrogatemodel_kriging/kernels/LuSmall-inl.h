@@ -6,8 +6,8 @@
 #define FENN_KERNELS_LU_SMALL_INL_H
 #endif
 
+#include <algorithm>
 #include <cstddef>
-#include <utility>
 
 #include "surrogatemodel_kriging/MagnitudeGuards.h"
 #include "surrogatemodel_kriging/kernels/LuTile-inl.h"
@@ -40,6 +40,10 @@ class SmallLu
 public:
     SmallLu(double** rows_, std::size_t n_, double* cells_, double* spareRow) : rows(rows_), n(n_), cells(cells_)
     {
+        // Rows that only fill the last strip are multiplied like the others. Zeros stay zeros; what the workspace held
+        // before could be denormal, and such a product takes a hundred times as long on many processors.
+        // Test: LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
+        std::fill_n(spareRow, kRows, 0.0);
         for (std::size_t i = 0; i < kRows; ++i)
         {
             places[i] = i < n ? rows[i] : spareRow;
@@ -63,10 +67,9 @@ public:
         FENN_UNROLL
         for (std::size_t v = 0; v < kVecs; ++v)
             merit[v] = meritOf(scale[v], hn::Load(d, column(0) + v * kLanes), open[v]);
-
-        for (std::size_t j = 0; j < n; ++j)
+        std::size_t pivot = choosePivot(merit, 0);
+        for (std::size_t j = 0;; ++j)
         {
-            const std::size_t pivot = choosePivot(merit, j);
             pivots[j] = positionOf[pivot];
             exchangePositions(j, pivot);
             double& pivotValue = column(j)[pivot];
@@ -86,7 +89,18 @@ public:
                 multipliers[v] = hn::IfThenElse(open[v], hn::Mul(values, reciprocal), values);
                 hn::Store(multipliers[v], d, column(j) + v * kLanes);
             }
-            for (std::size_t c = j + 1; c < n; ++c)
+            const Vec aboveNext = hn::Set(d, column(j + 1)[pivot]);
+            FENN_UNROLL
+            for (std::size_t v = 0; v < kVecs; ++v)
+            {
+                const Vec values = hn::Load(d, column(j + 1) + v * kLanes);
+                const Vec updated =
+                    hn::IfThenElse(open[v], hn::Sub(values, hn::Mul(multipliers[v], aboveNext)), values);
+                hn::Store(updated, d, column(j + 1) + v * kLanes);
+                merit[v] = meritOf(scale[v], updated, open[v]);
+            }
+            const std::size_t nextPivot = choosePivot(merit, j + 1);
+            for (std::size_t c = j + 2; c < n; ++c)
             {
                 double* lines = column(c);
                 const Vec above = hn::Set(d, lines[pivot]);
@@ -97,10 +111,9 @@ public:
                     const Vec updated =
                         hn::IfThenElse(open[v], hn::Sub(values, hn::Mul(multipliers[v], above)), values);
                     hn::Store(updated, d, lines + v * kLanes);
-                    if (c == j + 1)
-                        merit[v] = meritOf(scale[v], updated, open[v]);
                 }
             }
+            pivot = nextPivot;
         }
         copyOut();
         return true;
@@ -145,7 +158,7 @@ private:
             const auto used = hn::Lt(hn::Iota(d, static_cast<double>(v * kLanes)), hn::Set(d, static_cast<double>(n)));
             if (!hn::AllFalse(d, hn::And(used, hn::Eq(big[v], hn::Zero(d)))))
                 return false;
-            scale[v] = hn::Div(hn::Set(d, 1.0), big[v]);
+            scale[v] = hn::Div(hn::Set(d, 1.0), hn::IfThenElse(used, big[v], hn::Set(d, 1.0)));
         }
         return true;
     }

@@ -52,6 +52,12 @@ constexpr std::size_t kTileVecs = 2;
 static_assert(kVecsPerStrip % kTileVecs == 0);
 static_assert(kTileFactors % kStrip == 0 || kStrip % kTileFactors == 0);
 
+/// Up to here a matrix is factorised as a whole from a copy by columns. Its work grows with half the cube of the rows
+/// instead of a third, and soon needs more registers than there are. Where both are equally fast, in us (Xeon, 2.9
+/// GHz): 8 lanes, 64 rows 12.3 and 13.4, 80 rows 21.6 and 22.2; 4 lanes, 32 rows 3.9 and 3.6; 2 lanes, 24 rows 2.8
+/// and 2.6.
+constexpr std::size_t kMaxSmallRows = kLanes == 8 ? 64 : kLanes == 4 ? 32 : 16;
+
 /// Rows that an update takes at a time.
 constexpr std::size_t kTileRows = 3 * kStrip;
 
