@@ -10,9 +10,9 @@
 #define HWY_TARGET_INCLUDE "surrogatemodel_kriging/kernels/LuKernels.cpp"
 #include "hwy/foreach_target.h"
 
-#include "surrogatemodel_kriging/kernels/LuBlocks-inl.h"
 #include "surrogatemodel_kriging/kernels/LuPanel-inl.h"
 #include "surrogatemodel_kriging/kernels/LuSmall-inl.h"
+#include "surrogatemodel_kriging/kernels/LuTrailingUpdate-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
@@ -24,15 +24,15 @@ using namespace lu;
 
 std::size_t getMaxSmallRows()
 {
-    return kMaxSmallRows;
+    return maxSmallRows(kUnit);
 }
 
 template <std::size_t kStrips = 1>
 bool factoriseByStrips(double** rows, std::size_t n, int* pivots, double* cells, double* spareRow)
 {
-    if constexpr (kStrips * kStrip < kMaxSmallRows)
+    if constexpr (kStrips * stripWidth < maxSmallRows(kUnit))
     {
-        if (n > kStrips * kStrip)
+        if (n > kStrips * stripWidth)
             return factoriseByStrips<kStrips + 1>(rows, n, pivots, cells, spareRow);
     }
     return SmallLu<kStrips>(rows, n, cells, spareRow).factorise(pivots);

@@ -4,17 +4,10 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "surrogatemodel_kriging/kernels/Strips.h"
+
 namespace fenn::kernels
 {
-
-/// Rows of a panel, and columns of the rows beside it, are packed in strips of eight whatever the width of a vector:
-/// a strip holds, for ascending k, its eight values contiguously and aligned.
-constexpr std::size_t kStrip = 8;
-
-constexpr std::size_t roundUpToStrip(std::size_t count)
-{
-    return (count + kStrip - 1) / kStrip * kStrip;
-}
 
 /// How a matrix of n rows is cut, which work follows which, and where everything lies in the workspace.
 ///
@@ -47,7 +40,7 @@ public:
           width(chooseWidth(n)),
           numPanels((n + width - 1) / width),
           // An odd number of strips' lines from one strip to the next spreads a column over all sets of the caches.
-          columnStride(width % (2 * kStrip) == 0 ? width + kStrip : width),
+          columnStride(width % (2 * stripWidth) == 0 ? width + stripWidth : width),
           numBuffers(maxPieces > 1 ? 2 : 1)
     {
     }
@@ -164,8 +157,8 @@ private:
     static std::size_t chooseWidth(std::size_t n)
     {
         const std::size_t widest = n <= 384 ? 96 : n <= 1400 ? 128 : 256;
-        const std::size_t count = n <= widest + kStrip ? 1 : (n - kStrip + widest - 1) / widest;
-        return std::max(kStrip, roundUpToStrip((n + count - 1) / count));
+        const std::size_t count = n <= widest + stripWidth ? 1 : (n - stripWidth + widest - 1) / widest;
+        return std::max(stripWidth, roundUpToStrip((n + count - 1) / count));
     }
 };
 
