@@ -167,7 +167,8 @@ HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::siz
         const double* pivotCells = &panel.cell(pivot, first);
         for (std::size_t c = 0; c < count; ++c)
             finished[c] = pivotCells[c * stripWidth];
-        finished[step] = usablePivot(finished[step]);
+        if (isTinyPivot(finished[step]))
+            finished[step] = leastPivot;
         reciprocal = 1.0 / finished[step];
         for (std::size_t c = step + 1; c < count; ++c)
         {

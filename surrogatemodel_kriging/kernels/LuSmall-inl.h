@@ -73,7 +73,8 @@ public:
             pivots[j] = positionOf[pivot];
             exchangePositions(j, pivot);
             double& pivotValue = column(j)[pivot];
-            pivotValue = usablePivot(pivotValue);
+            if (isTinyPivot(pivotValue))
+                pivotValue = leastPivot;
             if (j + 1 == n)
                 break;
 

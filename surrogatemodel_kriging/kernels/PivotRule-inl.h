@@ -71,26 +71,21 @@ HWY_INLINE Vec candidates(Vec scale, Vec values, hn::Mask<Tag> isCandidate)
     return hn::IfThenElse(hn::And(isCandidate, wins), magnitude, hn::Set(Tag(), kNoCandidate));
 }
 
-/// Of n rows that stand in any order the place of the pivot, position(p) being the place of row p of the row table and
-/// first the first row that is looked at. Few columns have two rows that are equally good: one is found without looking
-/// at the row table.
-template <std::size_t kVecs>
-HWY_NOINLINE std::size_t lastOfEqualCandidates(const Vec (&magnitudes)[kVecs], Vec greatest, const int* position,
-                                               std::size_t first, std::size_t n)
+/// The last row in the order of the row table whose magnitude is best, of n; position(p) is the place of row p.
+HWY_NOINLINE inline std::size_t lastOfEqualCandidates(const double* magnitudes, double best, const int* position,
+                                                      std::size_t first, std::size_t n)
 {
-    const Tag d;
-    const double best = hn::GetLane(greatest);
     if (best < leastScaledMagnitude)
         return static_cast<std::size_t>(position[first]);
-    HWY_ALIGN double all[kVecs * kLanes];
-    for (std::size_t v = 0; v < kVecs; ++v)
-        hn::Store(magnitudes[v], d, all + v * kLanes);
     std::size_t row = n - 1;
-    while (all[position[row]] != best)
+    while (magnitudes[position[row]] != best)
         --row;
     return static_cast<std::size_t>(position[row]);
 }
 
+/// Of n rows that stand in any order the place of the pivot, position(p) being the place of row p of the row table and
+/// first the first row that is looked at. Hardly a column has two rows that are equally good: without, the row table is
+/// not needed.
 template <std::size_t kVecs>
 HWY_INLINE std::size_t bestCandidate(const Vec (&magnitudes)[kVecs], const int* position, std::size_t first,
                                      std::size_t n)
@@ -112,7 +107,13 @@ HWY_INLINE std::size_t bestCandidate(const Vec (&magnitudes)[kVecs], const int* 
         found = lane >= 0 ? v * kLanes + static_cast<std::size_t>(lane) : found;
         numEqual += hn::CountTrue(d, equal);
     }
-    return numEqual == 1 ? found : lastOfEqualCandidates(magnitudes, greatest, position, first, n);
+    if (numEqual == 1)
+        return found;
+    HWY_ALIGN double all[kVecs * kLanes];
+    FENN_UNROLL
+    for (std::size_t v = 0; v < kVecs; ++v)
+        hn::Store(magnitudes[v], d, all + v * kLanes);
+    return lastOfEqualCandidates(all, hn::GetLane(greatest), position, first, n);
 }
 
 } // namespace lu

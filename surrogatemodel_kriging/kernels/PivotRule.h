@@ -22,13 +22,15 @@ inline bool isBetterPivot(double scaledMagnitude, double best)
     return scaledMagnitude >= best;
 }
 
-/// The number to divide by in place of the pivot found.
-inline double usablePivot(double pivot)
+/// Whether a pivot is replaced by leastPivot.
+inline bool isTinyPivot(double pivot)
 {
-    // DELIBERATE: a tiny negative pivot becomes positive too. A singular system goes on instead of failing.
-    // Test: FactoriseLuTest.ATinyNegativePivotBecomesPositive
-    return pivot > -effectivelyZero && pivot < effectivelyZero ? effectivelyZero : pivot;
+    return pivot > -effectivelyZero && pivot < effectivelyZero;
 }
+
+// DELIBERATE: a tiny negative pivot becomes positive too. A singular system goes on instead of failing.
+// Test: FactoriseLuTest.ATinyNegativePivotBecomesPositive
+constexpr double leastPivot = effectivelyZero;
 
 } // namespace fenn::kernels
 

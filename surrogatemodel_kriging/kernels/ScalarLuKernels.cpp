@@ -57,7 +57,8 @@ bool factoriseLu(double** rows, std::size_t n, int* pivots, double* scale)
         }
         pivots[j] = static_cast<int>(pivot);
 
-        rows[j][j] = usablePivot(rows[j][j]);
+        if (isTinyPivot(rows[j][j]))
+            rows[j][j] = leastPivot;
         if (j + 1 < n)
         {
             const double reciprocal = 1.0 / rows[j][j];
