@@ -24,10 +24,12 @@ namespace lu
 {
 
 /// Columns of the matrix copied out, with all rows from the first column's diagonal down, in strips of eight rows.
-/// Rows are exchanged for good here; in the matrix only the row table is. Rows past numRows fill the last strip,
-/// columns past numColumns the last eight: all zeros, which elimination leaves zeros. What the workspace held before
-/// could be denormal, and such a product takes a hundred times as long on many processors. Test:
-/// LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
+/// Rows are exchanged for good here; in the matrix only the row table is.
+///
+/// Rows past numRows fill the last strip, columns past numColumns the last eight: with zeros, which the elimination
+/// leaves zeros. What the workspace held before could be denormal, and on many processors a product with a denormal
+/// number takes a hundred times as long.
+/// Test: LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
 struct Panel
 {
     double* cells; // row r, column c at cells[(r / 8 * columnStride + c) * 8 + r % 8]
@@ -206,8 +208,9 @@ HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::siz
             panel.cell(first + step, first + c) = done[step][c];
 }
 
-/// Carries the finished columns [first, first + depth) into the columns [first + depth, end) of the panel.
-HWY_INLINE void updateWithin(const Panel& panel, std::size_t first, std::size_t depth, std::size_t end)
+/// The triangular solve and the trailing update (see LuPlan) inside the panel: of the columns [first + depth, end) by
+/// the finished columns [first, first + depth).
+HWY_INLINE void updateInsidePanel(const Panel& panel, std::size_t first, std::size_t depth, std::size_t end)
 {
     const std::size_t begin = first + depth;
     const std::size_t topStrip = first / stripWidth;
@@ -237,7 +240,8 @@ HWY_INLINE void updateWithin(const Panel& panel, std::size_t first, std::size_t 
     }
 }
 
-/// Factorises the columns [first, first + count) of the panel: halves, down to eight columns.
+/// Factorises the columns [first, first + count) of the panel, as LuPlan shows it for the matrix: the left half, its
+/// update of the right half, the right half; down to eight columns.
 inline void factorisePanel(const Panel& panel, std::size_t first, std::size_t count)
 {
     if (count <= stripWidth)
@@ -245,7 +249,7 @@ inline void factorisePanel(const Panel& panel, std::size_t first, std::size_t co
 
     const std::size_t left = (count / 2 + stripWidth - 1) / stripWidth * stripWidth;
     factorisePanel(panel, first, left);
-    updateWithin(panel, first, left, first + count);
+    updateInsidePanel(panel, first, left, first + count);
     factorisePanel(panel, first + left, count - left);
 }
 

@@ -11,10 +11,22 @@ namespace fenn::kernels
 
 /// How a matrix of n rows is cut, which work follows which, and where everything lies in the workspace.
 ///
-/// Columns form panels of one width, the last one what is left; each is cut into two chunks. The work is one list that
-/// pieces take from in order: parts of the rows to scale; panel 0; then for each panel p its updates, one chunk of the
-/// columns to its right each, with the factorisation of panel p + 1 among them. Whatever a task waits for stands before
-/// it in the list, so the first unfinished one can always go on.
+/// Columns form panels of one width, the last one what is left. When panel p's turn comes, its rows are cut likewise:
+///
+///     +-----+---------+
+///     | A11 |   A12   |   1. panel              A11 over A21, all rows from its diagonal down, becomes
+///     +-----+---------+                         L11 and U11 over L21; rows are exchanged
+///     |     |         |   2. triangular solve   A12 becomes U12 with L11 U12 = A12
+///     | A21 |   A22   |   3. trailing update    A22 becomes A22 - L21 U12
+///     |     |         |
+///     +-----+---------+   and A22 holds the panels to come.
+///
+/// Each element's products are subtracted in ascending order all the same, for panels follow each other in that order.
+///
+/// The columns of A12 and A22 are cut into chunks, two to a panel. The work is one list that pieces take from in order:
+/// parts of the rows to scale; panel 0; then for each panel p the solve and the update of one chunk after the other,
+/// with the factorisation of panel p + 1 among them. Whatever a task waits for stands before it in the list, so the
+/// first unfinished one can always go on.
 class LuPlan
 {
 public:

@@ -99,7 +99,8 @@ HWY_INLINE void storeLines(double* const* rows, std::size_t numRows, std::size_t
     }
 }
 
-/// A factorised panel as its updates see it: rows from the panel's first one, its strips, its width.
+/// A factorised panel as its update sees it (A11 over A21, see LuPlan): rows from the panel's first one, its strips,
+/// its width.
 struct FinishedPanel
 {
     double* const* rows;
@@ -109,8 +110,8 @@ struct FinishedPanel
     std::size_t width;
 };
 
-/// Carries a panel into the columns [begin, end) to its right. strips is room for (end - begin), rounded up to eight,
-/// times width doubles.
+/// The triangular solve and the trailing update by a panel of the columns [begin, end) to its right: A12 and A22.
+/// strips is room for (end - begin), rounded up to eight, times width doubles.
 inline void updateColumnsBeside(const FinishedPanel& panel, std::size_t begin, std::size_t end, double* strips)
 {
     const std::size_t factorStride = panel.columnStride * stripWidth;
@@ -123,6 +124,8 @@ inline void updateColumnsBeside(const FinishedPanel& panel, std::size_t begin, s
         storeLines(panel.rows, panel.width, column, count, strip);
     }
 
+    // Tiles at the edge are updated in a copy that zeros fill.
+    // Test: LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
     for (std::size_t row = panel.width; row < panel.numRows; row += maxTileRows)
     {
         const std::size_t numRows = std::min(maxTileRows, panel.numRows - row);

@@ -16,9 +16,9 @@ constexpr double leastScaledMagnitude = 0.0;
 /// Whether a row takes the place of the best one before it.
 inline bool isBetterPivot(double scaledMagnitude, double best)
 {
-    // DELIBERATE: >= lets the last of equally good rows win, and lets a row of scaled magnitude 0 replace an earlier
-    // one of 0. A NaN is never >= and never wins. The pivot order, and with it the last bits of every result, relies on
-    // it. Test: FactoriseLuTest.TheLastOfEquallyGoodRowsBecomesThePivot
+    // DELIBERATE: >= lets the last of equally good rows win, and a row of scaled magnitude 0 replace an earlier one of
+    // 0. A NaN is never >= and never wins. The pivot order relies on it, and with it the last bits of every result.
+    // Test: FactoriseLuTest.TheLastOfEquallyGoodRowsBecomesThePivot
     return scaledMagnitude >= best;
 }
 

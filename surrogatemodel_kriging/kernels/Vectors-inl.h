@@ -12,12 +12,6 @@
 #include "surrogatemodel_kriging/kernels/Strips.h"
 #include "surrogatemodel_kriging/kernels/VectorShapes.h"
 
-// The tests build the dense kernels once more as a processor would have them that is not there: with fewer lanes and
-// another number of registers than the instruction set at hand.
-#ifndef FENN_KERNELS_MOST_LANES
-#define FENN_KERNELS_MOST_LANES 8
-#endif
-
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
 {
@@ -29,24 +23,27 @@ namespace dense
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Tag = hn::CappedTag<double, FENN_KERNELS_MOST_LANES>;
+// Of two instruction sets of x86 the better one has the lower number; from AVX-512 on there are 32 registers, and
+// multiplications spread a number from memory. The tests build the kernels once more as for a processor that is not
+// there: FENN_KERNELS_UNIT is what its vectors would be like.
+#if defined(FENN_KERNELS_UNIT)
+constexpr VectorUnit kLikeUnit = {FENN_KERNELS_UNIT};
+#elif HWY_ARCH_X86
+constexpr VectorUnit kLikeUnit =
+    HWY_TARGET < HWY_AVX2 ? VectorUnit{stripWidth, 32, true} : VectorUnit{stripWidth, 16, false};
+#elif HWY_ARCH_ARM_A64 || HWY_ARCH_PPC
+constexpr VectorUnit kLikeUnit = {stripWidth, 32, false};
+#else
+constexpr VectorUnit kLikeUnit = {stripWidth, 16, false};
+#endif
+
+using Tag = hn::CappedTag<double, kLikeUnit.lanes>;
 using Vec = hn::Vec<Tag>;
 
 constexpr std::size_t kLanes = hn::MaxLanes(Tag());
 constexpr std::size_t kVecsPerStrip = stripWidth / kLanes;
 
-#if defined(FENN_KERNELS_REGISTERS)
-constexpr std::size_t kRegisters = FENN_KERNELS_REGISTERS;
-#elif HWY_ARCH_X86
-// Of two instruction sets the better one has the lower number. From AVX-512 on there are 32 registers.
-constexpr std::size_t kRegisters = HWY_TARGET < HWY_AVX2 ? 32 : 16;
-#elif HWY_ARCH_ARM_A64 || HWY_ARCH_PPC
-constexpr std::size_t kRegisters = 32;
-#else
-constexpr std::size_t kRegisters = 16;
-#endif
-
-constexpr VectorUnit kUnit = {kLanes, kRegisters, HWY_ARCH_X86 != 0 && kRegisters >= 32};
+constexpr VectorUnit kUnit = {kLanes, kLikeUnit.registers, kLikeUnit.spreadsInMemory};
 static_assert(shapesFit(kUnit));
 
 } // namespace dense
