@@ -258,6 +258,24 @@ TEST(AllPtsKrigingControllerTest, OutputsAreGatheredOnceForARequestHoweverManyRa
     EXPECT_LT(bytesOfRequest(8), 8 * ofOneRange - 6 * gatheredBytes);
 }
 
+TEST(AllPtsKrigingControllerTest, ARequestOfOneTargetGathersNothing)
+{
+    constexpr std::size_t numOutputs = 100;
+    SphericalSamples given(SampleShape{2, numOutputs, {60}, 0.0, 0}, 855, 0.0);
+    AllPtsKrigingController controller(&given.samples.block(), &given.semivariogram, 0, 1);
+    std::set<int> outputVars;
+    for (int o = 0; o < static_cast<int>(numOutputs); ++o)
+        outputVars.insert(o);
+    ValueArrays targets(randomValues(2, 1, -1.0, 1.0, 856));
+    ResultArrays values(numOutputs, 1);
+    std::vector<double*> none;
+
+    const AllocationWatch watch;
+    controller.interpolate(targets.arrays(), outputVars, 1, values.arrays(), none);
+
+    EXPECT_LT(watch.getNumBytes(), 4 * 60 * sizeof(double)); // of which the right-hand side takes one
+}
+
 TEST(AllPtsKrigingControllerTest, OverlappingRequestsLeaveAllWorkToThePoolsThreads)
 {
     const SampleBlocks samples(SampleShape{1, 1, {5}, 0.0, 0}, 860);
