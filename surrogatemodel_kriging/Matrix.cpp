@@ -96,6 +96,7 @@ void Matrix::luSolve(double* b) const
     {
         // DELIBERATE: ascending k, the most recently found component first. The column-oriented form would subtract
         // the products in another order and change bits.
+        // Test: LuSolveTest.BackSubstitutionSubtractsInAscendingOrder
         const double* row = rowTable[i];
         double sum = b[i];
         for (int k = i + 1; k < dimension; ++k)

@@ -54,13 +54,12 @@ public:
     /// Throws Error "Singular matrix" when a row has no element of non-zero magnitude; the matrix is then unchanged.
     void luDecompose();
 
-    /// Runs the piece of work that it is given, on the calling thread and on as many others at the same time as it can;
-    /// returns when no run is left. It is to run it at least once.
+    /// Calls piece() on this thread and concurrently on any number of others; returns after every call has returned.
     using SideBySide = std::function<void(const std::function<void()>& piece)>;
 
-    /// The same, to the bit, by up to numPieces threads, which runSideBySide gives. Some of them may come late or
-    /// never: each run takes the work that is left, and a single one does all of it. Small matrices are factorised
-    /// without runSideBySide. What that throws is passed on; the matrix is then undefined.
+    /// The same, to the bit, on up to numPieces threads through runSideBySide. Calls may begin late or not at all: each
+    /// takes what work is left, and one alone does everything. Small matrices do without runSideBySide. An exception
+    /// of runSideBySide leaves this operation; the elements are then undefined.
     void luDecompose(int numPieces, const SideBySide& runSideBySide);
 
     /// Replaces the right-hand side b, dimension entries, by the solution. Only after luDecompose.
@@ -68,15 +67,15 @@ public:
     /// lies beyond +-1e150; b is then partly transformed and the failing component keeps its old value.
     void luSolve(double* b) const;
 
-    // luSolve for many right-hand sides side by side: permute each with the row order, substitute it forward, then
-    // back. Components come out with the bits of luSolve, but nothing is thrown and leading zeros are not skipped: use
-    // luSolve where the diagonal is tiny, an entry beyond +-1e150 is reported or a permuted right-hand side begins with
-    // a zero.
+    // luSolve for many right-hand sides at once: permute each by the row order, then substitute forward, then back. The
+    // bits are those of luSolve, but nothing is thrown and leading zeros are not skipped. So use luSolve when the
+    // diagonal is tiny, when a component beyond +-1e150 is reported, or when a permuted right-hand side begins with 0.
 
-    /// Entry i: the row that the factorisation moved to row i, an entry of the right-hand side likewise.
+    /// order[i]: the row of the matrix as filled, and the entry of a right-hand side, that stands at i after all
+    /// exchanges of rows.
     void calcRowOrder(std::vector<int>& order) const;
 
-    /// Whether luSolve would throw "Singular matrix", which takes a diagonal changed after the factorisation.
+    /// Whether luSolve would throw "Singular matrix". A factorisation leaves no such diagonal.
     bool hasTinyDiagonal() const;
 
     /// Back substitution of one group and forward substitution of another, either of which may have no strips. Returns

@@ -4,13 +4,13 @@
 namespace fenn
 {
 
-// What Qt is about to allocate is asked for just before, and given back: Qt ends the process when its own allocations
-// fail. Another thread may still take the memory in between.
+// Probe for the memory that Qt will need: allocate, then free. Qt aborts when its own allocation fails, and may still
+// do so when another thread takes the memory in between.
 
-/// For a pool. Throws std::bad_alloc.
+/// For making a thread pool. Throws std::bad_alloc.
 void reserveMemoryForPool();
 
-/// Whether there is memory to start so many threads and run them, stacks included.
+/// Whether numThreads threads can be started and run, stacks included.
 bool hasMemoryForThreads(int numThreads);
 
 } // namespace fenn
