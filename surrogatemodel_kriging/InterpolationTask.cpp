@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "surrogatemodel_kriging/BatchEstimator.h"
+#include "surrogatemodel_kriging/BatchInputs.h"
 #include "surrogatemodel_kriging/TaskHandOver.h"
 
 InterpolationTask::InterpolationTask(std::function<const Normalizer&(int)> normalizerOf_,
@@ -25,14 +26,27 @@ InterpolationTask::InterpolationTask(std::function<const Normalizer&(int)> norma
 
 InterpolationTask::~InterpolationTask() = default;
 
+void InterpolationTask::setBatchInputs(const fenn::BatchInputs* batchInputs_)
+{
+    batchInputs = batchInputs_;
+}
+
+void InterpolationTask::setTicket(fenn::TaskTicket ticket_)
+{
+    ticket = std::move(ticket_);
+}
+
 void InterpolationTask::run()
 {
     fenn::TaskHandOver::take();
+    if (!ticket.begin())
+        return;
     if (failure == nullptr)
         evaluateTargets();
     else
         evaluateTargetsKeepingFailure();
     fenn::TaskHandOver::give();
+    ticket.end();
 }
 
 void InterpolationTask::evaluateTargetsKeepingFailure()
@@ -50,7 +64,16 @@ void InterpolationTask::evaluateTargetsKeepingFailure()
 
 void InterpolationTask::evaluateTargets()
 {
-    BatchEstimator estimator(*krigingMatrix, *sourcePts, *outputVars, normalizerOf, !variances->empty(),
-                             numTaskTargets);
+    if (numTaskTargets < 1)
+        return;
+    if (batchInputs != nullptr)
+        evaluateBatches(*batchInputs);
+    else
+        evaluateBatches(fenn::BatchInputs(*krigingMatrix, *sourcePts, *outputVars, normalizerOf));
+}
+
+void InterpolationTask::evaluateBatches(const fenn::BatchInputs& inputs)
+{
+    fenn::BatchEstimator estimator(*krigingMatrix, inputs, !variances->empty(), numTaskTargets);
     estimator.evaluate(*targetCoords, firstTarget, numTaskTargets, *values, *variances);
 }

@@ -11,6 +11,12 @@
 #include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
+#include "surrogatemodel_kriging/TaskTicket.h"
+
+namespace fenn
+{
+struct BatchInputs;
+}
 
 /// One contiguous range of a request's targets, evaluated against a factorised system on one thread: a pool's, or,
 /// where the pool has none, the request's own.
@@ -29,12 +35,20 @@ public:
                       std::exception_ptr* failure_ = nullptr);
     ~InterpolationTask() override;
 
+    /// What the tasks of a request share. A task that is not given it, or null, gathers for itself.
+    void setBatchInputs(const fenn::BatchInputs* batchInputs_);
+
+    /// For a task of a guarded pool: it runs only where the ticket lets it.
+    void setTicket(fenn::TaskTicket ticket_);
+
     /// Evaluates the targets in ascending order, up to the first whose solve fails; those before it have their values.
+    /// Without targets nothing is read.
     void run() override;
 
 private:
     void evaluateTargets();
     void evaluateTargetsKeepingFailure();
+    void evaluateBatches(const fenn::BatchInputs& inputs);
 
     std::function<const Normalizer&(int)> normalizerOf;
     const KrigingMatrix* krigingMatrix;
@@ -46,6 +60,8 @@ private:
     std::vector<double*>* values;
     std::vector<double*>* variances;
     std::exception_ptr* failure;
+    const fenn::BatchInputs* batchInputs = nullptr;
+    fenn::TaskTicket ticket;
 };
 
 #endif

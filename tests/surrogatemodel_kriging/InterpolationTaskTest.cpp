@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "surrogatemodel_kriging/BatchInputs.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "tests/support/BitComparison.h"
 #include "tests/support/FunctionSemivariogram.h"
@@ -133,6 +134,58 @@ TEST(InterpolationTaskTest, AnEmptyRangeWritesNothing)
 
     EXPECT_EQ(values[0], std::vector<double>(3, unwritten));
     EXPECT_EQ(variances[0], std::vector<double>(3, unwritten));
+}
+
+TEST(InterpolationTaskTest, WithoutTargetsNothingIsAskedAndNothingIsRead)
+{
+    const FunctionSemivariogram semivariogram(oneSidedModel);
+    System system(2, 12, 1, semivariogram);
+    const int numEvaluationsBefore = semivariogram.getNumEvaluations();
+    const std::set<int> outputsThatDoNotExist{-1, 3, 1000000};
+    std::vector<double*> none;
+    int numAsked = 0;
+    for (const int count : {0, -5})
+    {
+        InterpolationTask task(
+            [&](int) -> const Normalizer&
+            {
+                ++numAsked;
+                return system.normalizers[0];
+            },
+            &system.matrix, &system.sourcePts, 2, &none, &outputsThatDoNotExist, 0, count, &none, &none);
+
+        task.run();
+    }
+
+    EXPECT_EQ(numAsked, 0);
+    EXPECT_EQ(semivariogram.getNumEvaluations(), numEvaluationsBefore);
+}
+
+TEST(InterpolationTaskTest, InputsSharedWithOtherTasksGiveTheBitsOfItsOwn)
+{
+    System system(2, 30, 1, oneSided());
+    system.normalizers[2].setOffset(-3000.0);
+    const auto normalizerOf = [&](int outputVar) -> const Normalizer&
+    {
+        return system.normalizers[static_cast<std::size_t>(outputVar)];
+    };
+    const std::set<int> outputVars{0, 2};
+    ValueArrays targets(randomValues(2, 40, -1.0, 1.0, 2));
+    ResultArrays values(2, 40);
+    ResultArrays variances(2, 40);
+    const NaiveRequest expected = system.naive(targets, 40, oneSidedModel, 1);
+    const fenn::BatchInputs inputs(system.matrix, system.sourcePts, outputVars, normalizerOf);
+    for (const int first : {0, 15})
+    {
+        InterpolationTask task([](int) -> const Normalizer& { throw std::logic_error("gathered twice"); },
+                               &system.matrix, &system.sourcePts, 2, &targets.arrays(), &outputVars, first,
+                               first == 0 ? 15 : 25, &values.arrays(), &variances.arrays());
+        task.setBatchInputs(&inputs);
+
+        task.run();
+    }
+
+    expectNaiveBits(values, variances, expected);
 }
 
 TEST(InterpolationTaskTest, EstimatesAndVariancesHaveTheBitsOfTheNaiveLoops)
