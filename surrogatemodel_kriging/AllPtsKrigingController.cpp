@@ -37,8 +37,8 @@ void AllPtsKrigingController::interpolate(const std::vector<double*>& targetCoor
         return getOutputNormalizer(outputVar);
     };
     const std::vector<fenn::TargetRange> ranges = fenn::splitTargets(numTargets, threadPool->maxThreadCount());
-    std::optional<fenn::BatchInputs> batchInputs; // without targets nothing is read
-    if (numTargets > 0)
+    std::optional<fenn::BatchInputs> batchInputs;
+    if (InterpolationTask::needsBatchInputs(ranges.back().count)) // the longest
         batchInputs.emplace(krigingMatrix, sourcePts, outputVars, normalizerOf);
 
     // One place per range, filled by the task's thread and read after all tasks are done: requests of several threads
@@ -51,14 +51,14 @@ void AllPtsKrigingController::interpolate(const std::vector<double*>& targetCoor
                                  &outputVars, ranges[k].first, ranges[k].count, &values, &variances, &failures[k]);
     };
     const fenn::BatchInputs* const shared = batchInputs ? &*batchInputs : nullptr;
-    const auto makeTask = [&](int r, fenn::TaskTicket ticket)
+    const auto makeTask = [&taskOf, shared](int r, fenn::TaskTicket ticket)
     {
         std::unique_ptr<InterpolationTask> task(new InterpolationTask(taskOf(r)));
         task->setBatchInputs(shared);
         task->setTicket(std::move(ticket));
         return task;
     };
-    const auto runHere = [&](int r)
+    const auto runHere = [&taskOf, shared](int r)
     {
         InterpolationTask task = taskOf(r);
         task.setBatchInputs(shared);

@@ -21,8 +21,9 @@ struct BatchInputs;
 /// One contiguous range of a request's targets, evaluated against a factorised system on one thread: a pool's, or,
 /// where the pool has none, the request's own.
 ///
-/// Refers to everything it is given, which must outlive it; owns its function object only. Tasks of one request write
-/// to different targets and share the rest read-only. A pool that is given a task deletes it after running it.
+/// Refers to everything it is given, which must outlive it; owns its function object and its scratch only. Tasks of one
+/// request write to different targets and share the rest read-only. A pool that is given a task deletes it after
+/// running it.
 class InterpolationTask : public QRunnable
 {
 public:
@@ -35,7 +36,10 @@ public:
                       std::exception_ptr* failure_ = nullptr);
     ~InterpolationTask() override;
 
-    /// What the tasks of a request share. A task that is not given it, or null, gathers for itself.
+    /// Whether a task of so many targets evaluates batches; the others need nothing that is gathered.
+    static bool needsBatchInputs(int numTaskTargets);
+
+    /// What the tasks of a request share. A task that needs it and is not given it, or null, gathers for itself.
     void setBatchInputs(const fenn::BatchInputs* batchInputs_);
 
     /// For a task of a guarded pool: it runs only where the ticket lets it.
@@ -48,6 +52,7 @@ public:
 private:
     void evaluateTargets();
     void evaluateTargetsKeepingFailure();
+    void evaluateSingly();
     void evaluateBatches(const fenn::BatchInputs& inputs);
 
     std::function<const Normalizer&(int)> normalizerOf;
@@ -60,6 +65,7 @@ private:
     std::vector<double*>* values;
     std::vector<double*>* variances;
     std::exception_ptr* failure;
+    std::vector<double> scratch; // coordinate differences
     const fenn::BatchInputs* batchInputs = nullptr;
     fenn::TaskTicket ticket;
 };

@@ -69,7 +69,7 @@ enum class TaskState
 
 } // namespace
 
-/// What a pool owes. The mutex guards the rest, and all jobs of the pool.
+/// What a pool owes. The mutex guards what follows it, and all jobs of the pool.
 struct PoolLedger
 {
     std::mutex startMutex; // held from a task's number to the pool's queue: the order of both is the same
@@ -78,7 +78,7 @@ struct PoolLedger
     int numTasks = 0;              // given to the pool, and not yet through with their run
     int numAtWork = 0;             // of these, those that have begun
     int numOverdue = 0;            // of these, those that were withdrawn
-    std::uint64_t newestGiven = 0; // numbers of tasks, in the order in which they were given, from 1
+    std::uint64_t newestGiven = 0; // tasks are numbered in the order in which they were given, from 1
     std::uint64_t newestBegun = 0;
     std::uint64_t numChanges = 0; // tasks that began, and tasks that were through
 };
@@ -346,13 +346,14 @@ bool PoolGuard::mayStart(int numTasks) const
 void PoolGuard::waitFor(PoolJob& job, const RunHere& runHere)
 {
     std::unique_lock<std::mutex> lock(ledger->mutex);
+    bool hasThreads = true;
     while (!job.isDone())
     {
         const Look before(*ledger);
         if (ledger->numTasks == job.numGiven + job.numAtWork)
         {
             lock.unlock();
-            waitForPool(); // which has the threads gone too: being woken once is enough
+            hasThreads = !waitForPool(); // being woken once is enough
             lock.lock();
         }
         else // tasks of other calls are not waited for
@@ -376,7 +377,7 @@ void PoolGuard::waitFor(PoolJob& job, const RunHere& runHere)
     }
     const bool isLast = ledger->numTasks == 0;
     lock.unlock();
-    if (isLast)
+    if (isLast && hasThreads)
         waitForPool();
 }
 
@@ -402,10 +403,10 @@ void PoolGuard::withdrawTasks(PoolJob& job)
         threadsAreScarce = true;
 }
 
-/// Until it has no task left and its threads are gone, but for a while only.
-void PoolGuard::waitForPool()
+/// Until the pool has no task left and its threads are gone, but for a while only; returns whether they are.
+bool PoolGuard::waitForPool()
 {
-    pool->waitForDone(static_cast<int>(requestPatience.count()));
+    return pool->waitForDone(static_cast<int>(requestPatience.count()));
 }
 
 } // namespace fenn

@@ -72,7 +72,7 @@ private:
     bool mayStart(int numTasks) const;
     void waitFor(PoolJob& job, const RunHere& runHere);
     void withdrawTasks(PoolJob& job);
-    void waitForPool();
+    bool waitForPool();
 
     std::unique_ptr<QThreadPool>& pool;
     std::shared_ptr<PoolLedger> ledger; // overdue tasks may outlive this object

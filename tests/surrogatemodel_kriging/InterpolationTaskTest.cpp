@@ -255,35 +255,43 @@ TEST(InterpolationTaskTest, EachPairOfSourceAndTargetIsEvaluatedOnce)
 
 TEST(InterpolationTaskTest, AnOffsetBeyondTheThresholdCentresThatOutput)
 {
-    System system(2, 30, 1, oneSided());
-    system.normalizers[2].setOffset(-3000.0);
-    ValueArrays targets(randomValues(2, 19, -1.0, 1.0, 2));
-    ResultArrays values(2, 19);
-    ResultArrays variances(2, 19);
-    const NaiveRequest centred = system.naive(targets, 19, oneSidedModel, 1);
+    for (const std::size_t numTargets : {1U, 19U})
+    {
+        SCOPED_TRACE(numTargets);
+        System system(2, 30, 1, oneSided());
+        system.normalizers[2].setOffset(-3000.0);
+        ValueArrays targets(randomValues(2, numTargets, -1.0, 1.0, 2));
+        ResultArrays values(2, numTargets);
+        ResultArrays variances(2, numTargets);
+        const NaiveRequest centred = system.naive(targets, numTargets, oneSidedModel, 1);
 
-    system.run(targets, 0, 19, values, variances);
+        system.run(targets, 0, static_cast<int>(numTargets), values, variances);
 
-    expectNaiveBits(values, variances, centred);
-    system.normalizers[2].setOffset(2896.0);
-    const NaiveRequest plain = system.naive(targets, 19, oneSidedModel, 1);
-    EXPECT_FALSE(sameBits(values[1], plain.values[2]));
-    for (std::size_t t = 0; t < 19; ++t)
-        EXPECT_NEAR(values[1][t], plain.values[2][t], 1e-9); // weights sum to 1 up to rounding, times 3000
+        expectNaiveBits(values, variances, centred);
+        system.normalizers[2].setOffset(2896.0);
+        const NaiveRequest plain = system.naive(targets, numTargets, oneSidedModel, 1);
+        EXPECT_FALSE(sameBits(values[1], plain.values[2]));
+        for (std::size_t t = 0; t < numTargets; ++t)
+            EXPECT_NEAR(values[1][t], plain.values[2][t], 1e-9); // weights sum to 1 up to rounding, times 3000
+    }
 }
 
 TEST(InterpolationTaskTest, ANaNOffsetTakesThePlainSum)
 {
-    System system(2, 30, 1, oneSided());
-    ValueArrays targets(randomValues(2, 19, -1.0, 1.0, 2));
-    ResultArrays values(2, 19);
-    ResultArrays variances(2, 19);
-    const NaiveRequest plain = system.naive(targets, 19, oneSidedModel, 1);
-    system.normalizers[0].setOffset(notANumber);
+    for (const std::size_t numTargets : {1U, 19U})
+    {
+        SCOPED_TRACE(numTargets);
+        System system(2, 30, 1, oneSided());
+        ValueArrays targets(randomValues(2, numTargets, -1.0, 1.0, 2));
+        ResultArrays values(2, numTargets);
+        ResultArrays variances(2, numTargets);
+        const NaiveRequest plain = system.naive(targets, numTargets, oneSidedModel, 1);
+        system.normalizers[0].setOffset(notANumber);
 
-    system.run(targets, 0, 19, values, variances);
+        system.run(targets, 0, static_cast<int>(numTargets), values, variances);
 
-    expectNaiveBits(values, variances, plain);
+        expectNaiveBits(values, variances, plain);
+    }
 }
 
 TEST(InterpolationTaskTest, SumsStartWithTheirFirstProduct)
