@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "surrogatemodel_kriging/DuplicateMerger.h"
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
 
@@ -40,7 +41,7 @@ public:
     const std::vector<SourcePointRef>& getPoints() const;
 
     /// Entry k: the samples that averaged point k of block 1 stands for, ascending. Empty when nothing was merged.
-    const std::vector<std::vector<SourcePointRef>>& getMergedGroups() const;
+    const std::vector<MergedGroup>& getMergedGroups() const;
 
 private:
     std::vector<double> minValues;
@@ -49,7 +50,7 @@ private:
     std::unique_ptr<SurrogateModelDataBlock> dataBlock;
     std::unique_ptr<SphericalSemivariogram> semivariogram;
     std::vector<SourcePointRef> points;
-    std::vector<std::vector<SourcePointRef>> mergedGroups;
+    std::vector<MergedGroup> mergedGroups;
 };
 
 } // namespace fenn

@@ -18,6 +18,11 @@
 #define FENN_SURROGATEMODEL_KRIGING_EXPORT __attribute__((visibility("default")))
 #endif
 
+namespace fenn
+{
+class DuplicateMerger;
+}
+
 /// Sample points in blocks (a host's zones), with one include flag per point.
 ///
 /// Value of input variable v at point i of block b: getInputValueArraysForBlock(b)[v][i], raw units; outputs likewise.
@@ -91,6 +96,8 @@ public:
     void removeDuplicatePts(double tolerance);
 
 private:
+    friend class fenn::DuplicateMerger; // what removeDuplicatePts does, with a record of it
+
     using SourcePointIterator = std::vector<std::pair<int, int>>::iterator;
 
     void updateCachedValues();
