@@ -2,7 +2,7 @@
 
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev"
+build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev libnanoflann-dev"
 test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db parallel"
 benchmark_packages="libbenchmark-dev libopenblas-dev"
 abi_packages="abigail-tools"
