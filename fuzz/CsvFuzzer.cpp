@@ -16,10 +16,10 @@
 #include <zlib.h>
 
 #include "fuzz/InputBytes.h"
-#include "host/ColumnReader.h"
-#include "host/CsvReader.h"
-#include "host/HostErrors.h"
-#include "host/NumberText.h"
+#include "host/files/ColumnReader.h"
+#include "host/files/CsvReader.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
 #include "tests/support/Bits.h"
 #include "tests/support/NaiveCsv.h"
 

@@ -9,15 +9,15 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/Console.h"
-#include "host/HelpFormatter.h"
-#include "host/HostErrors.h"
-#include "host/InfoCommand.h"
-#include "host/NumberText.h"
-#include "host/PredictCommand.h"
-#include "host/TuneCommand.h"
-#include "host/ValidateCommand.h"
-#include "host/VariogramCommand.h"
+#include "host/commands/InfoCommand.h"
+#include "host/commands/PredictCommand.h"
+#include "host/commands/TuneCommand.h"
+#include "host/commands/ValidateCommand.h"
+#include "host/commands/VariogramCommand.h"
+#include "host/text/Console.h"
+#include "host/text/HelpFormatter.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
 
 namespace krige
 {

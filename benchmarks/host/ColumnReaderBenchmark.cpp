@@ -15,8 +15,8 @@
 
 #include <unistd.h>
 
-#include "host/ColumnReader.h"
-#include "host/NumberText.h"
+#include "host/files/ColumnReader.h"
+#include "host/text/NumberText.h"
 
 namespace
 {

@@ -25,7 +25,7 @@ struct MeasuredSystem
 /// The whole gallery.
 std::vector<MeasuredSystem> measureHardSystems();
 
-/// The table of docs/reliability.md: one line per family, with the worst figures of its systems.
+/// The table of docs/accuracy.md: one line per family, with the worst figures of its systems.
 std::string familyTable(const std::vector<MeasuredSystem>& systems);
 
 /// One line per system.

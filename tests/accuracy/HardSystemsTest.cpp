@@ -161,11 +161,11 @@ TEST_F(HardSystemsTest, ALocalModelWithoutNuggetMeetsItsSamplesExactly)
     }
 }
 
-TEST_F(HardSystemsTest, TheReliabilityPageHoldsTheseFigures)
+TEST_F(HardSystemsTest, TheAccuracyPageHoldsTheseFigures)
 {
-    std::ifstream file(FENN_RELIABILITY_PAGE);
+    std::ifstream file(FENN_ACCURACY_PAGE);
     const std::string page{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     const std::string table = familyTable(systems());
 
-    EXPECT_NE(page.find(table), std::string::npos) << "docs/reliability.md should hold this table:\n" << table;
+    EXPECT_NE(page.find(table), std::string::npos) << "docs/accuracy.md should hold this table:\n" << table;
 }

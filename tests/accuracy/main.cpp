@@ -1,4 +1,4 @@
-// Measures the gallery of hard systems and prints the table of docs/reliability.md, or with --each a line per system.
+// Measures the gallery of hard systems and prints the table of docs/accuracy.md, or with --each a line per system.
 
 #include <cstdio>
 #include <cstring>

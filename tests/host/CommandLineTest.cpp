@@ -8,9 +8,9 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 
-#include "host/ColumnReader.h"
-#include "host/NumberText.h"
-#include "host/TargetSource.h"
+#include "host/files/ColumnReader.h"
+#include "host/targets/TargetSource.h"
+#include "host/text/NumberText.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 #include "tests/host/TemporaryFolder.h"
 #include "tests/support/BitComparison.h"

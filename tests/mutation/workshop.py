@@ -17,7 +17,9 @@ class Suite:
 
 
 suites = {
-    "library": Suite(["fenn_tests"], ["tests/fenn_tests"]),
+    "library": Suite(
+        ["fenn_tests", "fenn_reliability_tests"], ["tests/fenn_tests", "tests/reliability/fenn_reliability_tests"]
+    ),
     "analysis": Suite(["fenn_analysis_tests"], ["tests/analysis/fenn_analysis_tests"]),
     "host": Suite(["fenn_host_tests"], ["tests/host/fenn_host_tests"]),
     # Each in a process of its own: threads that were made once leave memory that no limit counts.

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/NumberText.h"
+#include "host/text/NumberText.h"
 
 namespace fenn::test
 {

@@ -1,0 +1,42 @@
+#ifndef FENN_HOST_COMMANDS_INFOCOMMAND_H
+#define FENN_HOST_COMMANDS_INFOCOMMAND_H
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "host/files/ReadSettings.h"
+#include "host/model/SampleSurvey.h"
+
+namespace CLI
+{
+class App;
+}
+
+namespace krige
+{
+
+/// `krige info`: what a sample file holds, what a model over it would take, and a command to begin with.
+class InfoCommand
+{
+public:
+    /// Adds the subcommand's options; the object must live until it has run.
+    explicit InfoCommand(CLI::App& command);
+    InfoCommand(const InfoCommand& other) = delete;
+    InfoCommand& operator=(const InfoCommand& other) = delete;
+
+    /// Throws UsageError or InputError.
+    void run(std::ostream& out) const;
+
+private:
+    ColumnGuess chooseColumns(const FileSurvey& survey) const;
+
+    std::string path;
+    ReadSettings reading;
+    std::vector<std::string> inputNames;  // empty: guessed
+    std::vector<std::string> outputNames; // likewise
+};
+
+} // namespace krige
+
+#endif

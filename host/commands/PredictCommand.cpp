@@ -1,0 +1,290 @@
+#include "host/commands/PredictCommand.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+#include <CLI/CLI.hpp>
+
+#include "host/files/InputFile.h"
+#include "host/model/SampleModel.h"
+#include "host/model/SampleTable.h"
+#include "host/pictures/Gnuplot.h"
+#include "host/pictures/SurfacePicture.h"
+#include "host/reports/DuplicatesReport.h"
+#include "host/reports/Report.h"
+#include "host/text/Console.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+namespace
+{
+
+/// Also through links, and under another name.
+void checkIsNotOutput(const char* option, const std::string& outputPath, const std::string& inputPath)
+{
+    if (isStandardStream(outputPath)) // the stream that is read, where it is "-" too, is another one
+        return;
+    std::error_code error;
+    if (outputPath == inputPath || std::filesystem::equivalent(outputPath, inputPath, error))
+        throw UsageError(std::string(option) + ": " + quoteForMessage(outputPath) +
+                         " is the file that is read; name another one");
+}
+
+bool isVtk(const std::string& path)
+{
+    return std::filesystem::path(path).extension() == ".vtk";
+}
+
+/// Root of the variance, which is one for a sill of 1, in the units of an output.
+double calcStandardError(double variance, double sampleVariance)
+{
+    return std::sqrt(variance * sampleVariance); // NaN for a negative one
+}
+
+using Columns = std::vector<std::vector<double>>;
+
+/// What the picture shows: the grid's box, else the samples'.
+std::vector<PictureAxis> boxOf(const GridSpec& grid, const SampleTable& samples)
+{
+    std::vector<PictureAxis> box = boxOfSamples(samples);
+    for (const GridAxis& axis : grid.axes)
+    {
+        const auto input = std::find(samples.inputNames.begin(), samples.inputNames.end(), axis.name);
+        box[static_cast<std::size_t>(input - samples.inputNames.begin())] = {axis.low, axis.high};
+    }
+    return box;
+}
+
+/// Replaces values by one column per value name.
+class Predictor
+{
+public:
+    Predictor(const SampleModel& model_, std::size_t numOutputs, bool withVariance_)
+        : model(model_), withVariance(withVariance_)
+    {
+        for (std::size_t output = 0; withVariance && output < numOutputs; ++output)
+            sampleVariances.push_back(model.getSampleVariance(output));
+    }
+
+    void predict(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values)
+    {
+        const Clock::time_point start = Clock::now();
+        numWithoutEstimate += model.estimate(targets, values, withVariance ? &variances : nullptr);
+        seconds += std::chrono::duration<double>(Clock::now() - start).count();
+        if (!withVariance)
+            return;
+        values.push_back(variances);
+        for (const double sampleVariance : sampleVariances)
+        {
+            std::vector<double> errors;
+            for (const double variance : variances)
+                errors.push_back(calcStandardError(variance, sampleVariance));
+            values.push_back(std::move(errors));
+        }
+    }
+
+    std::uint64_t getNumWithoutEstimate() const
+    {
+        return numWithoutEstimate;
+    }
+
+    double getLibrarySeconds() const
+    {
+        return seconds;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const SampleModel& model;
+    bool withVariance;
+    std::vector<double> sampleVariances; // per output
+    std::vector<double> variances;
+    std::uint64_t numWithoutEstimate = 0;
+    double seconds = 0.0;
+};
+
+} // namespace
+
+PredictCommand::PredictCommand(CLI::App& command)
+{
+    addModelOptions(command, options);
+    command
+        .add_option(
+            "--at", targetsPath,
+            "CSV file of the targets, with the columns of --inputs; may be packed by gzip; - is standard input. "
+            "This or --grid is needed. Example: --at targets.csv")
+        ->type_name("FILE");
+    command
+        .add_option("--grid", gridText,
+                    "Targets on a grid: one count of nodes per input over the samples' box, or one axis per input as "
+                    "NAME=LO:HI:COUNT, the first one running fastest; LO and HI are nodes, a single node is LO. This "
+                    "or --at is needed. Examples: --grid 200x100, --grid x=0:10:101,y=0:5:51")
+        ->type_name("AXES");
+    command.add_flag(
+        "--variance", withVariance,
+        "Add a column variance, the Kriging variance for a sill of 1, and per output NAME_stderr, the root "
+        "of variance times the samples' variance of that output; nan where the variance is negative. "
+        "Default: off. Example: --variance");
+    command
+        .add_option_function<std::string>(
+            "--keep", [this](const std::string& text) { keptNames = parseNames("--keep", text); },
+            "Columns of the file of --at that are copied to the output as they are, behind the others. Default: none. "
+            "Example: --keep site,date")
+        ->type_name("NAMES");
+    command
+        .add_option_function<std::string>(
+            "--shard", [this](const std::string& text) { shard = parseShard(text); },
+            "Do the I-th of K equal parts of the targets only; the header row stands in the first, and the outputs one "
+            "after the other are the output of a whole run. Default: 1/1. Example: --shard 2/8")
+        ->type_name("I/K");
+    command
+        .add_option(
+            "--duplicates-report", duplicatesPath,
+            "CSV file to write that lists every sample merged by --duplicate-tolerance, with its line. Default: "
+            "none. Example: --duplicates-report merged.csv")
+        ->type_name("FILE");
+    command
+        .add_option("-o,--output", outputPath,
+                    "File to write, which appears when it is complete: CSV, or of a grid VTK when its name ends in "
+                    ".vtk; packed by gzip when it ends in .gz; - is standard output. Needed. Example: -o grid.csv")
+        ->type_name("FILE")
+        ->required();
+    command
+        .add_option("--plot", plotPath,
+                    "Picture of the estimates, .png or .svg, or its gnuplot script, .gp. Default: none. Example: "
+                    "--plot surface.png")
+        ->type_name("FILE");
+    command.footer(
+        "Examples:\n  krige predict samples.csv --inputs x,y --outputs z --grid 200x100 -o grid.csv\n"
+        "  krige predict samples.csv.gz --inputs x,y --outputs z --variance --at targets.csv --keep id -o -");
+}
+
+std::vector<std::string> PredictCommand::valueNames() const
+{
+    std::vector<std::string> names = options.outputNames;
+    if (!withVariance)
+        return names;
+    names.emplace_back("variance");
+    for (const std::string& name : options.outputNames)
+        names.push_back(name + "_stderr");
+    return names;
+}
+
+std::vector<std::string> PredictCommand::columnNames() const
+{
+    std::vector<std::string> names = options.inputNames;
+    const std::vector<std::string> values = valueNames();
+    names.insert(names.end(), values.begin(), values.end());
+    names.insert(names.end(), keptNames.begin(), keptNames.end());
+    return names;
+}
+
+void PredictCommand::checkUsage() const
+{
+    checkModelOptions(options);
+    if (targetsPath.empty() == gridText.empty())
+        throw UsageError("give the targets with either --at FILE or --grid AXES");
+    if (outputPath.empty())
+        throw UsageError("--output: needs the name of a file");
+    if (isGrid() && !keptNames.empty())
+        throw UsageError("--keep: a grid has no columns to keep; it goes with --at");
+    std::set<std::string> seen;
+    for (const std::string& name : columnNames())
+    {
+        if (!seen.insert(name).second)
+            throw UsageError("the output would have two columns " + quoteForMessage(name) +
+                             "; rename one, or leave it out of --keep");
+    }
+    if (isVtk(outputPath) && !isGrid())
+        throw UsageError("--output: a .vtk file holds a grid; give the targets with --grid, or name a .csv file");
+    const std::filesystem::path path = outputPath;
+    if (path.extension() == ".gz" && isVtk(path.stem().string()))
+        throw UsageError("--output: a .vtk file is not packed; leave .gz out of its name");
+    if (isVtk(outputPath) && !shard.isWhole())
+        throw UsageError("--shard: parts of a .vtk file do not make a whole one; name a .csv file");
+    if (!duplicatesPath.empty() && options.settings.duplicateTolerance < 0.0)
+        throw UsageError("--duplicates-report: nothing is merged; add --duplicate-tolerance 0 to merge samples at one "
+                         "place");
+    if (isStandardStream(options.samplesPath) && isStandardStream(targetsPath))
+        throw UsageError("samples and --at cannot both be standard input; put one of them into a file");
+    if (!duplicatesPath.empty() && duplicatesPath == outputPath)
+        throw UsageError("--duplicates-report: is the same as --output; name another one");
+    for (const std::string& inputPath : {options.samplesPath, targetsPath})
+    {
+        if (inputPath.empty())
+            continue;
+        checkIsNotOutput("--output", outputPath, inputPath);
+        checkIsNotOutput("--duplicates-report", duplicatesPath, inputPath);
+    }
+}
+
+std::unique_ptr<TargetSource> PredictCommand::openTargets(const GridSpec& grid) const
+{
+    if (isGrid())
+        return std::make_unique<GridTargets>(grid, options.inputNames, shard);
+    return std::make_unique<FileTargets>(targetsPath, options.inputNames, options.reading, keptNames, shard);
+}
+
+std::unique_ptr<PredictionWriter> PredictCommand::makeWriter(OutputFile& output, const GridSpec& grid) const
+{
+    if (isVtk(outputPath))
+        return std::make_unique<VtkPredictions>(output, grid, valueNames());
+    return std::make_unique<CsvPredictions>(output, shard.isFirst() ? columnNames() : std::vector<std::string>());
+}
+
+void PredictCommand::run(Console& console) const
+{
+    Report report(console.getReport());
+    checkUsage();
+    GridSpec grid;
+    if (isGrid())
+        grid = parseGridSpec(gridText, options.inputNames);
+    if (!plotPath.empty())
+        checkPicturePath(plotPath);
+    if (isVtk(outputPath)) // x is the first input there, whichever axis was named first
+        grid = inOrderOfInputs(grid, options.inputNames);
+
+    // Whatever can fail without the model fails before it is built: that may take long.
+    const SampleTable samples = readSamples(options);
+    report.samplesRead(samples);
+    spanSamples(grid, samples.inputs);
+    const std::unique_ptr<TargetSource> targetSource = openTargets(grid);
+    OutputFile output(outputPath);
+    const std::unique_ptr<PredictionWriter> writer = makeWriter(output, grid);
+    if (!duplicatesPath.empty())
+        writeDuplicatesReport(duplicatesPath, samples, options.settings.duplicateTolerance);
+
+    const SampleModel model(samples, options.settings);
+    report.modelBuilt(model, samples, options.settings);
+
+    Predictor predictor(model, options.outputNames.size(), withVariance);
+    std::uint64_t numTargets = 0;
+    std::vector<std::vector<double>> targets;
+    std::vector<std::vector<double>> values;
+    writer->begin();
+    const std::unique_ptr<ProgressLine> line = console.startProgress("targets");
+    ChunkSize chunkSize(1024, targetsPerRequest);
+    while (targetSource->read(targets, line->isShown() ? chunkSize.next() : targetsPerRequest) > 0)
+    {
+        predictor.predict(targets, values);
+        writer->write(targets, values, *targetSource);
+        numTargets += targets.front().size();
+        line->update(numTargets, shard.size(grid.numNodes)); // of a file unknown: 0
+    }
+    line->wipe();
+    report.finished(numTargets, predictor.getNumWithoutEstimate(), predictor.getLibrarySeconds());
+    if (!plotPath.empty())
+        drawSurface(plotPath, samples, boxOf(grid, samples),
+                    [&model](const Columns& at, Columns& estimates) { model.estimate(at, estimates); });
+    output.commit();
+}
+
+} // namespace krige

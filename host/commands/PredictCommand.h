@@ -1,0 +1,58 @@
+#ifndef FENN_HOST_COMMANDS_PREDICTCOMMAND_H
+#define FENN_HOST_COMMANDS_PREDICTCOMMAND_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/model/ModelOptions.h"
+#include "host/targets/GridSpec.h"
+#include "host/targets/PredictionWriter.h"
+#include "host/targets/Shard.h"
+#include "host/targets/TargetSource.h"
+
+namespace krige
+{
+
+class Console;
+
+/// `krige predict`: estimates at the targets of a file or a grid, written as CSV: the inputs in the order of --inputs,
+/// one column per output, on request the variance and one standard error per output, then kept columns. Grids also as
+/// VTK.
+class PredictCommand
+{
+public:
+    /// Adds the subcommand's options; the object must live until it has run.
+    explicit PredictCommand(CLI::App& command);
+    PredictCommand(const PredictCommand& other) = delete;
+    PredictCommand& operator=(const PredictCommand& other) = delete;
+
+    /// Throws UsageError, InputError or ClosedPipe; no output file is left behind then.
+    void run(Console& console) const;
+
+private:
+    void checkUsage() const;
+    std::vector<std::string> valueNames() const;
+    std::vector<std::string> columnNames() const;
+    std::unique_ptr<TargetSource> openTargets(const GridSpec& grid) const;
+    std::unique_ptr<PredictionWriter> makeWriter(OutputFile& output, const GridSpec& grid) const;
+
+    bool isGrid() const
+    {
+        return !gridText.empty();
+    }
+
+    ModelOptions options;
+    std::string targetsPath; // empty: a grid
+    std::string gridText;    // empty: a file
+    std::vector<std::string> keptNames;
+    bool withVariance = false;
+    Shard shard;
+    std::string duplicatesPath; // empty: no report
+    std::string outputPath;
+    std::string plotPath; // empty: none
+};
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,190 @@
+#include "host/commands/TuneCommand.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "host/files/CsvReader.h"
+#include "host/files/InputFile.h"
+#include "host/files/OutputFile.h"
+#include "host/model/AnalysisInput.h"
+#include "host/model/ModelFailure.h"
+#include "host/model/SettingsFile.h"
+#include "host/reports/Report.h"
+#include "host/reports/TuningReport.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+namespace
+{
+
+constexpr const char* settingNames = "drift, range, nugget, nearest and scale";
+
+void writeWhole(const std::string& path, const std::string& text)
+{
+    OutputFile file(path);
+    file.write(text);
+    file.commit();
+}
+
+} // namespace
+
+TuneCommand::TuneCommand(CLI::App& command)
+{
+    addModelOptions(command, options);
+    command
+        .add_option("-o,--output", outputPath,
+                    "Settings file to write, which every subcommand reads with --config. Default: none, the winner is "
+                    "only shown; with -o - the scores go to standard error. Example: -o best.toml")
+        ->type_name("FILE");
+    command
+        .add_option("--trials", trialsPath,
+                    "CSV file to write: every trial with its settings and scores. Default: a table on standard error. "
+                    "Example: --trials trials.csv")
+        ->type_name("FILE");
+    command
+        .add_option_function<std::string>(
+            "--fix", [this](const std::string& text) { fixedSettings = splitCsvText(text, "--fix"); },
+            "Settings that the search leaves alone, of drift, range, nugget, nearest and scale. Default: none. "
+            "Example: --fix drift,nearest")
+        ->type_name("NAMES");
+    command
+        .add_option("--held-out", tuning.heldOutFraction,
+                    "Share of the samples that the search never sees, for an honest score; 0: search on all. Default: "
+                    "0.2. Example: --held-out 0.3")
+        ->type_name("SHARE");
+    foldsOption = command
+                      .add_option("--folds", tuning.numFolds,
+                                  "Parts of the cross-validation that scores a trial. Default: 10, or the number of "
+                                  "samples where they are fewer. Example: --folds 5")
+                      ->type_name("K");
+    command
+        .add_option("--repeats", tuning.numRepeats,
+                    "Cross-validations per trial, each with folds of its own; 0: until 300 samples have been "
+                    "estimated, up to 3. Default: 0. Example: --repeats 5")
+        ->type_name("N");
+    command
+        .add_option("--seed", tuning.seed,
+                    "Of the held-out samples and the folds: the same one gives the same search. Default: 1. Example: "
+                    "--seed 7")
+        ->type_name("S");
+    command
+        .add_option("--max-trials", tuning.maxTrials, "Settings to try at most. Default: 150. Example: --max-trials 50")
+        ->type_name("N");
+    command
+        .add_option_function<std::string>(
+            "--objective",
+            [this](const std::string& text)
+            {
+                if (text != "rmse" && text != "mae")
+                    throw UsageError("--objective: must be rmse or mae, not " + quoteForMessage(text));
+                tuning.objective = text == "mae" ? fenn::analysis::Objective::Mae : fenn::analysis::Objective::Rmse;
+            },
+            "What to make small: rmse, or mae, which outliers move less. Default: rmse. Example: --objective mae")
+        ->type_name("NAME");
+    command.footer("The model's options say where the search starts, and what the winner has to beat: the defaults "
+                   "where they are left out. --duplicate-tolerance is kept.\n\nExamples:\n"
+                   "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
+                   "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid x=0:10:101,y=0:5:51 "
+                   "-o grid.csv");
+}
+
+fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::SampleSet& samples) const
+{
+    fenn::analysis::SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
+    for (const std::string& name : fixedSettings)
+    {
+        if (name == "drift")
+            space.driftOrders = {options.settings.driftOrder};
+        else if (name == "range")
+            space.minRangeFraction = space.maxRangeFraction = options.settings.rangeFraction;
+        else if (name == "nugget")
+            space.minNugget = space.maxNugget = options.settings.nugget;
+        else if (name == "nearest")
+            space.numNearestPoints = {options.settings.numNearestPoints};
+        else if (name == "scale")
+            space.maxAnisotropy = 1.0;
+        else
+            throw UsageError("--fix: " + quoteForMessage(name) + " is none of " + settingNames);
+    }
+    return space;
+}
+
+fenn::analysis::TuningOptions TuneCommand::chooseOptions(const SampleTable& samples) const
+{
+    fenn::analysis::TuningOptions chosen = tuning;
+    if (!(chosen.heldOutFraction >= 0.0 && chosen.heldOutFraction < 1.0))
+        throw UsageError("--held-out: must be at least 0 and below 1");
+    if (chosen.maxTrials < 1)
+        throw UsageError("--max-trials: must be at least 1");
+    const double numSamples = samples.getNumSamples();
+    const auto numTuned = static_cast<std::size_t>(numSamples - std::floor(chosen.heldOutFraction * numSamples));
+    const bool isGiven = foldsOption->count() > 0;
+    if (isGiven && (chosen.numFolds < 2 || chosen.numFolds > numTuned))
+        throw UsageError("--folds: must be 2 to " + std::to_string(numTuned) + ", the samples that are not held out");
+    if (numTuned < 2)
+        throw InputError(samples.path + ": tuning needs at least 2 samples that are not held out");
+    chosen.numFolds = std::min(chosen.numFolds, numTuned);
+    return chosen;
+}
+
+fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Console& console) const
+{
+    fenn::analysis::TuningResult result;
+    const fenn::analysis::TuningOptions chosen = chooseOptions(samples);
+    runExplained(samples, options.settings, "",
+                 [&]
+                 {
+                     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
+                     const fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
+                     TrialTable table(console.getReport());
+                     const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
+                     result = fenn::analysis::tune(
+                         sampleSet, options.settings, space, chosen,
+                         [&](const fenn::analysis::Trial& trial, std::size_t numDone, std::size_t maxTrials)
+                         {
+                             if (trialsPath.empty())
+                             {
+                                 line->wipe();
+                                 table.add(trial);
+                             }
+                             line->update(numDone, maxTrials);
+                             return true;
+                         });
+                 });
+    const fenn::analysis::Trial& winner = result.trials[result.winner];
+    if (!winner.failure.empty())
+        throw InputError("all " + std::to_string(result.trials.size()) + " trials failed, the first one so: " +
+                         explainModelFailure(winner.failure, samples, options.settings));
+    return result;
+}
+
+void TuneCommand::run(std::ostream& out, Console& console) const
+{
+    Report report(console.getReport());
+    checkModelOptions(options);
+    const SampleTable samples = readSamples(options);
+    report.samplesRead(samples);
+    const std::string coincident = options.settings.duplicateTolerance < 0.0 ? describeCoincidentSamples(samples) : "";
+    if (!coincident.empty())
+        console.getReport() << "hint: " << coincident << "; add --duplicate-tolerance 0 to merge them\n";
+
+    const fenn::analysis::TuningResult result = search(samples, console);
+    if (!trialsPath.empty())
+        writeWhole(trialsPath, csvOfTrials(result));
+    if (!outputPath.empty())
+        writeWhole(outputPath, settingsFileText(result.trials[result.winner].settings));
+    printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, samples.outputNames,
+                tuning.objective);
+    if (!out.flush())
+        throw InputError("standard output: writing failed");
+}
+
+} // namespace krige

@@ -1,0 +1,48 @@
+#ifndef FENN_HOST_COMMANDS_TUNECOMMAND_H
+#define FENN_HOST_COMMANDS_TUNECOMMAND_H
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "analysis/Tuning.h"
+#include "host/model/ModelOptions.h"
+#include "host/model/SampleTable.h"
+#include "host/text/Console.h"
+
+namespace CLI
+{
+class Option;
+}
+
+namespace krige
+{
+
+/// `krige tune`: searches the settings that estimate samples best from each other, and writes them for --config.
+class TuneCommand
+{
+public:
+    /// Adds the subcommand's options; the object must live until it has run.
+    explicit TuneCommand(CLI::App& command);
+    TuneCommand(const TuneCommand& other) = delete;
+    TuneCommand& operator=(const TuneCommand& other) = delete;
+
+    /// Throws UsageError or InputError; no file is left behind then. out: the scores and the winner.
+    void run(std::ostream& out, Console& console) const;
+
+private:
+    fenn::analysis::SearchSpace chooseSpace(const fenn::estimation::SampleSet& samples) const;
+    fenn::analysis::TuningOptions chooseOptions(const SampleTable& samples) const;
+    fenn::analysis::TuningResult search(const SampleTable& samples, Console& console) const;
+
+    ModelOptions options; // the search starts from the model's
+    fenn::analysis::TuningOptions tuning;
+    std::vector<std::string> fixedSettings;
+    CLI::Option* foldsOption = nullptr;
+    std::string outputPath; // empty: none
+    std::string trialsPath; // likewise
+};
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,251 @@
+#include "host/commands/ValidateCommand.h"
+
+#include <algorithm>
+#include <memory>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "analysis/CrossValidation.h"
+#include "analysis/LeaveOneOut.h"
+#include "host/files/InputFile.h"
+#include "host/files/OutputFile.h"
+#include "host/model/AnalysisInput.h"
+#include "host/model/ModelFailure.h"
+#include "host/model/SampleModel.h"
+#include "host/model/SampleTable.h"
+#include "host/pictures/Gnuplot.h"
+#include "host/pictures/ValidationPicture.h"
+#include "host/reports/Report.h"
+#include "host/targets/TargetSource.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+namespace
+{
+
+ValidationResult resultFor(const SampleTable& samples)
+{
+    ValidationResult result;
+    result.inputNames = samples.inputNames;
+    result.outputNames = samples.outputNames;
+    return result;
+}
+
+std::vector<std::vector<double>> rowsOf(const std::vector<std::vector<double>>& columns, std::size_t first,
+                                        std::size_t count)
+{
+    std::vector<std::vector<double>> rows;
+    for (const std::vector<double>& column : columns)
+    {
+        const auto begin = column.begin() + static_cast<std::ptrdiff_t>(first);
+        rows.emplace_back(begin, begin + static_cast<std::ptrdiff_t>(count));
+    }
+    return rows;
+}
+
+double meanOf(const std::vector<double>& values, const std::vector<std::size_t>& indices)
+{
+    double sum = 0.0;
+    for (const std::size_t i : indices)
+        sum += values[i];
+    return sum / static_cast<double>(indices.size());
+}
+
+} // namespace
+
+ValidateCommand::ValidateCommand(CLI::App& command)
+{
+    addModelOptions(command, options);
+    CLI::Option* const against =
+        command
+            .add_option("--against", truthPath,
+                        "CSV file of known values to compare with, with the columns of --inputs and --outputs. "
+                        "Default: cross-validation. Example: --against truth.csv")
+            ->type_name("FILE");
+    CLI::Option* const leaveOneOutFlag =
+        command
+            .add_flag("--leave-one-out", leavesOneOut,
+                      "Estimate each point from all others, with the normalisation, range and merged points of the "
+                      "full model. Default: folds. Example: --leave-one-out")
+            ->excludes(against);
+    foldsOption = command
+                      .add_option("--folds", numFolds,
+                                  "Cut the samples at random into this many parts, and estimate each part from the "
+                                  "others. Default: 10, or the number of samples where they are fewer. Example: "
+                                  "--folds 5")
+                      ->type_name("K")
+                      ->check(CLI::Range(2, 1000000000))
+                      ->excludes(against)
+                      ->excludes(leaveOneOutFlag);
+    command
+        .add_option("--seed", seed,
+                    "Of the random folds: the same one gives the same folds. Default: 1. Example: "
+                    "--seed 7")
+        ->type_name("S")
+        ->excludes(against)
+        ->excludes(leaveOneOutFlag);
+    command
+        .add_option("--worst", numWorst,
+                    "List so many points with the largest errors, per output. Default: 5. Example: --worst 20")
+        ->type_name("N");
+    command
+        .add_option("-o,--output", pointsPath,
+                    "CSV file to write: every point with its estimates, errors and standard errors. Default: none. "
+                    "Example: -o points.csv; with -o - the tables go to standard error")
+        ->type_name("FILE");
+    command
+        .add_option("--plot", plotPath,
+                    "Picture of estimated against measured values, .png or .svg, or its gnuplot script, .gp. Default: "
+                    "none. Example: --plot fit.png")
+        ->type_name("FILE");
+    command.footer("Prints per output: RMSE, MAE, bias (mean of estimate minus measured value), R2, MSSE (mean squared "
+                   "error over its Kriging variance; 1 when the variances are right) and the worst error; then the "
+                   "worst points, by their lines in the file.\n\nExamples:\n"
+                   "  krige validate samples.csv --inputs x,y --outputs z\n"
+                   "  krige validate samples.csv --inputs x,y --outputs z --leave-one-out --plot fit.png\n"
+                   "  krige validate samples.csv --inputs x,y --outputs z --config best.toml --against truth.csv");
+}
+
+ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Console& console) const
+{
+    const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
+    if (foldsOption->count() > 0 && numFolds > numSamples)
+        throw UsageError("--folds: " + std::to_string(numFolds) + " folds need as many samples, but " + samples.path +
+                         " has " + std::to_string(numSamples) + "; lower it, or use --leave-one-out");
+    const std::size_t folds = std::min(numFolds, numSamples);
+    if (folds < 2)
+        throw InputError(samples.path + ": cross-validation needs at least 2 samples");
+    if (options.settings.duplicateTolerance < 0.0)
+    {
+        const std::string coincident = describeCoincidentSamples(samples);
+        if (!coincident.empty())
+            console.getReport() << "hint: " << coincident
+                                << "; those in different folds estimate each other, which flatters; use "
+                                   "--leave-one-out with --duplicate-tolerance 0\n";
+    }
+
+    ValidationResult result = resultFor(samples);
+    runExplained(samples, options.settings, "without one of " + std::to_string(folds) + " folds: ",
+                 [&]
+                 {
+                     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
+                     const std::unique_ptr<ProgressLine> line = console.startProgress("folds");
+                     fenn::analysis::Estimates estimates =
+                         fenn::analysis::crossValidate(sampleSet, options.settings, folds, seed, reportTo(*line));
+                     result.estimates = std::move(estimates.values);
+                     result.variances = std::move(estimates.variances);
+                     for (std::size_t w = 0; w < sampleSet.getNumOutputVars(); ++w)
+                         result.outputVariances.push_back(sampleSet.calcOutputVariance(w));
+                 });
+    result.inputs = samples.inputs;
+    result.truths = samples.outputs;
+    for (const std::size_t line : samples.lines)
+        result.lines.push_back(std::to_string(line));
+    console.getReport() << "method: " << folds << " folds of " << numSamples << " samples, seed " << seed << '\n';
+    return result;
+}
+
+ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Console& console) const
+{
+    ValidationResult result = resultFor(samples);
+    fenn::analysis::LeaveOneOutResult left;
+    runExplained(samples, options.settings, "without one of its points: ",
+                 [&]
+                 {
+                     const std::unique_ptr<ProgressLine> line = console.startProgress("points");
+                     left = fenn::analysis::leaveOneOut(toSampleSet(samples), options.settings, reportTo(*line));
+                 });
+    result.inputs.resize(samples.inputs.size());
+    for (const std::vector<std::size_t>& members : left.members)
+    {
+        std::string lines;
+        for (const std::size_t i : members)
+            lines += (lines.empty() ? "" : "+") + std::to_string(samples.lines[i]);
+        result.lines.push_back(lines);
+        for (std::size_t v = 0; v < result.inputs.size(); ++v)
+            result.inputs[v].push_back(meanOf(samples.inputs[v], members));
+    }
+    result.truths = std::move(left.truths);
+    result.estimates = std::move(left.estimates.values);
+    result.variances = std::move(left.estimates.variances);
+    result.outputVariances = std::move(left.outputVariances);
+    console.getReport() << "method: leave one out of " << countOf(result.lines.size(), "point") << '\n';
+    return result;
+}
+
+ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& console, Report& report) const
+{
+    // Whatever can fail without the model fails before it is built: that may take long.
+    const SampleTable truth = readSamples(truthPath, options.inputNames, options.outputNames, options.reading);
+    if (truth.numSkipped > 0)
+        console.getReport() << "skipped: " << countOf(truth.numSkipped, "row") << " of " << truthPath
+                            << ", with a missing value\n";
+    ValidationResult result = resultFor(samples);
+    result.inputs = truth.inputs;
+    result.truths = truth.outputs;
+    result.estimates.resize(truth.outputs.size());
+    for (const std::size_t line : truth.lines)
+        result.lines.push_back(std::to_string(line));
+
+    const SampleModel model(samples, options.settings);
+    report.modelBuilt(model, samples, options.settings);
+    const std::unique_ptr<ProgressLine> progress = console.startProgress("points");
+    ChunkSize chunkSize(1024, targetsPerRequest);
+    std::vector<std::vector<double>> estimates;
+    std::vector<double> variances;
+    for (std::size_t first = 0; first < truth.lines.size();)
+    {
+        const std::size_t count = std::min(chunkSize.next(), truth.lines.size() - first);
+        model.estimate(rowsOf(truth.inputs, first, count), estimates, &variances);
+        for (std::size_t w = 0; w < estimates.size(); ++w)
+            result.estimates[w].insert(result.estimates[w].end(), estimates[w].begin(), estimates[w].end());
+        result.variances.insert(result.variances.end(), variances.begin(), variances.end());
+        first += count;
+        progress->update(first, truth.lines.size());
+    }
+    for (std::size_t w = 0; w < truth.outputs.size(); ++w)
+        result.outputVariances.push_back(model.getSampleVariance(w));
+    return result;
+}
+
+void ValidateCommand::writePoints(const ValidationResult& result) const
+{
+    OutputFile file(pointsPath);
+    file.write(csvOfPoints(result));
+    file.commit();
+}
+
+void ValidateCommand::run(std::ostream& out, Console& console) const
+{
+    Report report(console.getReport());
+    checkModelOptions(options);
+    if (!plotPath.empty())
+        checkPicturePath(plotPath);
+    const SampleTable samples = readSamples(options);
+    report.samplesRead(samples);
+
+    const ValidationResult result = !truthPath.empty() ? compare(samples, console, report)
+                                    : leavesOneOut     ? leaveOneOut(samples, console)
+                                                       : crossValidate(samples, console);
+    const std::vector<fenn::analysis::ErrorStatistics> statistics = summarise(result, numWorst);
+    const std::size_t numMissing = statistics.front().numMissing;
+    if (numMissing > 0)
+        console.getReport() << "hint: " << countOf(numMissing, "point") << (numMissing == 1 ? " has" : " have")
+                            << " no estimate and count for nothing\n";
+    if (!pointsPath.empty())
+        writePoints(result);
+    if (!plotPath.empty())
+        drawValidation(plotPath, result, statistics);
+    std::ostream& tables = isStandardStream(pointsPath) ? console.getReport() : out;
+    printErrors(tables, result, statistics);
+    printWorstPoints(tables, result, statistics);
+    if (!out.flush())
+        throw InputError("standard output: writing failed");
+    report.finished(result.lines.size());
+}
+
+} // namespace krige

@@ -1,0 +1,56 @@
+#ifndef FENN_HOST_COMMANDS_VALIDATECOMMAND_H
+#define FENN_HOST_COMMANDS_VALIDATECOMMAND_H
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+#include "host/model/ModelOptions.h"
+#include "host/model/SampleTable.h"
+#include "host/reports/ValidationResult.h"
+#include "host/text/Console.h"
+
+namespace CLI
+{
+class Option;
+}
+
+namespace krige
+{
+
+class Report;
+
+/// `krige validate`: how far estimates are from known values, by cross-validation in folds, by leaving out one point at
+/// a time, or against a file of known values.
+class ValidateCommand
+{
+public:
+    /// Adds the subcommand's options; the object must live until it has run.
+    explicit ValidateCommand(CLI::App& command);
+    ValidateCommand(const ValidateCommand& other) = delete;
+    ValidateCommand& operator=(const ValidateCommand& other) = delete;
+
+    /// Throws UsageError or InputError. out: the tables of errors.
+    void run(std::ostream& out, Console& console) const;
+
+private:
+    ValidationResult crossValidate(const SampleTable& samples, Console& console) const;
+    ValidationResult leaveOneOut(const SampleTable& samples, Console& console) const;
+    ValidationResult compare(const SampleTable& samples, Console& console, Report& report) const;
+    void writePoints(const ValidationResult& result) const;
+
+    ModelOptions options;
+    std::string truthPath; // empty: cross-validation
+    bool leavesOneOut = false;
+    std::size_t numFolds = 10;
+    CLI::Option* foldsOption = nullptr;
+    std::uint64_t seed = 1;
+    std::size_t numWorst = 5;
+    std::string pointsPath; // empty: none
+    std::string plotPath;   // likewise
+};
+
+} // namespace krige
+
+#endif

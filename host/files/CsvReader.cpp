@@ -1,0 +1,339 @@
+#include "host/files/CsvReader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <new>
+
+#include <csv.h>
+
+#include "host/text/HostErrors.h"
+
+namespace krige
+{
+
+namespace
+{
+
+constexpr std::size_t blockCapacity = std::size_t{1} << 18;
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
+constexpr char gzipMark[] = "\x1F\x8B";
+
+// Strict: a stray or missing quote is an error, not a guess. Every line end is reported, so that a line without one is
+// known to end within quotes.
+constexpr unsigned char parserOptions = CSV_STRICT | CSV_STRICT_FINI | CSV_REPALL_NL;
+
+/// Where the callbacks of the C parser put what they get. Exceptions must not travel through it.
+struct RecordSink
+{
+    CsvRecord* record = nullptr;
+    bool recordEnded = false;
+    std::exception_ptr failure;
+};
+
+void onField(void* characters, std::size_t count, void* sinkPointer)
+{
+    auto& sink = *static_cast<RecordSink*>(sinkPointer);
+    try
+    {
+        sink.record->addField(static_cast<const char*>(characters), count);
+    }
+    catch (...)
+    {
+        sink.failure = std::current_exception();
+    }
+}
+
+void onRecordEnd(int /*terminator*/, void* sinkPointer)
+{
+    static_cast<RecordSink*>(sinkPointer)->recordEnded = true;
+}
+
+/// The C parser's state, released with the object.
+class CsvParser
+{
+public:
+    CsvParser()
+    {
+        if (csv_init(&state, parserOptions) != 0)
+            throw std::bad_alloc();
+        csv_set_blk_size(&state, std::size_t{1} << 16); // growing by its default of 128 bytes crawls on long fields
+    }
+
+    CsvParser(const CsvParser& other) = delete;
+    CsvParser& operator=(const CsvParser& other) = delete;
+
+    ~CsvParser()
+    {
+        csv_free(&state);
+    }
+
+    void setDelimiter(char delimiter)
+    {
+        csv_set_delim(&state, static_cast<unsigned char>(delimiter));
+    }
+
+    /// False on malformed quotes.
+    bool feed(const char* characters, std::size_t count)
+    {
+        sink.recordEnded = false;
+        const bool complete = csv_parse(&state, characters, count, onField, onRecordEnd, &sink) == count;
+        return checkState(complete);
+    }
+
+    bool finish()
+    {
+        sink.recordEnded = false;
+        return checkState(csv_fini(&state, onField, onRecordEnd, &sink) == 0);
+    }
+
+    RecordSink sink;
+
+private:
+    bool checkState(bool complete)
+    {
+        if (sink.failure)
+            std::rethrow_exception(sink.failure);
+        if (!complete && csv_error(&state) != CSV_EPARSE)
+            throw std::bad_alloc();
+        return complete;
+    }
+
+    csv_parser state;
+};
+
+} // namespace
+
+struct CsvReader::Parser : CsvParser
+{
+    bool recordOpen = false; // a record has begun on an earlier line or in an earlier block
+    bool ends[256] = {};     // characters that end a run of plain ones
+};
+
+CsvReader::CsvReader(const std::string& path, char delimiter_)
+    : input(path), delimiter(delimiter_), parser(std::make_unique<Parser>()), block(blockCapacity)
+{
+}
+
+CsvReader::~CsvReader() = default;
+
+bool CsvReader::read(CsvRecord& record)
+{
+    record.clear();
+    parser->sink.record = &record;
+    while (!finished)
+    {
+        if (position == blockSize && !fillBlock())
+            finish(record);
+        else if (!parser->recordOpen && splitPlainLine(record))
+        {
+            if (record.getNumFields() > 0)
+                return true;
+            continue;
+        }
+        else
+            feedLine(record);
+        if (parser->sink.recordEnded && record.getNumFields() > 0)
+            return true;
+    }
+    return false;
+}
+
+/// Keeps what has not been parsed, at the front. False when there is nothing to parse then.
+bool CsvReader::fillBlock()
+{
+    std::memmove(block.data(), block.data() + position, blockSize - position);
+    blockSize -= position;
+    position = 0;
+    const std::size_t wanted = block.size() - blockSize;
+    const std::size_t count = inputEnded ? 0 : input.read(block.data() + blockSize, wanted);
+    inputEnded = count < wanted;
+    blockSize += count;
+    if (atStart)
+    {
+        if (blockSize >= 3 && std::memcmp(block.data(), byteOrderMark, 3) == 0)
+            position = 3;
+        chooseDelimiter();
+    }
+    atStart = false;
+    return position < blockSize;
+}
+
+void CsvReader::chooseDelimiter()
+{
+    if (delimiter == '\0')
+    {
+        constexpr std::string_view candidates = ",;\t";
+        const auto isSeparator = [](char c)
+        {
+            return c == ',' || c == ';';
+        };
+        std::size_t counts[candidates.size()] = {};
+        bool quoted = false;
+        bool begun = false;
+        for (std::size_t i = position; i < blockSize; ++i)
+        {
+            const char c = block[i];
+            if ((c == '\n' || c == '\r') && begun && !quoted)
+                break;
+            begun = begun || (c != '\n' && c != '\r' && c != ' ');
+            quoted = quoted != (c == '"');
+            const std::size_t candidate = candidates.find(c);
+            const bool besideAnother =
+                (i > position && isSeparator(block[i - 1])) || (i + 1 < blockSize && isSeparator(block[i + 1]));
+            if (!quoted && candidate != std::string_view::npos && !(c == '\t' && besideAnother)) // a mere blank
+                ++counts[candidate];
+        }
+        delimiter = candidates[static_cast<std::size_t>(std::max_element(counts, counts + candidates.size()) - counts)];
+    }
+    parser->setDelimiter(delimiter);
+    for (const char c : {delimiter, '\n', '\r', '"', '\0'})
+        parser->ends[static_cast<unsigned char>(c)] = true;
+}
+
+/// Splits the line at the position when it is complete within the block and holds neither quotes nor NUL bytes; without
+/// fields when it is blank. Otherwise false, and nothing has changed but the block's place.
+bool CsvReader::splitPlainLine(CsvRecord& record)
+{
+    if (afterCarriageReturn && block[position] == '\n') // the rest of a line end
+    {
+        ++position;
+        afterCarriageReturn = false;
+        return true;
+    }
+    const auto isBlank = [this](char c)
+    {
+        return (c == ' ' || c == '\t') && c != delimiter;
+    };
+    for (;;)
+    {
+        const char* const text = block.data();
+        const bool* const ends = parser->ends;
+        bool cutOff = true;
+        std::size_t begin = position;
+        for (std::size_t i = position; i < blockSize; ++i)
+        {
+            while (i < blockSize && !ends[static_cast<unsigned char>(text[i])])
+                ++i;
+            cutOff = i == blockSize || (text[i] != '"' && text[i] != '\0');
+            if (i == blockSize || !cutOff)
+                break;
+            std::size_t end = i;
+            while (begin < end && isBlank(text[begin]))
+                ++begin;
+            while (begin < end && isBlank(text[end - 1]))
+                --end;
+            record.fields.push_back({begin, end});
+            begin = i + 1;
+            if (text[i] == delimiter)
+                continue;
+
+            const bool blank = record.fields.size() == 1 && record.fields[0].begin == record.fields[0].end;
+            if (blank)
+                record.fields.clear();
+            record.outside = blank ? nullptr : text; // the record may still become a copied one
+            record.line = line;
+            endLineAt(i + 1);
+            return true;
+        }
+        record.fields.clear();
+        if (!cutOff || position == 0 || inputEnded)
+            return false;
+        fillBlock();
+    }
+}
+
+/// The line's last byte, a line end, stands before end.
+void CsvReader::endLineAt(std::size_t end)
+{
+    const char last = block[end - 1];
+    if (last == '\r' || (last == '\n' && !(afterCarriageReturn && end == position + 1)))
+        ++line;
+    afterCarriageReturn = last == '\r';
+    position = end;
+}
+
+/// Parses up to the next line end of either kind, so that a record ends at the end of what is fed at the earliest, and
+/// the parser is never ahead of the line count.
+void CsvReader::feedLine(CsvRecord& record)
+{
+    const char* const begin = block.data() + position;
+    const std::size_t available = blockSize - position;
+    const auto* lineFeed = static_cast<const char*>(std::memchr(begin, '\n', available));
+    std::size_t count = lineFeed ? static_cast<std::size_t>(lineFeed - begin) + 1 : available;
+    if (const auto* carriageReturn = static_cast<const char*>(std::memchr(begin, '\r', count)))
+        count = static_cast<std::size_t>(carriageReturn - begin) + 1;
+
+    if (std::memchr(begin, '\0', count))
+        throw InputError::atLine(getPath(), line, "a NUL byte: this is not a text file in UTF-8 or an 8-bit encoding");
+    if (!parser->recordOpen)
+        record.line = line;
+    if (!parser->feed(begin, count))
+        throwMalformed(record, false);
+    parser->recordOpen = !parser->sink.recordEnded;
+
+    endLineAt(position + count);
+}
+
+void CsvReader::finish(CsvRecord& record)
+{
+    finished = true;
+    if (!parser->finish())
+        throwMalformed(record, true);
+}
+
+void CsvReader::throwMalformed(const CsvRecord& record, bool atEnd) const
+{
+    const std::string column = ", column " + std::to_string(record.getNumFields() + 1) + ": ";
+    if (atEnd)
+        throw InputError(getPath() + ", line " + std::to_string(record.line) + column +
+                         "the quoted field is never closed: the file ends within it");
+    throw InputError(getPath() + ", line " + std::to_string(line) + column +
+                     "a quote within an unquoted field, or text after a closing quote; a quote within a field is "
+                     "written twice, and the field in quotes");
+}
+
+std::vector<std::string> splitCsvText(const std::string& text, const std::string& what)
+{
+    CsvParser parser;
+    CsvRecord record;
+    parser.sink.record = &record;
+    const bool complete = parser.feed(text.data(), text.size()) && !parser.sink.recordEnded && parser.finish();
+    if (!complete)
+        throw UsageError(what + ": malformed quotes or more than one line");
+    std::vector<std::string> fields;
+    for (std::size_t i = 0; i < record.getNumFields(); ++i)
+        fields.emplace_back(record[i]);
+    return fields;
+}
+
+void appendCsvField(std::string& out, std::string_view field)
+{
+    const auto isBlank = [](char c)
+    {
+        return c == ' ' || c == '\t';
+    };
+    const auto beginsWith = [field](std::string_view mark)
+    {
+        return field.substr(0, mark.size()) == mark;
+    };
+    // At the beginning of a file the two marks would not be taken for text.
+    const bool needsQuotes = field.empty() || field.find_first_of(",;\t\"\r\n") != std::string_view::npos ||
+                             isBlank(field.front()) || isBlank(field.back()) || beginsWith(byteOrderMark) ||
+                             beginsWith(gzipMark);
+    if (!needsQuotes)
+    {
+        out += field;
+        return;
+    }
+    out += '"';
+    for (const char c : field)
+    {
+        if (c == '"')
+            out += '"';
+        out += c;
+    }
+    out += '"';
+}
+
+} // namespace krige

@@ -1,0 +1,54 @@
+#ifndef FENN_HOST_FILES_INPUTFILE_H
+#define FENN_HOST_FILES_INPUTFILE_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace krige
+{
+
+/// The bytes of a file, or of standard input where the path is "-". What begins as gzip does is unpacked on the way.
+///
+/// Errors are InputError with the file's name: it cannot be opened or read, it is a folder, its packed data are damaged
+/// or end too early.
+class InputFile
+{
+public:
+    explicit InputFile(const std::string& path);
+    InputFile(const InputFile& other) = delete;
+    InputFile& operator=(const InputFile& other) = delete;
+    ~InputFile();
+
+    /// Fills bytes as far as it can; fewer than capacity, and 0 at last, at the end alone.
+    std::size_t read(char* bytes, std::size_t capacity);
+
+    /// For messages: the path, or "standard input".
+    const std::string& getName() const
+    {
+        return name;
+    }
+
+private:
+    struct Inflater;
+
+    std::size_t readRaw(char* bytes, std::size_t capacity);
+    std::size_t readPacked(char* bytes, std::size_t capacity);
+    void detectGzip();
+
+    std::string name;
+    int descriptor = -1;
+    std::string head; // the first bytes, read to tell what they are
+    std::size_t headUsed = 0;
+    std::unique_ptr<Inflater> inflater; // null: plain
+};
+
+/// Whether a path stands for standard input or output.
+inline bool isStandardStream(const std::string& path)
+{
+    return path == "-";
+}
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,61 @@
+#ifndef FENN_HOST_FILES_OUTPUTFILE_H
+#define FENN_HOST_FILES_OUTPUTFILE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace krige
+{
+
+/// A file that appears whole or not at all: written beside its place under a temporary name, and renamed by commit. An
+/// object that goes without commit removes the temporary file, and so do SIGINT, SIGTERM and SIGHUP. What stood at the
+/// path before stays until then.
+///
+/// A symbolic link keeps its place: the file it points to is replaced. What is there and is no regular file (a pipe, a
+/// device) is written to directly, as is standard output where the path is "-". A name that ends in .gz packs what is
+/// written by gzip; the same text gives the same bytes.
+///
+/// Errors are InputError; ClosedPipe when standard output's or a pipe's reader has gone and the signal is ignored. At
+/// most eight objects at a time, on one thread.
+class OutputFile
+{
+public:
+    /// Opens the temporary file; nothing is seen at the path yet.
+    explicit OutputFile(const std::string& path_);
+    OutputFile(const OutputFile& other) = delete;
+    OutputFile& operator=(const OutputFile& other) = delete;
+    ~OutputFile();
+
+    void write(const std::string& text);
+
+    /// Writes over or behind what is there, from this byte on. Throws InputError for what is packed or has no places.
+    void writeAt(std::uint64_t offset, const std::string& bytes);
+
+    /// Makes the file appear; the last call.
+    void commit();
+
+private:
+    struct Deflater;
+
+    void openTemporary();
+    void openStandardOutput();
+    void checkIsOpen() const;
+    void writeRaw(const char* bytes, std::size_t count);
+    void deflateText(const char* text, std::size_t count, bool last);
+    [[noreturn]] void throwWriteError() const;
+    void closeAndRemove();
+
+    std::string path;          // as given, or "standard output", for messages
+    std::string finalPath;     // where the rename goes
+    std::string temporaryPath; // empty: written to directly
+    std::FILE* file = nullptr;
+    std::unique_ptr<Deflater> deflater; // null: plain
+    int slot = -1;                      // in the signal handler's list
+};
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef FENN_HOST_FILES_READSETTINGS_H
+#define FENN_HOST_FILES_READSETTINGS_H
+
+namespace CLI
+{
+class App;
+}
+
+namespace krige
+{
+
+/// How the files of a run are read, with the defaults of the command line.
+struct ReadSettings
+{
+    char delimiter = '\0';    // NUL: chosen by the header row
+    bool skipMissing = false; // a cell without a number is no error
+};
+
+/// Adds --delimiter to a subcommand; reading must live until the command line has been parsed. A value that cannot be
+/// a delimiter ends parsing with UsageError.
+void addDelimiterOption(CLI::App& command, ReadSettings& reading);
+
+/// Adds --delimiter and --skip-missing.
+void addReadOptions(CLI::App& command, ReadSettings& reading);
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,90 @@
+#include "host/model/ModelOptions.h"
+
+#include <set>
+
+#include <CLI/CLI.hpp>
+
+#include "host/files/CsvReader.h"
+#include "host/model/SettingKeys.h"
+#include "host/model/SettingsFile.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+namespace
+{
+
+template <typename Parse>
+CLI::Option* addOption(CLI::App& command, const std::string& name, const char* typeName, Parse parse, const char* help)
+{
+    return command.add_option_function<std::string>(name, parse, help)->type_name(typeName);
+}
+
+} // namespace
+
+std::vector<std::string> parseNames(const std::string& option, const std::string& text)
+{
+    std::vector<std::string> names = splitCsvText(text, option);
+    if (names.empty())
+        throw UsageError(option + ": needs the name of at least one column");
+    for (const std::string& name : names)
+    {
+        if (name.empty())
+            throw UsageError(option + ": " + quoteForMessage(text) + " holds an empty name");
+    }
+    return names;
+}
+
+void addModelOptions(CLI::App& command, ModelOptions& options)
+{
+    command
+        .add_option("SAMPLES", options.samplesPath,
+                    "CSV file of the samples, with a header row; may be packed by gzip; - is standard input. Example: "
+                    "samples.csv")
+        ->type_name("FILE")
+        ->required();
+    // Before the settings: the parser hands out values in this order, so that each of them wins over the file.
+    addOption(
+        command, "--config", "FILE", [&](const std::string& path) { readSettingsFile(path, options.settings); },
+        "Settings file, as krige tune writes it, with lines such as drift = 1 and the names of the options below "
+        "--outputs as keys; an option on the command line wins over it. Default: none. Example: --config best.toml");
+    addOption(
+        command, "--inputs", "NAMES",
+        [&](const std::string& text) { options.inputNames = parseNames("--inputs", text); },
+        "Columns of the coordinates; a name with a comma in quotes, as in 'x,\"a,b\"'. Needed. Example: --inputs x,y")
+        ->required();
+    addOption(
+        command, "--outputs", "NAMES",
+        [&](const std::string& text) { options.outputNames = parseNames("--outputs", text); },
+        "Columns of the values to estimate. Needed. Example: --outputs z")
+        ->required();
+    for (const SettingKey& setting : settingKeys())
+    {
+        const std::string name = std::string("--") + setting.key;
+        addOption(
+            command, name, setting.typeName,
+            [&options, &setting, name](const std::string& text) { setting.apply(options.settings, name, text); },
+            setting.help);
+    }
+    addReadOptions(command, options.reading);
+}
+
+void checkModelOptions(const ModelOptions& options)
+{
+    std::set<std::string> seen;
+    for (const std::vector<std::string>* names : {&options.inputNames, &options.outputNames})
+    {
+        for (const std::string& name : *names)
+        {
+            if (!seen.insert(name).second)
+                throw UsageError("--inputs and --outputs: the column " + quoteForMessage(name) + " is named twice");
+        }
+    }
+    if (!options.settings.scaleFactors.empty() && options.settings.scaleFactors.size() != options.inputNames.size())
+        throw UsageError("--scale: " + countOf(options.settings.scaleFactors.size(), "factor") + " for " +
+                         countOf(options.inputNames.size(), "input") + "; give one each");
+}
+
+} // namespace krige

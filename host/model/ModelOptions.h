@@ -1,0 +1,42 @@
+#ifndef FENN_HOST_MODEL_MODELOPTIONS_H
+#define FENN_HOST_MODEL_MODELOPTIONS_H
+
+#include <string>
+#include <vector>
+
+#include "estimation/ModelSettings.h"
+#include "host/files/ReadSettings.h"
+
+namespace CLI
+{
+class App;
+}
+
+namespace krige
+{
+
+/// What the command line says about a model: where its samples are, which of their columns it takes, and its settings.
+struct ModelOptions
+{
+    std::string samplesPath;
+    ReadSettings reading;
+    std::vector<std::string> inputNames;
+    std::vector<std::string> outputNames;
+    fenn::estimation::ModelSettings settings;
+};
+
+/// Adds SAMPLES, the options of the model and those that say how files are read to a subcommand; options must live
+/// until the command line has been parsed. An option wins over the file of --config. Malformed values end parsing with
+/// UsageError, or within that file with InputError.
+void addModelOptions(CLI::App& command, ModelOptions& options);
+
+/// Column names of an option's text: `x,"a,b"`. Throws UsageError that names the option.
+std::vector<std::string> parseNames(const std::string& option, const std::string& text);
+
+/// Checks what no option can check alone: throws UsageError when a column is named twice or --scale has not one factor
+/// per input.
+void checkModelOptions(const ModelOptions& options);
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,61 @@
+#ifndef FENN_HOST_MODEL_SAMPLEMODEL_H
+#define FENN_HOST_MODEL_SAMPLEMODEL_H
+
+#include <cstddef>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "estimation/ModelSettings.h"
+#include "host/model/SampleTable.h"
+
+class KrigingSurrogateModel;
+
+namespace krige
+{
+
+/// A Kriging model over the samples of a file. Refers to the samples, which must outlive it and stay where they are.
+/// One request at a time.
+class SampleModel
+{
+public:
+    /// Throws InputError in words that name the file and the way out.
+    SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_);
+    SampleModel(const SampleModel& other) = delete;
+    SampleModel& operator=(const SampleModel& other) = delete;
+    ~SampleModel();
+
+    /// Samples that were replaced by averaged points, and the number of these.
+    int getNumMergedSamples() const;
+    int getNumAveragedPoints() const;
+
+    /// Points that the model works on, after merging.
+    int getNumPoints() const;
+
+    /// Whether every estimate uses all points.
+    bool isGlobal() const;
+
+    /// Replaces results, one column per output, by the estimates at the targets: one column per input, equally long,
+    /// with at most as many rows as fit an int. variances, where asked for, becomes one column: the Kriging variance
+    /// for a sill of 1, the same for every output. A target with a coordinate that is not finite never reaches the
+    /// library: it gets NaN throughout. Returns the number of those. Throws InputError likewise.
+    std::size_t estimate(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& results,
+                         std::vector<double>* variances = nullptr) const;
+
+    /// Unbiased variance of an output over the model's points.
+    double getSampleVariance(std::size_t output) const;
+
+private:
+    void request(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& results,
+                 std::vector<double>* variances) const;
+
+    const SampleTable& samples;
+    fenn::estimation::ModelSettings settings;
+    std::set<int> outputVars;
+    std::unique_ptr<KrigingSurrogateModel> model;
+};
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,123 @@
+#include "host/model/SettingKeys.h"
+
+#include <charconv>
+#include <limits>
+#include <string_view>
+#include <system_error>
+
+#include "host/files/CsvReader.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+namespace
+{
+
+constexpr int maxDriftOrder = 4; // more acts as 4 in the library: asking for it is a misunderstanding
+
+double parseSetting(const std::string& option, std::string_view text)
+{
+    double value = 0.0;
+    const NumberStatus status = parseNumber(text, value);
+    if (status == NumberStatus::Missing)
+        throw UsageError(option + ": needs a finite number, not " + quoteForMessage(text));
+    if (status != NumberStatus::Ok)
+        throw UsageError(option + ": " + describeNumberFault(text, status));
+    return value;
+}
+
+double parseSetting(const std::string& option, std::string_view text, double low, double high, const char* bounds)
+{
+    const double value = parseSetting(option, text);
+    if (value < low || value > high)
+        throw UsageError(option + ": must be " + bounds + ", not " + quoteForMessage(text));
+    return value;
+}
+
+int parseCount(const std::string& option, std::string_view text, int high, const std::string& bounds)
+{
+    text = trimBlanks(text);
+    int value = 0;
+    const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || value < 0 || value > high)
+        throw UsageError(option + ": must be a whole number " + bounds + ", not " + quoteForMessage(text));
+    return value;
+}
+
+std::vector<double> parseScaleFactors(const std::string& option, const std::string& text)
+{
+    std::vector<double> factors;
+    for (const std::string& factor : splitCsvText(text, option))
+        factors.push_back(parseSetting(option, factor));
+    if (factors.empty())
+        throw UsageError(option + ": needs one number per input");
+    return factors;
+}
+
+} // namespace
+
+const std::vector<SettingKey>& settingKeys()
+{
+    static const std::vector<SettingKey> keys{
+        {"duplicate-tolerance", "T",
+         "Merge samples that agree within this fraction of every input's range into their mean; 0 merges samples at "
+         "one "
+         "place, a negative one none. Default: -1. Example: --duplicate-tolerance 0",
+         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         {
+             settings.duplicateTolerance = parseSetting(name, text);
+         }},
+        {"scale", "NUMBERS",
+         "One factor per input: s > 0 is its scale relative to the others, -k asks for a normalised range of 2k. "
+         "Default: "
+         "-1 each, every input counts alike. Example: --scale 1,10",
+         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         {
+             settings.scaleFactors = parseScaleFactors(name, text);
+         }},
+        {"drift", "P", "Degree of the polynomial drift, 0 (a constant mean) to 4. Default: 0. Example: --drift 1",
+         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         {
+             settings.driftOrder = parseCount(name, text, maxDriftOrder, "from 0 to 4");
+         }},
+        {"range", "F",
+         "Range of the semivariogram over the diagonal of the samples' normalised box. Default: 1. Example: --range "
+         "0.5",
+         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         {
+             settings.rangeFraction = parseSetting(name, text, 0.0, std::numeric_limits<double>::max(), "at least 0");
+         }},
+        {"nugget", "C",
+         "Nugget as a fraction of the sill, 0 to 1; above 0 it smooths noisy samples. Default: 0. Example: --nugget "
+         "0.05",
+         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         {
+             settings.nugget = parseSetting(name, text, 0.0, 1.0, "between 0 and 1");
+         }},
+        {"nearest", "N",
+         "Estimate each target from its N nearest samples; 0: from all of them. Default: 0. Example: --nearest 32",
+         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         {
+             settings.numNearestPoints = parseCount(name, text, std::numeric_limits<int>::max(), "of at least 0");
+         }}};
+    return keys;
+}
+
+void applySetting(fenn::estimation::ModelSettings& settings, const std::string& key, const std::string& text)
+{
+    std::string names;
+    for (const SettingKey& known : settingKeys())
+    {
+        if (key == known.key)
+        {
+            known.apply(settings, key, text);
+            return;
+        }
+        names += (names.empty() ? "" : ", ") + std::string(known.key);
+    }
+    throw UsageError(quoteForMessage(key) + " is no setting; the settings are " + names);
+}
+
+} // namespace krige

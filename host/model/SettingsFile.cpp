@@ -1,0 +1,109 @@
+#include "host/model/SettingsFile.h"
+
+#include <algorithm>
+#include <map>
+#include <string_view>
+
+#include "host/files/InputFile.h"
+#include "host/model/SettingKeys.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+namespace
+{
+
+constexpr std::size_t mostBytes = std::size_t{1} << 20; // more is no settings file
+
+std::string readWhole(const std::string& path)
+{
+    InputFile file(path);
+    std::string text(mostBytes + 1, '\0');
+    std::size_t size = 0;
+    while (size < text.size())
+    {
+        const std::size_t count = file.read(text.data() + size, text.size() - size);
+        if (count == 0)
+            break;
+        size += count;
+    }
+    if (size > mostBytes)
+        throw InputError(file.getName() + ": too long for a settings file");
+    text.resize(size);
+    return text;
+}
+
+std::string_view withoutBrackets(std::string_view value)
+{
+    if (value.size() >= 2 && value.front() == '[' && value.back() == ']')
+        return trimBlanks(value.substr(1, value.size() - 2));
+    return value;
+}
+
+void appendSetting(std::string& text, const char* key, const std::string& value)
+{
+    text += std::string(key) + " = " + value + '\n';
+}
+
+} // namespace
+
+std::string settingsFileText(const fenn::estimation::ModelSettings& settings)
+{
+    std::string text = "# Settings of a krige model, for --config\n";
+    appendSetting(text, "duplicate-tolerance", formatNumber(settings.duplicateTolerance));
+    if (!settings.scaleFactors.empty())
+    {
+        std::string factors;
+        for (const double factor : settings.scaleFactors)
+            factors += (factors.empty() ? "[" : ", ") + formatNumber(factor);
+        appendSetting(text, "scale", factors + "]");
+    }
+    appendSetting(text, "drift", std::to_string(settings.driftOrder));
+    appendSetting(text, "range", formatNumber(settings.rangeFraction));
+    appendSetting(text, "nugget", formatNumber(settings.nugget));
+    appendSetting(text, "nearest", std::to_string(settings.numNearestPoints));
+    return text;
+}
+
+void readSettingsFile(const std::string& path, fenn::estimation::ModelSettings& settings)
+{
+    const std::string text = readWhole(path);
+    std::map<std::string, std::size_t> lineOfKey;
+    std::size_t lineNumber = 0;
+    for (std::size_t begin = 0; begin < text.size();)
+    {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        std::string_view line = std::string_view(text).substr(begin, end - begin);
+        begin = end + 1;
+        ++lineNumber;
+        if (!line.empty() && line.back() == '\r')
+            line.remove_suffix(1);
+        line = trimBlanks(line.substr(0, line.find('#')));
+        if (line.empty())
+            continue;
+
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos)
+            throw InputError::atLine(
+                path, lineNumber, quoteForMessage(line) + " is no setting; write KEY = VALUE, for instance drift = 1");
+        const std::string key(trimBlanks(line.substr(0, equals)));
+        const std::string value(withoutBrackets(trimBlanks(line.substr(equals + 1))));
+        const auto known = lineOfKey.emplace(key, lineNumber);
+        if (!known.second)
+            throw InputError::atLine(path, lineNumber,
+                                     quoteForMessage(key) + " stands in line " + std::to_string(known.first->second) +
+                                         " already; keep one of them");
+        try
+        {
+            applySetting(settings, key, value);
+        }
+        catch (const UsageError& error)
+        {
+            throw InputError::atLine(path, lineNumber, error.what());
+        }
+    }
+}
+
+} // namespace krige

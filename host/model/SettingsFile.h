@@ -1,0 +1,30 @@
+#ifndef FENN_HOST_MODEL_SETTINGSFILE_H
+#define FENN_HOST_MODEL_SETTINGSFILE_H
+
+#include <string>
+
+#include "estimation/ModelSettings.h"
+
+namespace krige
+{
+
+/// A settings file holds what a model is built with beside its samples, so that one run can hand it to the next. It is
+/// a flat TOML document whose keys are the long names of the model's options:
+///
+///     # comment
+///     drift = 1
+///     range = 0.35
+///     scale = [1, -2]
+///
+/// Keys that are left out keep their values. An array may also stand without its brackets.
+
+/// The file that makes readSettingsFile give these settings, to the bit. Scale factors are left out when automatic.
+std::string settingsFileText(const fenn::estimation::ModelSettings& settings);
+
+/// Replaces the settings that the file names. Throws InputError with file and line for anything but known keys, each
+/// once, with the values that their options take.
+void readSettingsFile(const std::string& path, fenn::estimation::ModelSettings& settings);
+
+} // namespace krige
+
+#endif

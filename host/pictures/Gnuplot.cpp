@@ -1,0 +1,261 @@
+#include "host/pictures/Gnuplot.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+#include <system_error>
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "host/files/OutputFile.h"
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+extern char** environ; // NOLINT(readability-redundant-declaration): not every system's headers declare it
+
+namespace krige
+{
+
+const char* const viridisPalette = "set palette defined (0 '#440154', 1 '#472d7b', 2 '#3b528b', 3 '#2c728e', "
+                                   "4 '#21918c', 5 '#28ae80', 6 '#5ec962', 7 '#addc30', 8 '#fde725')\n";
+
+namespace
+{
+
+constexpr int panelWidth = 760;
+constexpr int panelHeight = 600;
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+bool endsWith(const std::string& text, const char* ending)
+{
+    const std::string_view tail(ending);
+    return text.size() > tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+bool isOnPath(const std::string& program)
+{
+    const char* const path = std::getenv("PATH");
+    std::string_view folders = path ? path : "/usr/bin:/bin";
+    while (true)
+    {
+        const std::size_t colon = folders.find(':');
+        const std::string folder(folders.substr(0, colon));
+        if (::access((folder.empty() ? program : folder + "/" + program).c_str(), X_OK) == 0)
+            return true;
+        if (colon == std::string_view::npos)
+            return false;
+        folders.remove_prefix(colon + 1);
+    }
+}
+
+[[noreturn]] void throwMissingGnuplot(const std::string& path)
+{
+    throw InputError(path + ": gnuplot, which draws pictures, is not installed; install it (Debian: gnuplot-nox), or "
+                            "write its script with --plot FILE.gp");
+}
+
+/// Without a name, so that nothing is left behind whatever happens.
+File openNameless()
+{
+    File file(std::tmpfile(), &std::fclose);
+    if (!file)
+        throw InputError("a temporary file cannot be made: " + std::generic_category().message(errno));
+    return file;
+}
+
+std::string readAll(std::FILE* file)
+{
+    std::string text;
+    std::rewind(file);
+    char block[65536];
+    for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, file)) > 0;)
+        text.append(block, count);
+    return text;
+}
+
+/// What gnuplot writes to its standard output for a script.
+std::string runGnuplot(const std::string& path, const std::string& script)
+{
+    const File input = openNameless();
+    const File output = openNameless();
+    const File messages = openNameless();
+    if (std::fwrite(script.data(), 1, script.size(), input.get()) != script.size() || std::fflush(input.get()) != 0)
+        throw InputError("a temporary file cannot be written: " + std::generic_category().message(errno));
+    std::rewind(input.get());
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ::fileno(input.get()), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, ::fileno(output.get()), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, ::fileno(messages.get()), STDERR_FILENO);
+    char program[] = "gnuplot";
+    char ignoreStartUpFiles[] = "-d";
+    char scriptFile[] = "/dev/fd/0"; // as a file: standard input itself would be read like a terminal
+    char* arguments[] = {program, ignoreStartUpFiles, scriptFile, nullptr};
+    pid_t process = 0;
+    const int spawned = ::posix_spawnp(&process, program, &actions, nullptr, arguments, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned == ENOENT)
+        throwMissingGnuplot(path);
+    if (spawned != 0)
+        throw InputError(path + ": gnuplot cannot be started: " + std::generic_category().message(spawned));
+    int waitStatus = 0;
+    while (::waitpid(process, &waitStatus, 0) < 0)
+    {
+        if (errno != EINTR)
+            throw InputError(path + ": gnuplot was lost: " + std::generic_category().message(errno));
+    }
+    std::string picture = readAll(output.get());
+    if (!WIFEXITED(waitStatus) || WEXITSTATUS(waitStatus) != 0 || picture.empty())
+    {
+        std::string message = readAll(messages.get());
+        message.erase(0, message.find_first_not_of(" \t\r\n"));
+        throw InputError(path + ": gnuplot failed: " + quoteForMessage(message.substr(0, message.find('\n'))));
+    }
+    return picture;
+}
+
+/// Length of the UTF-8 character at the front of text, 0 where there is none.
+std::size_t characterLength(std::string_view text)
+{
+    const auto byteAt = [&](std::size_t i)
+    {
+        return static_cast<unsigned char>(text[i]);
+    };
+    const unsigned char first = byteAt(0);
+    if (first < 0x80)
+        return 1;
+    const std::size_t length = first >= 0xf5 ? 0 : first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : first >= 0xc2 ? 2 : 0;
+    if (length == 0 || text.size() < length)
+        return 0;
+    for (std::size_t i = 1; i < length; ++i)
+    {
+        if ((byteAt(i) & 0xc0) != 0x80)
+            return 0;
+    }
+    const unsigned char second = byteAt(1);
+    const bool isOverlong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
+    const bool isNoCharacter = (first == 0xed && second >= 0xa0) || (first == 0xf4 && second >= 0x90) ||
+                               (first == 0xc2 && second < 0xa0) || // a control character
+                               (first == 0xef && second == 0xbf && byteAt(2) >= 0xbe);
+    return isOverlong || isNoCharacter ? 0 : length;
+}
+
+} // namespace
+
+std::string Picture::addData(const std::vector<std::vector<double>>& columns)
+{
+    const std::string name = "$data" + std::to_string(++numDataBlocks);
+    dataBlocks += name + " << END_OF_DATA\n";
+    for (std::size_t i = 0; i < columns.front().size(); ++i)
+    {
+        for (const std::vector<double>& column : columns)
+        {
+            appendNumber(dataBlocks, column[i]);
+            dataBlocks += ' ';
+        }
+        dataBlocks.back() = '\n';
+    }
+    dataBlocks += "END_OF_DATA\n";
+    return name;
+}
+
+void Picture::addPanel(std::string commands)
+{
+    panels.push_back(std::move(commands));
+}
+
+std::string Picture::buildScript(const std::string& terminalLines) const
+{
+    std::string script = "# Made by krige. Draw it with: gnuplot FILE\n" + dataBlocks + "set encoding utf8\n" +
+                         terminalLines + "set datafile missing 'nan'\n";
+    const auto numColumns = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(panels.size()))));
+    const std::size_t numRows = (panels.size() + numColumns - 1) / numColumns;
+    if (panels.size() > 1)
+        script += "set multiplot layout " + std::to_string(numRows) + "," + std::to_string(numColumns) + "\n";
+    for (const std::string& panel : panels)
+        script += "reset\nset tics out nomirror\n" + panel;
+    if (panels.size() > 1)
+        script += "unset multiplot\n";
+    return script + "unset output\n";
+}
+
+void Picture::save(const std::string& path) const
+{
+    const auto numColumns = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(panels.size()))));
+    const int numRows = (static_cast<int>(panels.size()) + numColumns - 1) / numColumns;
+    const std::string size =
+        " size " + std::to_string(numColumns * panelWidth) + "," + std::to_string(numRows * panelHeight);
+    const std::string png = "set terminal pngcairo noenhanced font 'sans,13'" + size + "\n";
+    const std::string svg = "set terminal svg noenhanced standalone font 'sans,13' background '#ffffff'" + size + "\n";
+
+    std::string content;
+    if (endsWith(path, ".gp"))
+        content = buildScript(png + "set output " + quoteForGnuplot(path.substr(0, path.size() - 3) + ".png") + "\n");
+    else
+        content = runGnuplot(path, buildScript(endsWith(path, ".svg") ? svg : png));
+    OutputFile file(path);
+    file.write(content);
+    file.commit();
+}
+
+void checkPicturePath(const std::string& path)
+{
+    const bool isScript = endsWith(path, ".gp");
+    if (!isScript && !endsWith(path, ".png") && !endsWith(path, ".svg"))
+        throw UsageError("--plot: " + quoteForMessage(path) +
+                         " must end in .png or .svg for a picture, or in .gp for its gnuplot script");
+    if (!isScript && !isOnPath("gnuplot"))
+        throwMissingGnuplot(path);
+}
+
+std::string quoteForGnuplot(std::string_view text)
+{
+    constexpr std::size_t mostCharacters = 100;
+    std::string quoted = "'";
+    std::size_t numCharacters = 0;
+    while (!text.empty())
+    {
+        if (++numCharacters > mostCharacters)
+            return quoted + "...'";
+        const std::size_t length = characterLength(text);
+        const auto byte = static_cast<unsigned char>(text.front());
+        if (length == 0 || byte < 0x20 || byte == 0x7f)
+            quoted += '?';
+        else if (byte == '\'')
+            quoted += "''";
+        else
+            quoted += text.substr(0, length);
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return quoted + "'";
+}
+
+std::string plotRange(const std::vector<double>& values, double margin)
+{
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (const double value : values)
+    {
+        if (!std::isfinite(value))
+            continue;
+        low = std::min(low, value);
+        high = std::max(high, value);
+    }
+    if (low > high)
+        return "[0:1]";
+    const double extent = high / 2 - low / 2; // half of it: the whole may overflow
+    // Below a few thousand spacings of doubles gnuplot cannot place tics.
+    const double least = 1e-9 * std::max(std::fabs(low), std::fabs(high));
+    const double added = extent > least ? 2 * margin * extent : std::max(0.05 * std::fabs(low), 1e-6);
+    return "[" + formatNumber(low - added) + ":" + formatNumber(high + added) + "]";
+}
+
+} // namespace krige

@@ -1,0 +1,58 @@
+#ifndef FENN_HOST_PICTURES_GNUPLOT_H
+#define FENN_HOST_PICTURES_GNUPLOT_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace krige
+{
+
+/// A picture as a gnuplot script with its data inline: panels side by side, in rows.
+///
+/// Nothing of a file reaches gnuplot as a command: names pass through quote, data blocks hold numbers only, and gnuplot
+/// is started without a shell, without the user's start-up files, with the script as a file.
+class Picture
+{
+public:
+    /// columns: of one length; NaN stands for "no value". Returns the block's name in the script. Where rowLength is
+    /// not 0 a blank line follows every so many rows.
+    std::string addData(const std::vector<std::vector<double>>& columns);
+
+    /// Commands that draw one panel, ended by a line end each; what they set is reset afterwards.
+    void addPanel(std::string commands);
+
+    /// Writes a .png or .svg by gnuplot or, for .gp, the script, which makes a .png of the same name. The file appears
+    /// when it is complete. Throws InputError, with gnuplot's message where it failed.
+    void save(const std::string& path) const;
+
+    std::size_t getNumPanels() const
+    {
+        return panels.size();
+    }
+
+private:
+    std::string buildScript(const std::string& terminalLines) const;
+
+    std::string dataBlocks;
+    std::size_t numDataBlocks = 0;
+    std::vector<std::string> panels;
+};
+
+/// Throws UsageError for another ending than .png, .svg and .gp, InputError where gnuplot would be needed and is not
+/// there. For before the work that the picture shows.
+void checkPicturePath(const std::string& path);
+
+/// The text as a gnuplot string: nothing in it is expanded. Control characters and what is not UTF-8 become '?', and
+/// a long text is shortened.
+std::string quoteForGnuplot(std::string_view text);
+
+/// "[low:high]" around the values, widened where they are all alike; NaN and infinities count for nothing.
+std::string plotRange(const std::vector<double>& values, double margin);
+
+/// Lines that set a palette of even lightness steps, for greyscale and colour-blind eyes.
+extern const char* const viridisPalette;
+
+} // namespace krige
+
+#endif

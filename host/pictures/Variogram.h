@@ -1,0 +1,37 @@
+#ifndef FENN_HOST_PICTURES_VARIOGRAM_H
+#define FENN_HOST_PICTURES_VARIOGRAM_H
+
+#include <string>
+#include <vector>
+
+#include "analysis/BinnedSemivariogram.h"
+
+class KrigingSurrogateModel;
+
+namespace krige
+{
+
+/// Semivariogram values of the model of the first output, at rising lags.
+struct VariogramCurve
+{
+    std::vector<double> lags;
+    std::vector<double> values; // times the output's sample variance
+};
+
+/// The library's own dump for the first output: "distance empirical modelled count" a line, after two header lines.
+/// path is for messages. Throws InputError where the records of all pairs would not fit into memory.
+std::string dumpOfModel(const KrigingSurrogateModel& model, const std::string& path);
+
+/// CSV text with a header row.
+std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins);
+
+/// From just above lag 0 to maxLag.
+VariogramCurve curveOfModel(const KrigingSurrogateModel& model, double maxLag);
+
+/// dump: empty, or the text of dumpOfModel, drawn as small dots behind the bins. Throws as Picture::save.
+void drawVariogram(const std::string& path, const std::string& outputName, const std::string& dump,
+                   const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve);
+
+} // namespace krige
+
+#endif

@@ -1,0 +1,50 @@
+#include "host/reports/DuplicatesReport.h"
+
+#include <vector>
+
+#include "analysis/MergedGroups.h"
+#include "estimation/SampleSet.h"
+#include "host/files/CsvReader.h"
+#include "host/files/OutputFile.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+void writeDuplicatesReport(const std::string& path, const SampleTable& samples, double tolerance)
+{
+    OutputFile output(path);
+    std::string text = "point,line";
+    for (const std::vector<std::string>* names : {&samples.inputNames, &samples.outputNames})
+    {
+        for (const std::string& name : *names)
+        {
+            text += ',';
+            appendCsvField(text, name);
+        }
+    }
+    text += '\n';
+
+    const auto groups =
+        fenn::analysis::findMergedGroups(fenn::estimation::SampleSet(samples.inputs, samples.outputs), tolerance);
+    for (std::size_t g = 0; g < groups.size(); ++g)
+    {
+        for (const std::size_t i : groups[g])
+        {
+            text += std::to_string(g + 1) + ',' + std::to_string(samples.lines[i]);
+            for (const std::vector<std::vector<double>>* columns : {&samples.inputs, &samples.outputs})
+            {
+                for (const std::vector<double>& column : *columns)
+                {
+                    text += ',';
+                    appendNumber(text, column[i]);
+                }
+            }
+            text += '\n';
+        }
+    }
+    output.write(text);
+    output.commit();
+}
+
+} // namespace krige

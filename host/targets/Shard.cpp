@@ -1,0 +1,48 @@
+#include "host/targets/Shard.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <system_error>
+
+#include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
+
+namespace krige
+{
+
+namespace
+{
+
+bool parsePart(std::string_view text, std::uint64_t& value)
+{
+    const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), value);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+}
+
+} // namespace
+
+std::uint64_t Shard::numBefore(std::uint64_t numTargets) const
+{
+    const std::uint64_t before = index - 1;
+    return numTargets / count * before + std::min(before, numTargets % count);
+}
+
+std::uint64_t Shard::size(std::uint64_t numTargets) const
+{
+    return numTargets / count + (index - 1 < numTargets % count ? 1 : 0);
+}
+
+Shard parseShard(const std::string& text)
+{
+    Shard shard;
+    const std::string_view view = text;
+    const std::size_t slash = view.find('/');
+    if (slash == std::string_view::npos || !parsePart(view.substr(0, slash), shard.index) ||
+        !parsePart(view.substr(slash + 1), shard.count) || shard.index < 1 || shard.index > shard.count)
+        throw UsageError("--shard: must be I/K, the I-th of K parts with I from 1 to K, for instance 1/4, not " +
+                         quoteForMessage(text));
+    return shard;
+}
+
+} // namespace krige

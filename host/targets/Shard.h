@@ -1,0 +1,37 @@
+#ifndef FENN_HOST_TARGETS_SHARD_H
+#define FENN_HOST_TARGETS_SHARD_H
+
+#include <cstdint>
+#include <string>
+
+namespace krige
+{
+
+/// One of several equal parts of a run's targets, in their order. The first parts hold one more when they cannot be
+/// equal.
+struct Shard
+{
+    std::uint64_t index = 1; // from 1
+    std::uint64_t count = 1;
+
+    bool isFirst() const
+    {
+        return index == 1;
+    }
+
+    bool isWhole() const
+    {
+        return count == 1;
+    }
+
+    /// Of numTargets targets: those before this part, and those in it.
+    std::uint64_t numBefore(std::uint64_t numTargets) const;
+    std::uint64_t size(std::uint64_t numTargets) const;
+};
+
+/// Reads `I/K` with 1 <= I <= K. Throws UsageError.
+Shard parseShard(const std::string& text);
+
+} // namespace krige
+
+#endif

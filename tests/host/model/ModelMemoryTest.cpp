@@ -1,0 +1,94 @@
+#include "host/model/ModelMemory.h"
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+#include "host/text/HostErrors.h"
+#include "tests/host/TemporaryFolder.h"
+
+using fenn::estimation::ModelSettings;
+using krige::calcSystemBytes;
+using krige::checkModelMemory;
+using krige::InputError;
+using krige::SampleTable;
+using krige::test::messageOf;
+using testing::AllOf;
+using testing::HasSubstr;
+
+namespace
+{
+
+/// n samples on a line, the last two at one place.
+SampleTable samplesOnALine(std::size_t n)
+{
+    SampleTable samples{"s.csv", {"x"}, {"z"}, {std::vector<double>(n)}, {std::vector<double>(n)}};
+    for (std::size_t i = 0; i + 1 < n; ++i)
+        samples.inputs[0][i] = static_cast<double>(i);
+    samples.inputs[0][n - 1] = samples.inputs[0][n - 2];
+    return samples;
+}
+
+} // namespace
+
+TEST(ModelMemoryTest, ASystemTakesASquareOfDoublesAndAWorkspaceThatLosesWeightAsItGrows)
+{
+    EXPECT_GT(calcSystemBytes(1000, 2, 0), 8.0 * 1001 * 1001);
+    EXPECT_LT(calcSystemBytes(1000, 2, 0), 8.0 * 1001 * 1001 * 1.6);
+    EXPECT_LT(calcSystemBytes(50000, 2, 0), 8.0 * 50001 * 50001 * 1.05);
+}
+
+TEST(ModelMemoryTest, DriftTermsTakeRows)
+{
+    EXPECT_GT(calcSystemBytes(100, 10, 4), 8.0 * 1100 * 1100); // 1000 monomials
+}
+
+TEST(ModelMemoryTest, AModelThatFitsIsTaken)
+{
+    const SampleTable samples = samplesOnALine(100);
+
+    EXPECT_NO_THROW(checkModelMemory(samples, {}, calcSystemBytes(100, 1, 0)));
+}
+
+TEST(ModelMemoryTest, AModelThatDoesNotIsRefusedWithFiguresAndTheWayOut)
+{
+    const SampleTable samples = samplesOnALine(5000);
+
+    EXPECT_THAT(messageOf<InputError>([&] { checkModelMemory(samples, {}, 1e6); }),
+                AllOf(HasSubstr("s.csv: a model over all 5000 points takes 2"), HasSubstr("there are 1 MB left"),
+                      HasSubstr("add --nearest 32")));
+}
+
+TEST(ModelMemoryTest, MergedPointsAreNotCounted)
+{
+    const SampleTable samples = samplesOnALine(100);
+    ModelSettings settings;
+    settings.duplicateTolerance = 0.0;
+
+    EXPECT_NO_THROW(checkModelMemory(samples, settings, calcSystemBytes(99, 1, 0)));
+    EXPECT_THROW(checkModelMemory(samples, {}, calcSystemBytes(99, 1, 0)), InputError);
+}
+
+TEST(ModelMemoryTest, ALocalModelTakesOneSmallSystem)
+{
+    const SampleTable samples = samplesOnALine(5000);
+    ModelSettings settings;
+    settings.numNearestPoints = 50;
+
+    EXPECT_NO_THROW(checkModelMemory(samples, settings, calcSystemBytes(50, 1, 0)));
+    EXPECT_THAT(messageOf<InputError>([&] { checkModelMemory(samples, settings, 1000.0); }),
+                HasSubstr("a system of 50 nearest samples takes"));
+}
+
+TEST(ModelMemoryTest, ThisMachineHasSomeMemoryLeft)
+{
+    EXPECT_GT(krige::findAvailableBytes(), 1e6);
+}
+
+TEST(ModelMemoryTest, BytesAreRoundedToThreeFigures)
+{
+    EXPECT_EQ(krige::formatBytes(12), "12 bytes");
+    EXPECT_EQ(krige::formatBytes(1234), "1.23 kB");
+    EXPECT_EQ(krige::formatBytes(999.7e6), "1 GB");
+    EXPECT_EQ(krige::formatBytes(1.28e12), "1.28 TB");
+}

@@ -1,0 +1,67 @@
+#include "host/model/SettingsFile.h"
+
+#include <gtest/gtest.h>
+
+#include "host/text/HostErrors.h"
+#include "tests/host/TemporaryFolder.h"
+
+using fenn::estimation::ModelSettings;
+using krige::test::TemporaryFolder;
+
+namespace
+{
+
+ModelSettings readBack(const ModelSettings& settings)
+{
+    const TemporaryFolder folder;
+    ModelSettings result;
+    result.driftOrder = 4; // anything but what is written
+    result.numNearestPoints = 99;
+    krige::readSettingsFile(folder.write("s.toml", krige::settingsFileText(settings)), result);
+    return result;
+}
+
+} // namespace
+
+TEST(SettingsFileTest, WhatIsWrittenReadsBackToTheSameBits)
+{
+    ModelSettings settings;
+    settings.duplicateTolerance = 1e-7;
+    settings.scaleFactors = {1.0 / 3.0, -2.0, 1e-100};
+    settings.driftOrder = 2;
+    settings.rangeFraction = 0.1 + 0.2;
+    settings.nugget = 5e-324;
+    settings.numNearestPoints = 32;
+
+    const ModelSettings result = readBack(settings);
+
+    EXPECT_EQ(result.duplicateTolerance, settings.duplicateTolerance);
+    EXPECT_EQ(result.scaleFactors, settings.scaleFactors);
+    EXPECT_EQ(result.driftOrder, settings.driftOrder);
+    EXPECT_EQ(result.rangeFraction, settings.rangeFraction);
+    EXPECT_EQ(result.nugget, settings.nugget);
+    EXPECT_EQ(result.numNearestPoints, settings.numNearestPoints);
+}
+
+TEST(SettingsFileTest, DefaultsReadBackAsDefaults)
+{
+    const ModelSettings result = readBack(ModelSettings());
+
+    EXPECT_EQ(result.duplicateTolerance, -1.0);
+    EXPECT_TRUE(result.scaleFactors.empty());
+    EXPECT_EQ(result.driftOrder, 0);
+    EXPECT_EQ(result.rangeFraction, 1.0);
+    EXPECT_EQ(result.nugget, 0.0);
+    EXPECT_EQ(result.numNearestPoints, 0);
+}
+
+TEST(SettingsFileTest, KeysThatAreLeftOutKeepTheirValues)
+{
+    const TemporaryFolder folder;
+    ModelSettings settings;
+    settings.nugget = 0.25;
+    krige::readSettingsFile(folder.write("s.toml", "scale = 1, 2\n"), settings);
+
+    EXPECT_EQ(settings.nugget, 0.25);
+    EXPECT_EQ(settings.scaleFactors, (std::vector<double>{1.0, 2.0}));
+}
