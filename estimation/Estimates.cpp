@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "estimation/Estimator.h"
+#include "estimation/SampleSet.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
@@ -28,13 +29,17 @@ std::vector<std::size_t> findFiniteRows(const Columns& targets)
     return rows;
 }
 
-void estimateFinite(const Estimator& estimator, const Columns& targets, bool wantsVariances, Estimates& estimates)
+Targets targetsIn(const Columns& columns)
 {
-    Targets request;
-    request.count = targets.front().size();
-    for (const std::vector<double>& column : targets)
-        request.coords.push_back(column.data());
+    Targets targets;
+    targets.count = columns.front().size();
+    for (const std::vector<double>& column : columns)
+        targets.coords.push_back(column.data());
+    return targets;
+}
 
+void estimateFinite(const Estimator& estimator, const Targets& request, bool wantsVariances, Estimates& estimates)
+{
     estimates.values.resize(static_cast<std::size_t>(estimator.getParts().getDataBlock().getNumOutputVars()));
     estimates.variances.resize(wantsVariances ? request.count : 0);
     Results results;
@@ -65,7 +70,7 @@ std::size_t estimateAt(const Estimator& estimator, const Columns& targets, bool 
     const std::vector<std::size_t> finiteRows = findFiniteRows(targets);
     if (finiteRows.size() == numTargets)
     {
-        estimateFinite(estimator, targets, wantsVariances, estimates);
+        estimateFinite(estimator, targetsIn(targets), wantsVariances, estimates);
         return 0;
     }
 
@@ -75,12 +80,23 @@ std::size_t estimateAt(const Estimator& estimator, const Columns& targets, bool 
         for (const std::size_t t : finiteRows)
             finite[v].push_back(targets[v][t]);
     }
-    estimateFinite(estimator, finite, wantsVariances, estimates);
+    estimateFinite(estimator, targetsIn(finite), wantsVariances, estimates);
     for (std::vector<double>& column : estimates.values)
         spread(column, finiteRows, numTargets);
     if (wantsVariances)
         spread(estimates.variances, finiteRows, numTargets);
     return numTargets - finiteRows.size();
+}
+
+Estimates estimateAt(const Estimator& estimator, const SampleSet& targets)
+{
+    Targets request;
+    request.count = targets.getNumSamples();
+    for (std::size_t v = 0; v < targets.getNumInputVars(); ++v)
+        request.coords.push_back(targets.getInput(v).data());
+    Estimates estimates;
+    estimateFinite(estimator, request, true, estimates);
+    return estimates;
 }
 
 } // namespace fenn::estimation

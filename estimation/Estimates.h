@@ -8,6 +8,7 @@ namespace fenn::estimation
 {
 
 class Estimator;
+class SampleSet;
 
 /// What an estimator says of a list of points. NaN stands for "no estimate".
 struct Estimates
@@ -21,6 +22,9 @@ struct Estimates
 /// throughout. Returns the number of those. Throws as Estimator::estimate.
 std::size_t estimateAt(const Estimator& estimator, const std::vector<std::vector<double>>& targets, bool wantsVariances,
                        Estimates& estimates);
+
+/// The estimates, with variances, at the input values of the targets, whose outputs are not looked at.
+Estimates estimateAt(const Estimator& estimator, const SampleSet& targets);
 
 } // namespace fenn::estimation
 

@@ -4,6 +4,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "surrogatemodel_kriging/MagnitudeGuards.h"
+
 namespace fenn::estimation
 {
 
@@ -50,6 +52,11 @@ void checkSettings(const ModelSettings& settings, std::size_t numInputVars)
         reject("the nugget must be 0 to 1", settings.nugget);
     if (settings.numNearestPoints < 0)
         reject("the number of nearest points must be 0 (all) or above", settings.numNearestPoints);
+}
+
+bool isScalableRange(double range)
+{
+    return range > effectivelyZero && range < effectivelyInfinite;
 }
 
 bool usesAllPoints(const ModelSettings& settings, std::size_t numPoints)
