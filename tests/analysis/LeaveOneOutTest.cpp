@@ -1,5 +1,4 @@
 #include "analysis/LeaveOneOut.h"
-#include "analysis/ModelBuilder.h"
 
 #include <cmath>
 #include <memory>
@@ -7,10 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include "estimation/makeModelParts.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
@@ -20,9 +19,9 @@
 namespace
 {
 
-using fenn::analysis::Estimates;
 using fenn::analysis::leaveOneOut;
 using fenn::analysis::LeaveOneOutResult;
+using fenn::estimation::Estimates;
 using fenn::estimation::ModelSettings;
 using fenn::estimation::SampleSet;
 using fenn::test::smoothSamples;
@@ -31,15 +30,9 @@ using fenn::test::smoothSamples;
 /// cleared, its semivariogram and a controller over the rest.
 Estimates refitWithoutEach(const SampleSet& samples, const ModelSettings& settings)
 {
-    const auto full = fenn::analysis::buildModelParts(samples, settings);
-    const SurrogateModelDataBlock& fullBlock = KrigingModelAccess::getDataBlock(*full);
-    const std::vector<Normalizer>& normalizers = KrigingModelAccess::getNormalizers(*full);
-    const std::vector<double>& min = KrigingModelAccess::getMinValues(*full);
-    const std::vector<double>& max = KrigingModelAccess::getMaxValues(*full);
-    SphericalSemivariogram semivariogram(samples.inputArrays(), normalizers, min, max, settings.rangeFraction,
-                                         settings.nugget);
-    std::vector<SourcePointRef> points;
-    fullBlock.getAllUnblankedPts(points);
+    const auto full = fenn::estimation::makeModelParts(samples, settings);
+    const SurrogateModelDataBlock& fullBlock = full->getDataBlock();
+    const std::vector<SourcePointRef>& points = full->getPoints();
     const auto numOutputVars = static_cast<std::size_t>(fullBlock.getNumOutputVars());
 
     Estimates estimates{std::vector<std::vector<double>>(numOutputVars), {}};
@@ -58,13 +51,15 @@ Estimates refitWithoutEach(const SampleSet& samples, const ModelSettings& settin
         }
         const auto blockIndex = static_cast<std::size_t>(point.first);
         flags[blockIndex][static_cast<std::size_t>(point.second)] = false;
-        const SurrogateModelDataBlock others(numPtsInBlocks, inputs, outputs, flags, normalizers, min, max);
+        const SurrogateModelDataBlock others(numPtsInBlocks, inputs, outputs, flags, full->getNormalizers(),
+                                             full->getMinValues(), full->getMaxValues());
         std::unique_ptr<KrigingControllerAbstract> controller;
         if (settings.numNearestPoints == 0)
-            controller = std::make_unique<AllPtsKrigingController>(&others, &semivariogram, settings.driftOrder, 1);
+            controller =
+                std::make_unique<AllPtsKrigingController>(&others, &full->getSemivariogram(), settings.driftOrder, 1);
         else
-            controller = std::make_unique<NPtsKrigingController>(&others, &semivariogram, settings.driftOrder,
-                                                                 settings.numNearestPoints);
+            controller = std::make_unique<NPtsKrigingController>(&others, &full->getSemivariogram(),
+                                                                 settings.driftOrder, settings.numNearestPoints);
 
         std::vector<double*> target = inputs[blockIndex];
         for (double*& array : target)
