@@ -46,11 +46,11 @@ void LocalEstimator::estimate(const Targets& targets, const Results& results) co
                 { systemsOf(slot).estimate(targets, first, end, results); });
 }
 
-void LocalEstimator::estimateWithoutEach(const Results& results) const
+void LocalEstimator::estimateWithoutEach(std::size_t first, std::size_t count, const Results& results) const
 {
-    ranges->run(getParts().getPoints().size(), rangeSize,
-                [&](std::size_t slot, std::size_t first, std::size_t end)
-                { systemsOf(slot).estimateWithoutEach(first, end, results); });
+    ranges->run(count, rangeSize,
+                [&](std::size_t slot, std::size_t begin, std::size_t end)
+                { systemsOf(slot).estimateWithoutEach(first + begin, first + end, results); });
 }
 
 EngineReport LocalEstimator::getReport() const

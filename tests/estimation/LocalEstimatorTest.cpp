@@ -267,7 +267,9 @@ TEST(LocalEstimatorTest, LeavesEachPointOutOfItsOwnEstimate)
         const LocalModel model(shape);
         const std::size_t numPts = model.parts->getPoints().size();
         Columns results(3, std::vector<double>(numPts, unwritten));
-        model.estimator(3).estimateWithoutEach({{results[0].data(), results[1].data()}, results[2].data()});
+        const Results where{{results[0].data(), results[1].data()}, results[2].data()};
+        model.estimator(3).estimateWithoutEach(0, 101, where);
+        model.estimator(2).estimateWithoutEach(101, numPts - 101, where);
 
         for (std::size_t i = 0; i < numPts; ++i)
             ASSERT_TRUE(sameBits({results[0][i], results[1][i], results[2][i]}, model.expected(model.coordsOf(i), i)))
@@ -292,7 +294,7 @@ TEST(LocalEstimatorTest, AmongCoincidentPointsOnlyTheOneOfThePositionIsLeftOut)
     const LocalEstimator estimator = model.estimator(1);
     const std::string text = textOfError(
         [&] {
-            estimator.estimateWithoutEach({{results[0].data(), results[1].data()}, results[2].data()});
+            estimator.estimateWithoutEach(0, 30, {{results[0].data(), results[1].data()}, results[2].data()});
         });
 
     ASSERT_EQ(text, "no Error");
