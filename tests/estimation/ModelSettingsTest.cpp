@@ -40,7 +40,8 @@ TEST(ModelSettingsTest, ComplaintsNameTheSettingAndItsValue)
               "there must be no scale factors or 2, one per input variable, not 1");
     EXPECT_EQ(complaintAbout({-1.0, {1.0, infinity}, 0, 1.0, 0.0, 0}), "a scale factor must be finite, not inf");
     EXPECT_EQ(complaintAbout({-1.0, {}, 5, 1.0, 0.0, 0}), "the drift order must be 0 to 4, not 5");
-    EXPECT_EQ(complaintAbout({-1.0, {}, 0, -0.5, 0.0, 0}), "the range fraction must be finite and at least 0, not -0.5");
+    EXPECT_EQ(complaintAbout({-1.0, {}, 0, -0.5, 0.0, 0}),
+              "the range fraction must be finite and at least 0, not -0.5");
     EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 1.5, 0}), "the nugget must be 0 to 1, not 1.5");
     EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 0.0, -2}),
               "the number of nearest points must be 0 (all) or above, not -2");
