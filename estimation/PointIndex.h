@@ -16,7 +16,7 @@ namespace fenn::estimation
 /// Squared distances are sums over the variables, ascending, of (target - point)^2, every operation rounded once: those
 /// of NearestNeighborSearch with a scale of 1. Nearer is the lower distance and, at equal distance, the lower position.
 /// Points whose squared distance is not finite, and all points for a target that is not, are never found. The tree only
-/// tells which points need not be looked at, with room for the roundings of its own distances.
+/// tells which points need not be looked at.
 ///
 /// Copies the coordinates. Immutable after construction: any number of threads may search, each with neighbours of its
 /// own.

@@ -68,11 +68,6 @@ using Vec = hn::Vec<Tag>;
 constexpr std::size_t kLanes = hn::MaxLanes(Tag());
 static_assert(PointTree::leafSize % kLanes == 0);
 
-// What the lower bound of a subtree's distances may lie above a distance in it: one rounding per variable and a few
-// more on either side, and what underflows.
-constexpr double kRelativeSlack = 0x1p-20;
-constexpr double kAbsoluteSlack = 0x1p-1000;
-
 /// One search. kNumVars: the number of variables, or 0 for any.
 template <std::size_t kNumVars>
 class TreeSearch
@@ -100,7 +95,9 @@ public:
     }
 
 private:
-    /// Distances along each variable that no point of a subtree lies nearer. A few variables stand in the object
+    /// Distances along each variable that no point of a subtree lies nearer. Their sum of squares is made by the very
+    /// operations of a point's distance, none of which has a smaller result for greater operands: rounding included, no
+    /// point of the subtree has a smaller distance. A few variables stand in the object
     /// itself, which the compiler keeps in registers; others in the workspace.
     class Offsets
     {
@@ -187,7 +184,7 @@ private:
                 farther.distance = farther.offsets.calcSquaredDistance(numVars);
                 farther.first = isLower ? middle : subtree.first;
                 farther.end = isLower ? subtree.end : middle;
-                numWaiting += farther.distance <= limit ? 1 : 0;
+                numWaiting += farther.distance <= bound ? 1 : 0;
                 subtree.first = isLower ? subtree.first : middle;
                 subtree.end = isLower ? middle : subtree.end;
             }
@@ -197,7 +194,7 @@ private:
                 if (numWaiting == 0)
                     return;
                 --numWaiting;
-            } while (waiting[numWaiting].distance > limit);
+            } while (waiting[numWaiting].distance > bound);
             subtree.first = waiting[numWaiting].first;
             subtree.end = waiting[numWaiting].end;
             subtree.offsets.copyFrom(waiting[numWaiting].offsets, numVars);
@@ -246,16 +243,10 @@ private:
     {
         if (numCandidates < maxPts)
             return;
-        setBound(closeBound());
+        bound = closeBound();
         keepWithinBound();
         if (numCandidates > maxPts + maxPts / 4 + PointTree::leafSize)
             sortOutTies();
-    }
-
-    void setBound(double distance)
-    {
-        bound = distance;
-        limit = distance * (1.0 + kRelativeSlack) + kAbsoluteSlack;
     }
 
     /// Completes the last vector of candidates.
@@ -403,7 +394,6 @@ private:
     Candidate* const candidates;
     std::size_t numCandidates = 0;
     double bound = std::numeric_limits<double>::max(); // no point farther away is wanted
-    double limit = std::numeric_limits<double>::infinity();
 };
 
 std::size_t findNearestInTree(const PointTree& tree, const double* target, std::size_t maxPts, double* distances,
