@@ -5,10 +5,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/Normalizer.h"
-#include "surrogatemodel_kriging/SemivariogramInterface.h"
-#include "surrogatemodel_kriging/SourcePointRef.h"
+#include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace fenn::analysis
@@ -24,13 +23,12 @@ struct PointColumns
     std::vector<double> output;
 };
 
-PointColumns gatherPoints(const SurrogateModelDataBlock& block, std::size_t outputVar)
+PointColumns gatherPoints(const ModelParts& parts, std::size_t outputVar)
 {
-    std::vector<SourcePointRef> points;
-    block.getAllUnblankedPts(points);
+    const SurrogateModelDataBlock& block = parts.getDataBlock();
     PointColumns columns;
     columns.inputs.resize(static_cast<std::size_t>(block.getNumInputVars()));
-    for (const auto& [b, i] : points)
+    for (const auto& [b, i] : parts.getPoints())
     {
         for (std::size_t v = 0; v < columns.inputs.size(); ++v)
             columns.inputs[v].push_back(block.getInputValueArraysForBlock(b)[v][i]);
@@ -65,34 +63,33 @@ private:
 
 } // namespace
 
-double defaultMaxLag(const KrigingSurrogateModel& model)
+double defaultMaxLag(const ModelParts& parts)
 {
-    const std::vector<Normalizer>& normalizers = KrigingModelAccess::getNormalizers(model);
+    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
     double squaredDiagonal = 0.0;
     for (std::size_t v = 0; v < normalizers.size(); ++v)
     {
-        const double range = (KrigingModelAccess::getMaxValues(model)[v] - KrigingModelAccess::getMinValues(model)[v]) *
-                             normalizers[v].getScale();
+        const double range = (parts.getMaxValues()[v] - parts.getMinValues()[v]) * normalizers[v].getScale();
         squaredDiagonal += range * range;
     }
     return 0.5 * std::sqrt(squaredDiagonal);
 }
 
-std::vector<LagBin> binnedSemivariogram(const KrigingSurrogateModel& model, std::size_t outputVar, std::size_t numLags,
+std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t outputVar, std::size_t numLags,
                                         double maxLag)
 {
-    const SurrogateModelDataBlock& block = KrigingModelAccess::getDataBlock(model);
+    const SurrogateModelDataBlock& block = parts.getDataBlock();
     if (outputVar >= static_cast<std::size_t>(block.getNumOutputVars()))
         throw std::invalid_argument("there is no output variable " + std::to_string(outputVar));
     if (numLags == 0)
         throw std::invalid_argument("the number of lags must be at least 1");
     if (maxLag == 0.0)
-        maxLag = defaultMaxLag(model);
+        maxLag = defaultMaxLag(parts);
     if (!(maxLag > 0.0 && std::isfinite(maxLag)))
         throw std::invalid_argument("the maximum lag must be finite and above 0");
 
-    const std::vector<Normalizer>& normalizers = KrigingModelAccess::getNormalizers(model);
-    const PointColumns points = gatherPoints(block, outputVar);
+    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
+    const PointColumns points = gatherPoints(parts, outputVar);
     const std::size_t numPts = points.output.size();
     const double outputVariance = block.getOutputVarSampleVariance(static_cast<int>(outputVar));
     const double width = maxLag / static_cast<double>(numLags);
@@ -103,8 +100,7 @@ std::vector<LagBin> binnedSemivariogram(const KrigingSurrogateModel& model, std:
         const std::size_t numPartners = numPts - i - 1;
         const PointTail point(points, i, 1);
         const PointTail partners(points, i + 1, numPartners);
-        KrigingModelAccess::getSemivariogram(model).evaluatePairs(point.get(), partners.get(), modelValues.data(),
-                                                                  numPartners);
+        parts.getSemivariogram().evaluatePairs(point.get(), partners.get(), modelValues.data(), numPartners);
         for (std::size_t k = 0; k < numPartners; ++k)
         {
             const std::size_t j = i + 1 + k;

@@ -4,7 +4,10 @@
 #include <cstddef>
 #include <vector>
 
-class KrigingSurrogateModel;
+namespace fenn
+{
+class ModelParts;
+}
 
 namespace fenn::analysis
 {
@@ -21,7 +24,7 @@ struct LagBin
 };
 
 /// Half the diagonal of the normalised sample box: beyond it few pairs, all from the rim of the box, are left.
-double defaultMaxLag(const KrigingSurrogateModel& model);
+double defaultMaxLag(const ModelParts& parts);
 
 /// Empirical (Matheron) semivariogram of an output variable beside the model's, in numLags bins of equal width from lag
 /// 0 to maxLag (normalised; 0 stands for defaultMaxLag), ascending. Over the unordered pairs of different points of the
@@ -31,7 +34,7 @@ double defaultMaxLag(const KrigingSurrogateModel& model);
 ///
 /// For n points n^2/2 evaluations and memory for n. Throws std::invalid_argument for an output variable that does not
 /// exist, for no lags, and for a maximum lag that is not finite and above 0.
-std::vector<LagBin> binnedSemivariogram(const KrigingSurrogateModel& model, std::size_t outputVar, std::size_t numLags,
+std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t outputVar, std::size_t numLags,
                                         double maxLag = 0.0);
 
 } // namespace fenn::analysis

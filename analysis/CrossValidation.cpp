@@ -1,8 +1,8 @@
 #include "analysis/CrossValidation.h"
 
 #include "analysis/Folds.h"
-#include "analysis/ModelBuilder.h"
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "estimation/Estimator.h"
+#include "estimation/chooseEstimator.h"
 
 namespace fenn::analysis
 {
@@ -23,7 +23,8 @@ Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings,
             (folds[i] == fold ? leftOut : remaining).push_back(i);
 
         const SampleSet modelSamples = samples.subset(remaining);
-        const Estimates estimates = estimateAt(*buildModel(modelSamples, settings), samples.subset(leftOut));
+        const Estimates estimates =
+            estimateAt(*estimation::chooseEstimator(modelSamples, settings), samples.subset(leftOut));
         for (std::size_t k = 0; k < leftOut.size(); ++k)
         {
             for (std::size_t w = 0; w < all.values.size(); ++w)

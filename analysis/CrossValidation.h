@@ -4,14 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "analysis/Estimates.h"
-#include "estimation/ModelSettings.h"
 #include "analysis/Progress.h"
+#include "estimation/Estimates.h"
+#include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
 
 namespace fenn::analysis
 {
 
+using estimation::Estimates;
 using estimation::ModelSettings;
 using estimation::SampleSet;
 

@@ -5,9 +5,7 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "surrogatemodel_kriging/KrigingMatrix.h"
-#include "surrogatemodel_kriging/MagnitudeGuards.h"
-#include "surrogatemodel_kriging/Normalizer.h"
+#include "estimation/SystemSize.h"
 
 namespace fenn::analysis
 {
@@ -64,8 +62,7 @@ SearchSpace defaultSearchSpace(const SampleSet& samples)
     space.driftOrders.clear();
     for (const int driftOrder : {0, 1, 2})
     {
-        if (driftOrder == 0 ||
-            numDriftTerms(driftOrder, static_cast<int>(samples.getNumInputVars())) * 4 <= smallestSystem)
+        if (driftOrder == 0 || estimation::countDriftTerms(driftOrder, samples.getNumInputVars()) * 4 <= smallestSystem)
             space.driftOrders.push_back(driftOrder);
     }
     return space;
@@ -91,11 +88,8 @@ SettingsCoordinates::SettingsCoordinates(const SampleSet& samples, const SearchS
     checkSearchSpace(space);
     for (std::size_t v = 0; v < samples.getNumInputVars(); ++v)
     {
-        double min = 0.0;
-        double max = 0.0;
-        findMinMax(samples.getInput(v).data(), static_cast<int>(samples.getNumSamples()), min, max);
-        const double range = max - min;
-        ranges.push_back(range > effectivelyZero && range < effectivelyInfinite ? range : 1.0);
+        const double range = samples.calcInputRange(v);
+        ranges.push_back(estimation::isScalableRange(range) ? range : 1.0);
     }
 }
 

@@ -6,12 +6,11 @@
 #include <stdexcept>
 
 #include "analysis/CrossValidation.h"
-#include "analysis/Estimates.h"
 #include "analysis/Folds.h"
-#include "analysis/ModelBuilder.h"
 #include "analysis/NelderMead.h"
+#include "estimation/Estimator.h"
+#include "estimation/chooseEstimator.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 
 namespace fenn::analysis
 {
@@ -231,7 +230,7 @@ HeldOutScore scoreHeldOut(const SampleSet& tuningSamples, const SampleSet& heldO
     HeldOutScore held;
     try
     {
-        const Estimates estimates = estimateAt(*buildModel(tuningSamples, settings), heldOut);
+        const Estimates estimates = estimateAt(*estimation::chooseEstimator(tuningSamples, settings), heldOut);
         held.statistics = statisticsOf(heldOut, estimates, tuningSamples);
         held.score = scoreOf(held.statistics, tuningSamples, objective);
     }
@@ -250,6 +249,8 @@ TuningResult tune(const SampleSet& samples, const ModelSettings& start, const Se
 {
     checkSettings(start, samples.getNumInputVars());
     checkSearchSpace(space);
+    if (!(start.rangeFraction > 0.0))
+        throw std::invalid_argument("the range fraction to start from must be above 0");
     if (!(options.heldOutFraction >= 0.0 && options.heldOutFraction < 1.0))
         throw std::invalid_argument("the held-out fraction must be at least 0 and below 1");
     if (options.maxTrials == 0)

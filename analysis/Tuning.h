@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "analysis/ErrorStatistics.h"
+#include "analysis/SearchSpace.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
-#include "analysis/SearchSpace.h"
 
 namespace fenn::analysis
 {
@@ -78,9 +78,9 @@ using TrialCallback = std::function<bool(const Trial& trial, std::size_t numDone
 /// The held-out scores are honest ones, for no trial saw those samples; without them all samples are searched on.
 ///
 /// start: the settings to start from and to beat; its duplicate tolerance is kept. maxTrials is reached at most.
-/// Throws std::invalid_argument for settings, search space, a held-out fraction outside [0, 1), no trials or repeats,
-/// or a number of folds that crossValidate would refuse for the samples left. A failing trial is a bad one, nothing
-/// more.
+/// Throws std::invalid_argument for settings, a range fraction of 0 to start from, search space, a held-out fraction
+/// outside [0, 1), no trials or repeats, or a number of folds that crossValidate would refuse for the samples left. A
+/// failing trial is a bad one, nothing more.
 TuningResult tune(const SampleSet& samples, const ModelSettings& start, const SearchSpace& space,
                   const TuningOptions& options, const TrialCallback& callback = {});
 

@@ -31,10 +31,10 @@ struct Results
 /// What an estimator is and did, for the report of whoever asked.
 struct EngineReport
 {
-    std::string engine;    // "exact", "covariance form" or "local"
-    std::string sentence;  // which engine answers, why, and how far its answers can be off
-    double bound = 0.0;    // proven on |estimate - exact one| of all targets so far, in sample standard deviations
-    bool isExact = true;   // the plug-in's own bits
+    std::string engine;   // "exact", "covariance form" or "local"
+    std::string sentence; // which engine answers, why, and how far its answers can be off
+    double bound = 0.0;   // proven on |estimate - exact one| of all targets so far, in sample standard deviations
+    bool isExact = true;  // the plug-in's own bits
 };
 
 /// A model that answers targets: one interface, several engines behind it.

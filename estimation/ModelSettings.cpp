@@ -4,6 +4,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "surrogatemodel_kriging/MagnitudeGuards.h"
+
 namespace fenn::estimation
 {
 
@@ -39,17 +41,27 @@ void checkSettings(const ModelSettings& settings, std::size_t numInputVars)
     }
     for (const double factor : settings.scaleFactors)
     {
-        if (!std::isfinite(factor) || factor == 0.0)
-            reject("a scale factor must be finite and not 0", factor);
+        if (!std::isfinite(factor))
+            reject("a scale factor must be finite", factor);
     }
     if (settings.driftOrder < 0 || settings.driftOrder > 4)
         reject("the drift order must be 0 to 4", settings.driftOrder);
-    if (!std::isfinite(settings.rangeFraction) || settings.rangeFraction <= 0.0)
-        reject("the range fraction must be finite and above 0", settings.rangeFraction);
+    if (!std::isfinite(settings.rangeFraction) || settings.rangeFraction < 0.0)
+        reject("the range fraction must be finite and at least 0", settings.rangeFraction);
     if (!(settings.nugget >= 0.0 && settings.nugget <= 1.0))
         reject("the nugget must be 0 to 1", settings.nugget);
     if (settings.numNearestPoints < 0)
         reject("the number of nearest points must be 0 (all) or above", settings.numNearestPoints);
+}
+
+bool isScalableRange(double range)
+{
+    return range > effectivelyZero && range < effectivelyInfinite;
+}
+
+bool usesAllPoints(const ModelSettings& settings, std::size_t numPoints)
+{
+    return settings.numNearestPoints == 0 || static_cast<std::size_t>(settings.numNearestPoints) >= numPoints;
 }
 
 } // namespace fenn::estimation

@@ -22,9 +22,17 @@ struct ModelSettings
 bool operator==(const ModelSettings& a, const ModelSettings& b);
 
 /// Throws std::invalid_argument that names the setting and its value when it is outside what a model of numInputVars
-/// input variables can mean: a NaN tolerance, as many scale factors as variables or none, none of them 0 or not finite,
-/// drift order 0 to 4, a finite positive range fraction, nugget 0 to 1, no negative number of nearest points.
+/// input variables can mean: a NaN tolerance, as many scale factors as variables or none, all of them finite, drift
+/// order 0 to 4, a finite range fraction of at least 0, nugget 0 to 1, no negative number of nearest points. Scale
+/// factors of 0 and other magnitudes that no model takes are left to the library's Error.
 void checkSettings(const ModelSettings& settings, std::size_t numInputVars);
+
+/// Whether a model can scale an input variable automatically whose samples span this range: the library takes it neither
+/// for zero nor for infinite.
+bool isScalableRange(double range);
+
+/// Whether a model of so many points, counted after merging, uses all of them for every estimate.
+bool usesAllPoints(const ModelSettings& settings, std::size_t numPoints);
 
 } // namespace fenn::estimation
 

@@ -1,5 +1,6 @@
 #include "estimation/SampleSet.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -106,6 +107,12 @@ std::vector<double*> SampleSet::inputArrays() const
 std::vector<double*> SampleSet::outputArrays() const
 {
     return pointersInto(outputs);
+}
+
+double SampleSet::calcInputRange(std::size_t inputVar) const
+{
+    const auto [least, greatest] = std::minmax_element(inputs[inputVar].begin(), inputs[inputVar].end());
+    return *greatest - *least;
 }
 
 double SampleSet::calcOutputVariance(std::size_t outputVar) const

@@ -24,6 +24,11 @@ AllPtsKrigingController::AllPtsKrigingController(const SurrogateModelDataBlock* 
 
 AllPtsKrigingController::~AllPtsKrigingController() = default;
 
+const KrigingMatrix& AllPtsKrigingController::getSystem() const
+{
+    return krigingMatrix;
+}
+
 void AllPtsKrigingController::interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars,
                                           int numTargets, std::vector<double*>& values, std::vector<double*>& variances)
 {

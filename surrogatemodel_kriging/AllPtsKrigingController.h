@@ -39,6 +39,9 @@ public:
     void interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars, int numTargets,
                      std::vector<double*>& values, std::vector<double*>& variances) override;
 
+    /// The factorised system over all unblanked points: entry i of getAllUnblankedPts owns row i.
+    const KrigingMatrix& getSystem() const;
+
 private:
     KrigingMatrix krigingMatrix;           // factorised, read-only after construction
     std::vector<SourcePointRef> sourcePts; // entry i owns row i of the system

@@ -11,8 +11,12 @@
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 class KrigingControllerAbstract;
-class KrigingModelAccess;
 class SemivariogramInterface;
+
+namespace fenn
+{
+class ModelAccess;
+}
 
 /// Universal Kriging over scattered samples, with a spherical semivariogram and a polynomial drift.
 ///
@@ -69,7 +73,7 @@ public:
     std::string qualityMetricInformation(int index) override;
 
 private:
-    friend class KrigingModelAccess;
+    friend class fenn::ModelAccess; // for tests
 
     void setupMinMaxOffsetAndScale(const std::vector<double*>& inputValueArrays, int numPoints,
                                    const std::vector<double>& scaleFactors);

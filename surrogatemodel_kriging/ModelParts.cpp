@@ -44,7 +44,7 @@ const SurrogateModelDataBlock& ModelParts::getDataBlock() const
     return *dataBlock;
 }
 
-const SphericalSemivariogram& ModelParts::getSemivariogram() const
+SphericalSemivariogram& ModelParts::getSemivariogram() const
 {
     return *semivariogram;
 }

@@ -35,7 +35,9 @@ public:
     const std::vector<double>& getMaxValues() const;
     const std::vector<Normalizer>& getNormalizers() const;
     const SurrogateModelDataBlock& getDataBlock() const;
-    const SphericalSemivariogram& getSemivariogram() const;
+
+    /// Not const, for controllers take it so; it has no operation that changes it.
+    SphericalSemivariogram& getSemivariogram() const;
 
     /// The unblanked points, block by block, ascending: entry i owns row i of a global system.
     const std::vector<SourcePointRef>& getPoints() const;

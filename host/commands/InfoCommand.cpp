@@ -1,4 +1,6 @@
 #include "host/commands/InfoCommand.h"
+#include "estimation/MergedSamples.h"
+#include "estimation/SystemSize.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +15,6 @@
 #include <CLI/CLI.hpp>
 
 #include "host/files/CsvReader.h"
-#include "host/model/MergedSamples.h"
 #include "host/model/ModelMemory.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleModel.h"
@@ -264,15 +265,15 @@ void InfoCommand::run(std::ostream& out) const
     if (numSamples == 0)
         return;
 
-    const int numCoincident = countCoincidentSamples(samples);
-    const int numPoints = numCoincident == 0 ? numSamples : countPointsAfterMerging(samples, 0.0);
-    if (numCoincident == 0)
+    const fenn::estimation::MergedSamples merged = fenn::estimation::findMergedSamples(samples.inputs, 0.0);
+    const auto numPoints = static_cast<int>(merged.numPoints);
+    if (merged.numMerged == 0)
         out << "coincident: none\n";
     else
-        out << "coincident: " << numCoincident << " of " << numSamples
+        out << "coincident: " << merged.numMerged << " of " << numSamples
             << " samples coincide; --duplicate-tolerance 0 merges them and leaves " << numPoints << " points\n";
 
-    const double bytes = calcSystemBytes(numPoints, static_cast<int>(columns.inputNames.size()), 0);
+    const double bytes = fenn::estimation::calcSystemBytes(merged.numPoints, columns.inputNames.size(), 0);
     const double available = findAvailableBytes();
     out << "global model: " << countOf(static_cast<unsigned>(numPoints), "point") << ", " << formatBytes(bytes)
         << " of memory (there are " << (std::isinf(available) ? "no known limits" : formatBytes(available)) << ")";
@@ -290,7 +291,7 @@ void InfoCommand::run(std::ostream& out) const
             " --delimiter " + quoteForShell(reading.delimiter == '\t' ? "tab" : std::string(1, reading.delimiter));
     if (samples.numSkipped > 0)
         command += " --skip-missing";
-    if (numCoincident > 0)
+    if (merged.numMerged > 0)
         command += " --duplicate-tolerance 0";
     if (bytes > available || cost.buildingSeconds > longBuilding)
         command += " --nearest 32";

@@ -4,14 +4,14 @@
 
 #include <CLI/CLI.hpp>
 
-#include "analysis/ModelBuilder.h"
+#include "estimation/makeModelParts.h"
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
 #include "host/pictures/Gnuplot.h"
 #include "host/pictures/Variogram.h"
 #include "host/reports/Report.h"
 #include "host/text/HostErrors.h"
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 
 namespace krige
 {
@@ -80,18 +80,18 @@ void VariogramCommand::run(std::ostream& out, Console& console) const
                  [&]
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
-                     const auto model = fenn::analysis::buildModelParts(sampleSet, options.settings);
-                     const double limit = maxLag == 0.0 ? fenn::analysis::defaultMaxLag(*model) : maxLag;
+                     const auto parts = fenn::estimation::makeModelParts(sampleSet, options.settings);
+                     const double limit = maxLag == 0.0 ? fenn::analysis::defaultMaxLag(*parts) : maxLag;
                      std::string dump;
                      std::vector<fenn::analysis::LagBin> bins;
                      if (numLags == 0)
-                         dump = dumpOfModel(*model, samples.path);
+                         dump = dumpOfModel(*parts, samples.path);
                      if (numLags > 0 || !plotPath.empty())
-                         bins = fenn::analysis::binnedSemivariogram(*model, 0, numLags > 0 ? numLags : numLagsInPicture,
+                         bins = fenn::analysis::binnedSemivariogram(*parts, 0, numLags > 0 ? numLags : numLagsInPicture,
                                                                     limit);
                      write(out, numLags > 0 ? csvOfBins(bins) : dump);
                      if (!plotPath.empty())
-                         drawVariogram(plotPath, samples.outputNames[0], dump, bins, curveOfModel(*model, limit));
+                         drawVariogram(plotPath, samples.outputNames[0], dump, bins, curveOfModel(*parts, limit));
                  });
 }
 

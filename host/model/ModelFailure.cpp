@@ -1,13 +1,13 @@
 #include "host/model/ModelFailure.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
-#include "host/model/MergedSamples.h"
+#include "estimation/MergedSamples.h"
+#include "estimation/SystemSize.h"
 #include "host/model/ModelMemory.h"
 #include "host/text/NumberText.h"
-#include "surrogatemodel_kriging/KrigingMatrix.h"
-#include "surrogatemodel_kriging/Normalizer.h"
 
 namespace krige
 {
@@ -15,15 +15,15 @@ namespace krige
 namespace
 {
 
-/// Whether the model works on the nearest points; what the library decides after merging.
+std::size_t countPoints(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
+{
+    return fenn::estimation::findMergedSamples(samples.inputs, settings.duplicateTolerance).numPoints;
+}
+
+/// Whether the model works on the nearest points.
 bool isLocal(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
-    if (settings.numNearestPoints == 0)
-        return false;
-    const int numPoints = settings.duplicateTolerance >= 0.0
-                              ? countPointsAfterMerging(samples, settings.duplicateTolerance)
-                              : samples.getNumSamples();
-    return settings.numNearestPoints < numPoints;
+    return !usesAllPoints(settings, countPoints(samples, settings));
 }
 
 std::string describeAvailablePoints(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
@@ -33,9 +33,9 @@ std::string describeAvailablePoints(const SampleTable& samples, const fenn::esti
     const int numSamples = samples.getNumSamples();
     if (settings.duplicateTolerance < 0.0)
         return countOf(static_cast<unsigned>(numSamples), "sample") + (numSamples == 1 ? " is" : " are");
-    const int numPoints = countPointsAfterMerging(samples, settings.duplicateTolerance);
-    return countOf(static_cast<unsigned>(numPoints), "point") + " left of " +
-           countOf(static_cast<unsigned>(numSamples), "sample") + " after merging" + (numPoints == 1 ? " is" : " are");
+    const std::size_t numPoints = countPoints(samples, settings);
+    return countOf(numPoints, "point") + " left of " + countOf(static_cast<unsigned>(numSamples), "sample") +
+           " after merging" + (numPoints == 1 ? " is" : " are");
 }
 
 std::string explainTooFewPoints(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
@@ -47,12 +47,10 @@ std::string explainTooFewPoints(const SampleTable& samples, const fenn::estimati
 }
 
 /// Points that one system is made of.
-int numPointsPerSystem(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
+std::size_t numPointsPerSystem(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
-    if (isLocal(samples, settings))
-        return settings.numNearestPoints;
-    return settings.duplicateTolerance < 0.0 ? samples.getNumSamples()
-                                             : countPointsAfterMerging(samples, settings.duplicateTolerance);
+    const std::size_t numPoints = countPoints(samples, settings);
+    return usesAllPoints(settings, numPoints) ? numPoints : static_cast<std::size_t>(settings.numNearestPoints);
 }
 
 std::string explainUndetermined(const std::string& symptom, const SampleTable& samples,
@@ -78,12 +76,10 @@ std::string explainSmallRange(const SampleTable& samples)
 {
     for (std::size_t v = 0; v < samples.inputs.size(); ++v)
     {
-        double min = 0.0;
-        double max = 0.0;
-        findMinMax(samples.inputs[v].data(), samples.getNumSamples(), min, max);
-        if (!(max - min > 1e-150))
+        const auto [min, max] = std::minmax_element(samples.inputs[v].begin(), samples.inputs[v].end());
+        if (!(*max - *min > 1e-150))
             return "the input " + quoteForMessage(samples.inputNames[v]) + " has one value in all samples (" +
-                   formatNumber(min) + "); leave it out of --inputs, or give it a positive --scale";
+                   formatNumber(*min) + "); leave it out of --inputs, or give it a positive --scale";
     }
     return "an input has one value in all samples; leave it out of --inputs, or give it a positive --scale";
 }
@@ -126,18 +122,17 @@ std::string explainMissingMemory(const SampleTable& samples, const fenn::estimat
 {
     if (settings.numNearestPoints != 0)
         return samples.path + ": there is not enough memory for the model; lower --nearest";
-    const double bytes =
-        calcSystemBytes(samples.getNumSamples(), static_cast<int>(samples.inputs.size()), settings.driftOrder);
-    return samples.path + ": a model over all " + countOf(static_cast<unsigned>(samples.getNumSamples()), "sample") +
-           " takes " + formatBytes(bytes) + " of memory, more than there is; add --nearest 32 to work on the " +
-           "nearest samples";
+    const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
+    const double bytes = fenn::estimation::calcSystemBytes(numSamples, samples.inputs.size(), settings.driftOrder);
+    return samples.path + ": a model over all " + countOf(numSamples, "sample") + " takes " + formatBytes(bytes) +
+           " of memory, more than there is; add --nearest 32 to work on the " + "nearest samples";
 }
 
 std::string describeTooFewPointsForDrift(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
 {
     // One more than the library insists on: its system has one constraint beside the drift's.
-    const int numTerms = numDriftTerms(settings.driftOrder, static_cast<int>(samples.inputs.size()));
-    if (numTerms == 0 || numPointsPerSystem(samples, settings) > numTerms)
+    const int numTerms = fenn::estimation::countDriftTerms(settings.driftOrder, samples.inputs.size());
+    if (numTerms == 0 || numPointsPerSystem(samples, settings) > static_cast<std::size_t>(numTerms))
         return {};
     const std::string text = describeAvailablePoints(samples, settings) + " too few for --drift " +
                              std::to_string(settings.driftOrder) + " in " + countOf(samples.inputs.size(), "input") +
@@ -147,7 +142,7 @@ std::string describeTooFewPointsForDrift(const SampleTable& samples, const fenn:
 
 std::string describeCoincidentSamples(const SampleTable& samples)
 {
-    const int numCoincident = countCoincidentSamples(samples);
+    const std::size_t numCoincident = fenn::estimation::findMergedSamples(samples.inputs, 0.0).numMerged;
     if (numCoincident == 0)
         return {};
     return std::to_string(numCoincident) + " of " + std::to_string(samples.getNumSamples()) + " samples coincide";

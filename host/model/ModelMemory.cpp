@@ -7,15 +7,13 @@
 #include <iterator>
 #include <limits>
 #include <sstream>
-#include <thread>
 
 #include <sys/resource.h>
 
-#include "host/model/MergedSamples.h"
+#include "estimation/MergedSamples.h"
+#include "estimation/SystemSize.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
-#include "surrogatemodel_kriging/KrigingMatrix.h"
-#include "surrogatemodel_kriging/kernels/LuKernels.h"
 
 namespace krige
 {
@@ -101,15 +99,6 @@ double bytesLeftOfAddressSpace()
 
 } // namespace
 
-double calcSystemBytes(int numPoints, int numInputs, int driftOrder)
-{
-    const double dimension = static_cast<double>(numPoints) + numDriftTerms(driftOrder, numInputs) + 1.0;
-    const auto numRows = static_cast<std::size_t>(dimension);
-    const std::size_t workspace = fenn::kernels::luWorkspaceSize(numRows) +
-                                  fenn::kernels::luWorkspaceSize(numRows, std::thread::hardware_concurrency());
-    return sizeof(double) * (dimension * dimension + static_cast<double>(workspace));
-}
-
 double findAvailableBytes()
 {
     constexpr double kibibyte = 1024.0;
@@ -120,18 +109,17 @@ double findAvailableBytes()
 void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
                       double availableBytes)
 {
-    const auto numInputs = static_cast<int>(samples.inputs.size());
-    const auto bytesFor = [&](int numPoints)
+    const auto bytesFor = [&](std::size_t numPoints)
     {
-        return calcSystemBytes(numPoints, numInputs, settings.driftOrder);
+        return fenn::estimation::calcSystemBytes(numPoints, samples.inputs.size(), settings.driftOrder);
     };
-    int numPoints = samples.getNumSamples();
+    auto numPoints = static_cast<std::size_t>(samples.getNumSamples());
     if (bytesFor(numPoints) <= availableBytes)
         return;
     if (settings.duplicateTolerance >= 0.0)
-        numPoints = countPointsAfterMerging(samples, settings.duplicateTolerance);
-    const bool local = settings.numNearestPoints != 0 && settings.numNearestPoints < numPoints;
-    const double bytes = bytesFor(local ? settings.numNearestPoints : numPoints);
+        numPoints = fenn::estimation::findMergedSamples(samples.inputs, settings.duplicateTolerance).numPoints;
+    const bool local = !fenn::estimation::usesAllPoints(settings, numPoints);
+    const double bytes = bytesFor(local ? static_cast<std::size_t>(settings.numNearestPoints) : numPoints);
     if (bytes <= availableBytes)
         return;
     const std::string figures = " takes " + formatBytes(bytes) + " of memory and there are " +
@@ -139,8 +127,8 @@ void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelS
     if (local)
         throw InputError(samples.path + ": a system of " + std::to_string(settings.numNearestPoints) +
                          " nearest samples" + figures + "lower --nearest");
-    throw InputError(samples.path + ": a model over all " + countOf(static_cast<unsigned>(numPoints), "point") +
-                     figures + "add --nearest 32 to work on the nearest samples");
+    throw InputError(samples.path + ": a model over all " + countOf(numPoints, "point") + figures +
+                     "add --nearest 32 to work on the nearest samples");
 }
 
 std::string formatBytes(double bytes)

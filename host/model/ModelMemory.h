@@ -9,11 +9,6 @@
 namespace krige
 {
 
-/// Bytes that one system over this many points takes, its workspace included: a square of doubles over the points, the
-/// drift terms and one constraint, and what the library copies aside while it factorises. Targets are streamed and need
-/// a small, constant amount beside it.
-double calcSystemBytes(int numPoints, int numInputs, int driftOrder);
-
 /// Bytes that this process can still have: what the machine has to give without swapping, within the limits that a
 /// control group or `ulimit -v` set. Infinity where nothing tells.
 double findAvailableBytes();

@@ -1,44 +1,22 @@
 #include "host/model/SampleModel.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <new>
-
+#include "estimation/Estimates.h"
+#include "estimation/Estimator.h"
+#include "estimation/chooseEstimator.h"
+#include "host/model/AnalysisInput.h"
 #include "host/model/ModelFailure.h"
-#include "host/model/ModelMemory.h"
 #include "host/text/HostErrors.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
-#include "surrogatemodel_kriging/KrigingControllerAbstract.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace krige
 {
 
 SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_)
-    : samples(samples_), settings(settings_)
+    : samples(samples_), settings(settings_), sampleSet(toSampleSet(samples_))
 {
-    for (int output = 0; output < static_cast<int>(samples.outputs.size()); ++output)
-        outputVars.insert(outputVars.end(), output);
-    checkModelMemory(samples, settings, findAvailableBytes());
-    try
-    {
-        model = std::make_unique<KrigingSurrogateModel>(
-            arraysOf(samples.inputs), arraysOf(samples.outputs), samples.getNumSamples(), settings.duplicateTolerance,
-            settings.scaleFactors, settings.driftOrder, settings.rangeFraction, settings.nugget,
-            settings.numNearestPoints);
-        model->activateDependentVariables(outputVars);
-    }
-    catch (const SurrogateModelInterface::Error& error)
-    {
-        throw InputError(explainModelFailure(error.what(), samples, settings));
-    }
-    catch (const std::bad_alloc&)
-    {
-        throw InputError(explainMissingMemory(samples, settings));
-    }
+    runExplained(samples, settings, "", [this] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings); });
 }
 
 SampleModel::~SampleModel() = default;
@@ -50,89 +28,44 @@ int SampleModel::getNumMergedSamples() const
 
 int SampleModel::getNumAveragedPoints() const
 {
-    const SurrogateModelDataBlock& dataBlock = KrigingModelAccess::getDataBlock(*model);
-    return dataBlock.getNumBlocks() > 1 ? dataBlock.getNumPtsInBlock(1)
-                                        : 0; // averaged points make a block of their own
+    return static_cast<int>(estimator->getParts().getMergedGroups().size());
 }
 
 int SampleModel::getNumPoints() const
 {
-    return KrigingModelAccess::getDataBlock(*model).getTotalNumUnblankedPoints();
+    return static_cast<int>(estimator->getParts().getPoints().size());
 }
 
 bool SampleModel::isGlobal() const
 {
-    return settings.numNearestPoints == 0 || settings.numNearestPoints >= getNumPoints();
+    return estimator->isGlobal();
 }
 
 std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& targets,
                                   std::vector<std::vector<double>>& results, std::vector<double>* variances) const
 {
-    const std::size_t numTargets = targets.front().size();
-    std::vector<std::size_t> finiteTargets;
-    for (std::size_t t = 0; t < numTargets; ++t)
-    {
-        if (std::all_of(targets.begin(), targets.end(),
-                        [t](const std::vector<double>& column) { return std::isfinite(column[t]); }))
-            finiteTargets.push_back(t);
-    }
-    if (finiteTargets.size() == numTargets)
-    {
-        request(targets, results, variances);
-        return 0;
-    }
-
-    std::vector<std::vector<double>> finite(targets.size());
-    for (std::size_t v = 0; v < targets.size(); ++v)
-    {
-        for (const std::size_t t : finiteTargets)
-            finite[v].push_back(targets[v][t]);
-    }
-    request(finite, results, variances);
-    const auto spread = [&](std::vector<double>& column)
-    {
-        std::vector<double> all(numTargets, std::numeric_limits<double>::quiet_NaN());
-        for (std::size_t i = 0; i < finiteTargets.size(); ++i)
-            all[finiteTargets[i]] = column[i];
-        column.swap(all);
-    };
-    std::for_each(results.begin(), results.end(), spread);
+    fenn::estimation::Estimates estimates;
+    estimates.values.swap(results); // and back: the caller's memory is used again
     if (variances)
-        spread(*variances);
-    return numTargets - finiteTargets.size();
-}
-
-void SampleModel::request(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& results,
-                          std::vector<double>* variances) const
-{
-    const std::size_t numTargets = targets.front().size();
-    results.resize(samples.outputs.size());
-    for (std::vector<double>& result : results)
-        result.resize(numTargets);
-    std::vector<std::vector<double>> varianceColumns;
-    if (variances) // the controllers give one per output, all the same
-        varianceColumns.assign(samples.outputs.size(), std::vector<double>(numTargets));
-    if (numTargets > 0)
+        estimates.variances.swap(*variances);
+    std::size_t numWithoutEstimate = 0;
+    try
     {
-        std::vector<double*> resultArrays = arraysOf(results);
-        std::vector<double*> varianceArrays = arraysOf(varianceColumns);
-        try
-        {
-            KrigingModelAccess::getController(*model).interpolate(
-                arraysOf(targets), outputVars, static_cast<int>(numTargets), resultArrays, varianceArrays);
-        }
-        catch (const SurrogateModelInterface::Error& error)
-        {
-            throw InputError(explainModelFailure(error.what(), samples, settings));
-        }
+        numWithoutEstimate = fenn::estimation::estimateAt(*estimator, targets, variances != nullptr, estimates);
     }
+    catch (const SurrogateModelInterface::Error& error)
+    {
+        throw InputError(explainModelFailure(error.what(), samples, settings));
+    }
+    results.swap(estimates.values);
     if (variances)
-        variances->swap(varianceColumns.front());
+        variances->swap(estimates.variances);
+    return numWithoutEstimate;
 }
 
 double SampleModel::getSampleVariance(std::size_t output) const
 {
-    return KrigingModelAccess::getDataBlock(*model).getOutputVarSampleVariance(static_cast<int>(output));
+    return estimator->getParts().getDataBlock().getOutputVarSampleVariance(static_cast<int>(output));
 }
 
 } // namespace krige

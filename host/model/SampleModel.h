@@ -3,14 +3,16 @@
 
 #include <cstddef>
 #include <memory>
-#include <set>
-#include <string>
 #include <vector>
 
 #include "estimation/ModelSettings.h"
+#include "estimation/SampleSet.h"
 #include "host/model/SampleTable.h"
 
-class KrigingSurrogateModel;
+namespace fenn::estimation
+{
+class Estimator;
+}
 
 namespace krige
 {
@@ -20,7 +22,7 @@ namespace krige
 class SampleModel
 {
 public:
-    /// Throws InputError in words that name the file and the way out.
+    /// Throws InputError in words that name the file and the way out; see runExplained.
     SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_);
     SampleModel(const SampleModel& other) = delete;
     SampleModel& operator=(const SampleModel& other) = delete;
@@ -36,8 +38,8 @@ public:
     /// Whether every estimate uses all points.
     bool isGlobal() const;
 
-    /// Replaces results, one column per output, by the estimates at the targets: one column per input, equally long,
-    /// with at most as many rows as fit an int. variances, where asked for, becomes one column: the Kriging variance
+    /// Replaces results, one column per output, by the estimates at the targets: one column per input, equally long.
+    /// variances, where asked for, becomes one column: the Kriging variance
     /// for a sill of 1, the same for every output. A target with a coordinate that is not finite never reaches the
     /// library: it gets NaN throughout. Returns the number of those. Throws InputError likewise.
     std::size_t estimate(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& results,
@@ -47,13 +49,10 @@ public:
     double getSampleVariance(std::size_t output) const;
 
 private:
-    void request(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& results,
-                 std::vector<double>* variances) const;
-
     const SampleTable& samples;
     fenn::estimation::ModelSettings settings;
-    std::set<int> outputVars;
-    std::unique_ptr<KrigingSurrogateModel> model;
+    fenn::estimation::SampleSet sampleSet; // what the estimator refers to
+    std::unique_ptr<fenn::estimation::Estimator> estimator;
 };
 
 } // namespace krige

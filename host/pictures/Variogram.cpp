@@ -16,9 +16,9 @@
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "surrogatemodel_kriging/KrigingMatrix.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/Normalizer.h"
-#include "surrogatemodel_kriging/SemivariogramInterface.h"
+#include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace krige
@@ -101,12 +101,12 @@ std::vector<std::vector<double>> pointsOfDump(const std::string& dump)
 
 } // namespace
 
-std::string dumpOfModel(const KrigingSurrogateModel& model, const std::string& path)
+std::string dumpOfModel(const fenn::ModelParts& parts, const std::string& path)
 {
-    const SurrogateModelDataBlock& block = KrigingModelAccess::getDataBlock(model);
+    const SurrogateModelDataBlock& block = parts.getDataBlock();
     checkMemory(block, path);
     // The smallest system: the dump looks at the points and the semivariogram only.
-    const KrigingMatrix matrix(block, block.getNumInputVars() + 1, &KrigingModelAccess::getSemivariogram(model), 0);
+    const KrigingMatrix matrix(block, block.getNumInputVars() + 1, &parts.getSemivariogram(), 0);
     const MemoryFile file;
     if (!matrix.writeSemivariogramDump(file.getPath().c_str(), 0))
         throw InputError("the semivariogram cannot be written to memory: /proc is needed for it");
@@ -128,18 +128,18 @@ std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins)
     return text;
 }
 
-VariogramCurve curveOfModel(const KrigingSurrogateModel& model, double maxLag)
+VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag)
 {
     constexpr int numSteps = 200;
-    const std::vector<Normalizer>& normalizers = KrigingModelAccess::getNormalizers(model);
-    const double variance = KrigingModelAccess::getDataBlock(model).getOutputVarSampleVariance(0);
+    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
+    const double variance = parts.getDataBlock().getOutputVarSampleVariance(0);
     std::vector<double> separation(normalizers.size(), 0.0);
     VariogramCurve curve;
     for (int i = 0; i <= numSteps; ++i)
     {
         curve.lags.push_back(maxLag * (i == 0 ? 1e-6 : i / static_cast<double>(numSteps)));
         separation[0] = curve.lags.back() / normalizers[0].getScale();
-        curve.values.push_back(variance * KrigingModelAccess::getSemivariogram(model).evaluate(separation));
+        curve.values.push_back(variance * parts.getSemivariogram().evaluate(separation));
     }
     return curve;
 }

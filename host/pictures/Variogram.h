@@ -6,7 +6,10 @@
 
 #include "analysis/BinnedSemivariogram.h"
 
-class KrigingSurrogateModel;
+namespace fenn
+{
+class ModelParts;
+}
 
 namespace krige
 {
@@ -20,13 +23,13 @@ struct VariogramCurve
 
 /// The library's own dump for the first output: "distance empirical modelled count" a line, after two header lines.
 /// path is for messages. Throws InputError where the records of all pairs would not fit into memory.
-std::string dumpOfModel(const KrigingSurrogateModel& model, const std::string& path);
+std::string dumpOfModel(const fenn::ModelParts& parts, const std::string& path);
 
 /// CSV text with a header row.
 std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins);
 
 /// From just above lag 0 to maxLag.
-VariogramCurve curveOfModel(const KrigingSurrogateModel& model, double maxLag);
+VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag);
 
 /// dump: empty, or the text of dumpOfModel, drawn as small dots behind the bins. Throws as Picture::save.
 void drawVariogram(const std::string& path, const std::string& outputName, const std::string& dump,

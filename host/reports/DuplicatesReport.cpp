@@ -2,8 +2,7 @@
 
 #include <vector>
 
-#include "analysis/MergedGroups.h"
-#include "estimation/SampleSet.h"
+#include "estimation/MergedSamples.h"
 #include "host/files/CsvReader.h"
 #include "host/files/OutputFile.h"
 #include "host/text/NumberText.h"
@@ -25,8 +24,7 @@ void writeDuplicatesReport(const std::string& path, const SampleTable& samples, 
     }
     text += '\n';
 
-    const auto groups =
-        fenn::analysis::findMergedGroups(fenn::estimation::SampleSet(samples.inputs, samples.outputs), tolerance);
+    const auto groups = fenn::estimation::findMergedSamples(samples.inputs, tolerance).groups;
     for (std::size_t g = 0; g < groups.size(); ++g)
     {
         for (const std::size_t i : groups[g])

@@ -381,12 +381,4 @@ double largestMagnitude(const std::vector<double>& values)
     return largest;
 }
 
-KrigingSurrogateModel buildHolder(ModelSample& sample, const ModelSettings& settings)
-{
-    ModelSettings local = settings;
-    local.driftOrder = 0;
-    local.numNearestPoints = sample.numPts - 1;
-    return sample.build(local);
-}
-
 } // namespace fenn::test

@@ -41,10 +41,6 @@ std::vector<double> pointAt(const std::vector<std::vector<double>>& points, std:
 
 double largestMagnitude(const std::vector<double>& values);
 
-/// A model that holds the samples, scales and semivariogram of the settings and is to be asked nothing: local and
-/// without drift, it accepts every system and factorises none.
-KrigingSurrogateModel buildHolder(ModelSample& sample, const ModelSettings& settings);
-
 } // namespace fenn::test
 
 #endif

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "surrogatemodel_kriging/KrigingMatrix.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 
 namespace fenn::test
 {
@@ -93,8 +93,8 @@ ModelFigures measureModel(const HardSystem& system, int numNearestPoints)
     ModelSettings settings = system.settings;
     settings.numNearestPoints = numNearestPoints;
     ModelSample sample(system.inputs, {system.outputs});
-    const KrigingSurrogateModel holder = buildHolder(sample, settings);
-    const std::vector<Normalizer>& normalizers = KrigingModelAccess::getNormalizers(holder);
+    const ModelParts parts = sample.makeParts(settings);
+    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
 
     ModelSample polynomials(system.inputs, polynomialsAt(system.inputs, settings.driftOrder, normalizers));
     const Values within = targetsWithin(system);

@@ -5,7 +5,8 @@
 #include <stdexcept>
 
 #include "surrogatemodel_kriging/KrigingMatrix.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
+#include "surrogatemodel_kriging/ModelParts.h"
+#include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "tests/accuracy/HighPrecisionSystem.h"
 #include "tests/support/MatrixSamples.h"
 #include "tests/support/ThrownError.h"
@@ -120,13 +121,11 @@ double calcSolveRatio(const NaiveLinearSystem::Rows& original, const std::vector
 SystemFigures measure(const HardSystem& system)
 {
     ModelSample sample(system.inputs, {system.outputs});
-    const KrigingSurrogateModel holder = buildHolder(sample, system.settings);
-    const SurrogateModelDataBlock& block = KrigingModelAccess::getDataBlock(holder);
-    std::vector<SourcePointRef> points;
-    block.getAllUnblankedPts(points);
+    const ModelParts parts = sample.makeParts(system.settings);
+    const SurrogateModelDataBlock& block = parts.getDataBlock();
+    const std::vector<SourcePointRef>& points = parts.getPoints();
     std::vector<double> scratch(system.inputs.size());
-    KrigingMatrix matrix(block, sample.numPts, &KrigingModelAccess::getSemivariogram(holder),
-                         system.settings.driftOrder);
+    KrigingMatrix matrix(block, sample.numPts, &parts.getSemivariogram(), system.settings.driftOrder);
     matrix.assemble(points, scratch);
 
     SystemFigures figures;

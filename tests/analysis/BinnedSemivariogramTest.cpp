@@ -1,30 +1,30 @@
 #include "analysis/BinnedSemivariogram.h"
-#include "analysis/ModelBuilder.h"
 
 #include <cmath>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "estimation/makeModelParts.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 #include "tests/estimation/Samples.h"
 
 namespace
 {
 
 using fenn::analysis::binnedSemivariogram;
-using fenn::analysis::buildModel;
 using fenn::analysis::defaultMaxLag;
 using fenn::analysis::LagBin;
+using fenn::estimation::makeModelParts;
 using fenn::estimation::SampleSet;
 
 TEST(BinnedSemivariogramTest, BinsMatchThoseWorkedOutByHand)
 {
     // Normalised as they stand: scale 1. Sample variance 4/3, range 2: the model is 0.6875 at lag 1 and 1 at lag 2.
     const SampleSet samples({{0.0, 1.0, 2.0}}, {{0.0, 2.0, 2.0}});
-    const auto model = buildModel(samples, {});
+    const auto parts = makeModelParts(samples, {});
 
-    const std::vector<LagBin> bins = binnedSemivariogram(*model, 0, 4, 2.0);
+    const std::vector<LagBin> bins = binnedSemivariogram(*parts, 0, 4, 2.0);
 
     ASSERT_EQ(bins.size(), 2U); // two of four hold no pair
     EXPECT_EQ(bins[0].lowerLag, 1.0);
@@ -43,10 +43,10 @@ TEST(BinnedSemivariogramTest, BinsMatchThoseWorkedOutByHand)
 TEST(BinnedSemivariogramTest, LagsAreBoundedByHalfTheDiagonalUnlessSaid)
 {
     const SampleSet samples({{0.0, 1.0, 2.0}}, {{0.0, 2.0, 2.0}});
-    const auto model = buildModel(samples, {});
+    const auto parts = makeModelParts(samples, {});
 
-    EXPECT_EQ(defaultMaxLag(*model), 1.0);
-    const std::vector<LagBin> bins = binnedSemivariogram(*model, 0, 1);
+    EXPECT_EQ(defaultMaxLag(*parts), 1.0);
+    const std::vector<LagBin> bins = binnedSemivariogram(*parts, 0, 1);
     ASSERT_EQ(bins.size(), 1U);
     EXPECT_EQ(bins[0].numPairs, 2U);
 }
@@ -54,10 +54,10 @@ TEST(BinnedSemivariogramTest, LagsAreBoundedByHalfTheDiagonalUnlessSaid)
 TEST(BinnedSemivariogramTest, EveryUnorderedPairCountsOnce)
 {
     const SampleSet samples = fenn::test::smoothSamples(50, 8);
-    const auto model = buildModel(samples, {});
+    const auto parts = makeModelParts(samples, {});
 
     std::size_t numPairs = 0;
-    for (const LagBin& bin : binnedSemivariogram(*model, 1, 13, 100.0))
+    for (const LagBin& bin : binnedSemivariogram(*parts, 1, 13, 100.0))
         numPairs += bin.numPairs;
 
     EXPECT_EQ(numPairs, 50U * 49U / 2U);
@@ -66,10 +66,10 @@ TEST(BinnedSemivariogramTest, EveryUnorderedPairCountsOnce)
 TEST(BinnedSemivariogramTest, BinsAscendAndHoldTheirMeanLag)
 {
     const SampleSet samples = fenn::test::smoothSamples(80, 9);
-    const auto model = buildModel(samples, {});
+    const auto parts = makeModelParts(samples, {});
 
     double lastUpper = 0.0;
-    for (const LagBin& bin : binnedSemivariogram(*model, 0, 20))
+    for (const LagBin& bin : binnedSemivariogram(*parts, 0, 20))
     {
         EXPECT_GE(bin.lowerLag, lastUpper);
         EXPECT_GE(bin.meanLag, bin.lowerLag);
@@ -77,16 +77,16 @@ TEST(BinnedSemivariogramTest, BinsAscendAndHoldTheirMeanLag)
         EXPECT_GT(bin.numPairs, 0U);
         lastUpper = bin.upperLag;
     }
-    EXPECT_EQ(lastUpper, defaultMaxLag(*model));
+    EXPECT_EQ(lastUpper, defaultMaxLag(*parts));
 }
 
 TEST(BinnedSemivariogramTest, MergedSamplesCountAsTheirAverage)
 {
     // 1 and 3 at the same place become 2; its only partner has 6: one pair, half of 16.
     const SampleSet samples({{0.0, 0.0, 2.0}}, {{1.0, 3.0, 6.0}});
-    const auto model = buildModel(samples, {0.0, {}, 0, 1.0, 0.0, 0});
+    const auto parts = makeModelParts(samples, {0.0, {}, 0, 1.0, 0.0, 0});
 
-    const std::vector<LagBin> bins = binnedSemivariogram(*model, 0, 1, 2.0);
+    const std::vector<LagBin> bins = binnedSemivariogram(*parts, 0, 1, 2.0);
 
     ASSERT_EQ(bins.size(), 1U);
     EXPECT_EQ(bins[0].numPairs, 1U);
@@ -96,9 +96,9 @@ TEST(BinnedSemivariogramTest, MergedSamplesCountAsTheirAverage)
 TEST(BinnedSemivariogramTest, CoincidentSamplesThatAreNotMergedFormAPairOfLagZero)
 {
     const SampleSet samples({{0.0, 0.0, 2.0}}, {{1.0, 3.0, 6.0}});
-    const auto model = buildModel(samples, {-1.0, {}, 0, 1.0, 0.25, 2});
+    const auto parts = makeModelParts(samples, {-1.0, {}, 0, 1.0, 0.25, 2});
 
-    const std::vector<LagBin> bins = binnedSemivariogram(*model, 0, 2, 1.0);
+    const std::vector<LagBin> bins = binnedSemivariogram(*parts, 0, 2, 1.0);
 
     ASSERT_EQ(bins.size(), 1U);
     EXPECT_EQ(bins[0].meanLag, 0.0);
@@ -108,12 +108,12 @@ TEST(BinnedSemivariogramTest, CoincidentSamplesThatAreNotMergedFormAPairOfLagZer
 TEST(BinnedSemivariogramTest, WhatCannotBeBinnedIsRefused)
 {
     const SampleSet samples({{0.0, 1.0, 2.0}}, {{0.0, 2.0, 2.0}});
-    const auto model = buildModel(samples, {});
+    const auto parts = makeModelParts(samples, {});
 
-    EXPECT_THROW(binnedSemivariogram(*model, 1, 4), std::invalid_argument);
-    EXPECT_THROW(binnedSemivariogram(*model, 0, 0), std::invalid_argument);
-    EXPECT_THROW(binnedSemivariogram(*model, 0, 4, -1.0), std::invalid_argument);
-    EXPECT_THROW(binnedSemivariogram(*model, 0, 4, std::nan("")), std::invalid_argument);
+    EXPECT_THROW(binnedSemivariogram(*parts, 1, 4), std::invalid_argument);
+    EXPECT_THROW(binnedSemivariogram(*parts, 0, 0), std::invalid_argument);
+    EXPECT_THROW(binnedSemivariogram(*parts, 0, 4, -1.0), std::invalid_argument);
+    EXPECT_THROW(binnedSemivariogram(*parts, 0, 4, std::nan("")), std::invalid_argument);
 }
 
 } // namespace

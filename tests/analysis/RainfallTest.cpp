@@ -1,4 +1,3 @@
-#include "analysis/ModelBuilder.h"
 #include "analysis/Tuning.h"
 
 #include <fstream>
@@ -8,8 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "analysis/Estimates.h"
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "estimation/Estimates.h"
+#include "estimation/Estimator.h"
+#include "estimation/chooseEstimator.h"
 
 // Real data: examples/rainfall/README.md.
 
@@ -50,7 +50,8 @@ TEST(RainfallTest, TuningOnAHundredGaugesPredictsTheOthersToTheYardstick)
     ASSERT_EQ(truth.getNumSamples(), 367U);
     const auto rmseOf = [&](const fenn::estimation::ModelSettings& settings)
     {
-        const auto estimates = fenn::analysis::estimateAt(*fenn::analysis::buildModel(samples, settings), truth);
+        const auto estimates =
+            fenn::estimation::estimateAt(*fenn::estimation::chooseEstimator(samples, settings), truth);
         return fenn::analysis::calcErrorStatistics(truth.getOutput(0), estimates.values[0], {}, 1.0).rmse;
     };
     fenn::analysis::TuningOptions options;

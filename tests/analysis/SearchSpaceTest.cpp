@@ -11,10 +11,10 @@ namespace
 
 using fenn::analysis::checkSearchSpace;
 using fenn::analysis::defaultSearchSpace;
-using fenn::estimation::ModelSettings;
-using fenn::estimation::SampleSet;
 using fenn::analysis::SearchSpace;
 using fenn::analysis::SettingsCoordinates;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
 
 // Ranges 10 and 20.
 const SampleSet oblongSamples({{0.0, 10.0, 5.0}, {0.0, 20.0, 5.0}}, {{1.0, 2.0, 3.0}});

@@ -1,5 +1,4 @@
 #include "analysis/Tuning.h"
-#include "analysis/ModelBuilder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,19 +7,21 @@
 #include <gtest/gtest.h>
 
 #include "analysis/CrossValidation.h"
-#include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "estimation/Estimates.h"
+#include "estimation/Estimator.h"
+#include "estimation/chooseEstimator.h"
 #include "tests/estimation/Samples.h"
 
 namespace
 {
 
-using fenn::estimation::ModelSettings;
-using fenn::estimation::SampleSet;
 using fenn::analysis::SearchSpace;
 using fenn::analysis::Trial;
 using fenn::analysis::tune;
 using fenn::analysis::TuningOptions;
 using fenn::analysis::TuningResult;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
 using fenn::test::smoothSamples;
 
 TuningOptions quickOptions(std::uint64_t seed = 1)
@@ -141,8 +142,8 @@ TEST(TuningTest, HeldOutSamplesScoreWinnerAndStartByTheModelsOfTheOthers)
     }
     const SampleSet remaining = samples.subset(others);
     const SampleSet heldOut = samples.subset(result.heldOutSamples);
-    const auto model = fenn::analysis::buildModel(remaining, {});
-    const std::vector<double> estimates = fenn::analysis::estimateAt(*model, heldOut).values[0];
+    const auto estimator = fenn::estimation::chooseEstimator(remaining, {});
+    const std::vector<double> estimates = fenn::estimation::estimateAt(*estimator, heldOut).values[0];
     double sumSquared = 0.0;
     for (std::size_t k = 0; k < 10; ++k)
         sumSquared += (estimates[k] - heldOut.getOutput(0)[k]) * (estimates[k] - heldOut.getOutput(0)[k]);

@@ -7,9 +7,9 @@
 
 #include "DigestCases.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/Samples.h"
 
 namespace fenn::test
@@ -140,17 +140,17 @@ void addModel(Digest& digest, const Settings& settings, int numTargets, std::uin
     const SampledModel sampled(settings, seed);
     ValueArrays targets(targetsFor(sampled, numTargets, seed + 1000));
     digest.add(askModel(sampled, targets, numTargets));
-    digest.add(askController(KrigingModelAccess::getController(*sampled.model), sampled, targets, numTargets));
+    digest.add(askController(fenn::ModelAccess::getController(*sampled.model), sampled, targets, numTargets));
 }
 
 /// The samples of a global model under a pool of maxThreads threads.
 std::uint64_t askPoolOf(int maxThreads, const SampledModel& sampled, ValueArrays& targets, int numTargets)
 {
-    const std::vector<double>& low = KrigingModelAccess::getMinValues(*sampled.model);
-    const std::vector<double>& high = KrigingModelAccess::getMaxValues(*sampled.model);
-    SphericalSemivariogram semivariogram(low, KrigingModelAccess::getNormalizers(*sampled.model), low, high,
+    const std::vector<double>& low = fenn::ModelAccess::getMinValues(*sampled.model);
+    const std::vector<double>& high = fenn::ModelAccess::getMaxValues(*sampled.model);
+    SphericalSemivariogram semivariogram(low, fenn::ModelAccess::getNormalizers(*sampled.model), low, high,
                                          sampled.settings.rangeFraction, sampled.settings.nugget);
-    AllPtsKrigingController controller(&KrigingModelAccess::getDataBlock(*sampled.model), &semivariogram,
+    AllPtsKrigingController controller(&fenn::ModelAccess::getDataBlock(*sampled.model), &semivariogram,
                                        sampled.settings.driftOrder, maxThreads);
     return askController(controller, sampled, targets, numTargets);
 }
@@ -227,7 +227,7 @@ void overflowingTargets(Digest& digest)
             if (numNearestPoints == 0)
                 digest.add(askPoolOf(1, sampled, targets, 100));
             else
-                digest.add(askController(KrigingModelAccess::getController(*sampled.model), sampled, targets, 100));
+                digest.add(askController(fenn::ModelAccess::getController(*sampled.model), sampled, targets, 100));
         }
     }
 }

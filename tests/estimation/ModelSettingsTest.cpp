@@ -11,9 +11,12 @@ namespace
 {
 
 using fenn::estimation::checkSettings;
+using fenn::estimation::isScalableRange;
 using fenn::estimation::ModelSettings;
+using fenn::estimation::usesAllPoints;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 std::string complaintAbout(const ModelSettings& settings)
 {
@@ -27,7 +30,7 @@ TEST(ModelSettingsTest, DefaultsAreAccepted)
 
 TEST(ModelSettingsTest, LimitsOfEverySettingAreAccepted)
 {
-    EXPECT_NO_THROW(checkSettings({0.0, {1e-9, -3.0}, 4, 1e-9, 1.0, 1000000}, 2));
+    EXPECT_NO_THROW(checkSettings({0.0, {1e-9, -3.0}, 4, 0.0, 1.0, 1000000}, 2));
 }
 
 TEST(ModelSettingsTest, ComplaintsNameTheSettingAndItsValue)
@@ -35,9 +38,10 @@ TEST(ModelSettingsTest, ComplaintsNameTheSettingAndItsValue)
     EXPECT_EQ(complaintAbout({notANumber, {}, 0, 1.0, 0.0, 0}), "the duplicate tolerance must be a number, not nan");
     EXPECT_EQ(complaintAbout({-1.0, {1.0}, 0, 1.0, 0.0, 0}),
               "there must be no scale factors or 2, one per input variable, not 1");
-    EXPECT_EQ(complaintAbout({-1.0, {1.0, 0.0}, 0, 1.0, 0.0, 0}), "a scale factor must be finite and not 0, not 0");
+    EXPECT_EQ(complaintAbout({-1.0, {1.0, infinity}, 0, 1.0, 0.0, 0}), "a scale factor must be finite, not inf");
     EXPECT_EQ(complaintAbout({-1.0, {}, 5, 1.0, 0.0, 0}), "the drift order must be 0 to 4, not 5");
-    EXPECT_EQ(complaintAbout({-1.0, {}, 0, -0.5, 0.0, 0}), "the range fraction must be finite and above 0, not -0.5");
+    EXPECT_EQ(complaintAbout({-1.0, {}, 0, -0.5, 0.0, 0}),
+              "the range fraction must be finite and at least 0, not -0.5");
     EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 1.5, 0}), "the nugget must be 0 to 1, not 1.5");
     EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 0.0, -2}),
               "the number of nearest points must be 0 (all) or above, not -2");
@@ -48,6 +52,28 @@ TEST(ModelSettingsTest, NaNIsRefusedWhereverANumberIsNeeded)
     EXPECT_THROW(checkSettings({-1.0, {1.0, notANumber}, 0, 1.0, 0.0, 0}, 2), std::invalid_argument);
     EXPECT_THROW(checkSettings({-1.0, {}, 0, notANumber, 0.0, 0}, 2), std::invalid_argument);
     EXPECT_THROW(checkSettings({-1.0, {}, 0, 1.0, notANumber, 0}, 2), std::invalid_argument);
+}
+
+TEST(ModelSettingsTest, ScaleFactorsThatOnlyTheLibraryRefusesAreLeftToIt)
+{
+    EXPECT_NO_THROW(checkSettings({-1.0, {0.0, 1e200}, 0, 1.0, 0.0, 0}, 2));
+}
+
+TEST(ModelSettingsTest, AllPointsAreUsedByDefaultAndWhereAsManyAreNearest)
+{
+    const ModelSettings nearestFive{-1.0, {}, 0, 1.0, 0.0, 5};
+
+    EXPECT_TRUE(usesAllPoints({}, 100));
+    EXPECT_TRUE(usesAllPoints(nearestFive, 4));
+    EXPECT_TRUE(usesAllPoints(nearestFive, 5));
+    EXPECT_FALSE(usesAllPoints(nearestFive, 6));
+}
+
+TEST(ModelSettingsTest, RangesThatTheLibraryTakesForZeroOrInfiniteAreNotScaled)
+{
+    EXPECT_TRUE(isScalableRange(1.0));
+    for (const double range : {0.0, 1e-150, 1e150, infinity, notANumber})
+        EXPECT_FALSE(isScalableRange(range)) << range;
 }
 
 } // namespace

@@ -50,6 +50,15 @@ TEST(SampleSetTest, OutputVarianceDividesByOneLessThanTheCount)
     EXPECT_TRUE(std::isnan(SampleSet({{0.0}}, {{1.0}}).calcOutputVariance(0)));
 }
 
+TEST(SampleSetTest, AnInputsRangeIsItsLargestValueLessItsSmallest)
+{
+    const SampleSet samples({{2.0, -3.0, 7.0}, {1.0, 1.0, 1.0}, {-1e308, 0.0, 1e308}}, {{0.0, 0.0, 0.0}});
+
+    EXPECT_EQ(samples.calcInputRange(0), 10.0);
+    EXPECT_EQ(samples.calcInputRange(1), 0.0);
+    EXPECT_EQ(samples.calcInputRange(2), std::numeric_limits<double>::infinity());
+}
+
 TEST(SampleSetTest, ComplaintsSayWhatIsWrongAndWhere)
 {
     EXPECT_EQ(complaintAbout({}, {{1.0}}), "samples need at least one input variable");

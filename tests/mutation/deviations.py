@@ -7,7 +7,7 @@ from pathlib import Path
 
 folder = Path(__file__).resolve().parent
 
-default_tests = {"analysis": ["analysis"], "host": ["host"]}
+default_tests = {"analysis": ["analysis"], "estimation": ["estimation"], "host": ["host"]}
 
 
 class ListError(Exception):

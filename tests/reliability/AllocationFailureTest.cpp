@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
+#include "surrogatemodel_kriging/DuplicateMerger.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
@@ -414,4 +414,38 @@ TEST(AllocationFailureTest, MergingThatFailsLeavesTheDataBlockAsItWasAndCanBeRep
     }
     std::cout << "Allocations failed: " << numFailed << " in merging duplicates\n";
     EXPECT_GE(numFailed, 10);
+}
+
+TEST(AllocationFailureTest, MergingThatFailsWhileItRecordsLeavesNoGroups)
+{
+    TwoBlocks untouched;
+    const Shown before(*untouched);
+    int numFailed = 0;
+    for (std::size_t failing = 0;; ++failing)
+    {
+        SCOPED_TRACE(failing);
+        TwoBlocks given;
+        std::vector<fenn::MergedGroup> groups;
+        bool isOutOfMemory = false;
+        {
+            const AllocationWatch watch(failing);
+            try
+            {
+                fenn::DuplicateMerger(*given, 0.0, &groups).merge();
+            }
+            catch (const std::bad_alloc&)
+            {
+                isOutOfMemory = true;
+            }
+            if (!watch.hasFailed())
+                break;
+        }
+        ++numFailed;
+        if (isOutOfMemory)
+        {
+            EXPECT_TRUE(groups.empty());
+            Shown(*given).expectEqual(before);
+        }
+    }
+    EXPECT_GE(numFailed, 12);
 }

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/KrigingControllerAbstract.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "tests/support/BitComparison.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/ModelSample.h"
 #include "tests/support/NaiveModel.h"
 #include "tests/support/RequestArrays.h"
@@ -70,7 +70,7 @@ protected:
                 EXPECT_EQ(textOfError(
                               [&]
                               {
-                                  KrigingModelAccess::getController(model).interpolate(
+                                  fenn::ModelAccess::getController(model).interpolate(
                                       targetArrays.arrays(), outputVars, static_cast<int>(numTargets), values.arrays(),
                                       variances.arrays());
                               }),

@@ -5,8 +5,8 @@
 
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 #include "surrogatemodel_kriging/KrigingControllerAbstract.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
+#include "tests/support/ModelAccess.h"
 
 namespace fenn::test
 {
@@ -23,17 +23,17 @@ public:
 
 inline const std::set<int>& activeOutputVarsOf(const KrigingSurrogateModel& model)
 {
-    return ControllerProbe::getActiveOutputVars(KrigingModelAccess::getController(model));
+    return ControllerProbe::getActiveOutputVars(fenn::ModelAccess::getController(model));
 }
 
 inline bool isGlobal(const KrigingSurrogateModel& model)
 {
-    return dynamic_cast<AllPtsKrigingController*>(&KrigingModelAccess::getController(model)) != nullptr;
+    return dynamic_cast<AllPtsKrigingController*>(&fenn::ModelAccess::getController(model)) != nullptr;
 }
 
 inline bool isLocal(const KrigingSurrogateModel& model)
 {
-    return dynamic_cast<NPtsKrigingController*>(&KrigingModelAccess::getController(model)) != nullptr;
+    return dynamic_cast<NPtsKrigingController*>(&fenn::ModelAccess::getController(model)) != nullptr;
 }
 
 } // namespace fenn::test

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 #include "tests/support/Samples.h"
 
 namespace fenn::test
@@ -36,6 +37,12 @@ struct ModelSample
         return KrigingSurrogateModel(inputs.arrays(), outputs.arrays(), numPts, settings.duplicateTolerance,
                                      settings.scaleFactors, settings.driftOrder, settings.rangeFraction,
                                      settings.nugget, settings.numNearestPoints);
+    }
+
+    ModelParts makeParts(const ModelSettings& settings = {})
+    {
+        return ModelParts(inputs.arrays(), outputs.arrays(), numPts, settings.duplicateTolerance, settings.scaleFactors,
+                          settings.rangeFraction, settings.nugget);
     }
 
     /// The message of the error that building throws; empty when it throws none.

@@ -1,4 +1,3 @@
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 
 #include <charconv>
@@ -17,6 +16,7 @@
 
 #include "surrogatemodel_kriging/KrigingControllerAbstract.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/Samples.h"
 
 // Real data against stored figures of gstat, a Kriging program of other people: tests/data/gstat/README.md.
@@ -196,7 +196,7 @@ TEST_P(GstatComparisonTest, VariancesOfTheControllerAgree)
     for (const System& system : systems)
     {
         KrigingSurrogateModel model = buildModel(system);
-        KrigingControllerAbstract& controller = KrigingModelAccess::getController(model);
+        KrigingControllerAbstract& controller = fenn::ModelAccess::getController(model);
         ValueArrays estimates(outputVars.size(), numTargets);
         ValueArrays variances(outputVars.size(), numTargets);
         controller.setOutputVars(outputVars);
@@ -215,7 +215,7 @@ TEST_P(GstatComparisonTest, NearestPointsAreAnsweredByTheLocalController)
     for (const System& system : systems)
     {
         KrigingSurrogateModel model = buildModel(system);
-        const auto* const local = dynamic_cast<NPtsKrigingController*>(&KrigingModelAccess::getController(model));
+        const auto* const local = dynamic_cast<NPtsKrigingController*>(&fenn::ModelAccess::getController(model));
 
         EXPECT_EQ(local != nullptr, system.numNearestPts > 0) << describe(system, 0);
     }

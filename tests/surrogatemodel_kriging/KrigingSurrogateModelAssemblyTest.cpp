@@ -4,12 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 #include "surrogatemodel_kriging/SemivariogramInterface.h"
 #include "tests/support/BitComparison.h"
 #include "tests/support/BlockSet.h"
 #include "tests/support/ControllerProbe.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/ModelSample.h"
 
 using fenn::test::estimatesOf;
@@ -170,7 +170,7 @@ TEST_F(KrigingSurrogateModelAssemblyTest, ALocalModelFactorisesNothingAtConstruc
 TEST_F(KrigingSurrogateModelAssemblyTest, EverySampleStartsUnblankedInOneBlock)
 {
     const KrigingSurrogateModel model = sixSamples.build();
-    const SurrogateModelDataBlock& dataBlock = KrigingModelAccess::getDataBlock(model);
+    const SurrogateModelDataBlock& dataBlock = fenn::ModelAccess::getDataBlock(model);
 
     EXPECT_EQ(dataBlock.getNumBlocks(), 1);
     EXPECT_EQ(dataBlock.getNumPtsInBlock(0), 6);
@@ -183,8 +183,8 @@ TEST_F(KrigingSurrogateModelAssemblyTest, TheDataBlockIsLentTheModelsOwnNormaliz
 {
     const KrigingSurrogateModel model = sixSamples.build();
 
-    EXPECT_EQ(&KrigingModelAccess::getDataBlock(model).getInputVarNormalizers(),
-              &KrigingModelAccess::getNormalizers(model));
+    EXPECT_EQ(&fenn::ModelAccess::getDataBlock(model).getInputVarNormalizers(),
+              &fenn::ModelAccess::getNormalizers(model));
 }
 
 TEST_F(KrigingSurrogateModelAssemblyTest, ToleranceZeroMergesCoincidentSamples)
@@ -192,7 +192,7 @@ TEST_F(KrigingSurrogateModelAssemblyTest, ToleranceZeroMergesCoincidentSamples)
     for (const double tolerance : {0.0, -0.0})
     {
         const KrigingSurrogateModel model = sixSamples.build(withTolerance(tolerance));
-        const SurrogateModelDataBlock& dataBlock = KrigingModelAccess::getDataBlock(model);
+        const SurrogateModelDataBlock& dataBlock = fenn::ModelAccess::getDataBlock(model);
 
         EXPECT_EQ(dataBlock.getTotalNumUnblankedPoints(), 5);
         EXPECT_EQ(dataBlock.getNumBlocks(), 2);
@@ -206,7 +206,7 @@ TEST_F(KrigingSurrogateModelAssemblyTest, ANegativeOrNaNToleranceMergesNothing)
     for (const double tolerance : {-1.0, -0x1p-1074, notANumber})
     {
         const KrigingSurrogateModel model = sixSamples.build(withTolerance(tolerance, 3));
-        EXPECT_EQ(KrigingModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 6) << tolerance;
+        EXPECT_EQ(fenn::ModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 6) << tolerance;
     }
 }
 
@@ -219,7 +219,7 @@ TEST_F(KrigingSurrogateModelAssemblyTest, ANegativeOrNaNToleranceMergesNothingWi
         ModelSettings settings = withTolerance(tolerance, 2);
         settings.scaleFactors = {1.0};
         const KrigingSurrogateModel model = equal.build(settings);
-        EXPECT_EQ(KrigingModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 3) << tolerance;
+        EXPECT_EQ(fenn::ModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 3) << tolerance;
     }
 }
 
@@ -227,7 +227,7 @@ TEST_F(KrigingSurrogateModelAssemblyTest, TheToleranceIsAFractionOfTheSamplesRan
 {
     const KrigingSurrogateModel model = fourSamples.build(withTolerance(0.1)); // 1 of 10
 
-    EXPECT_EQ(KrigingModelAccess::getDataBlock(model).getIncludePtArrayForBlock(0),
+    EXPECT_EQ(fenn::ModelAccess::getDataBlock(model).getIncludePtArrayForBlock(0),
               (std::vector<bool>{false, false, true, true}));
 }
 
@@ -238,7 +238,7 @@ TEST_F(KrigingSurrogateModelAssemblyTest, TheSemivariogramsRangeIsTheFractionOfT
     ModelSettings settings;
     settings.rangeFraction = 0.5;
     const KrigingSurrogateModel model = square.build(settings);
-    const SemivariogramInterface& semivariogram = KrigingModelAccess::getSemivariogram(model);
+    const SemivariogramInterface& semivariogram = fenn::ModelAccess::getSemivariogram(model);
 
     EXPECT_EQ(semivariogram.evaluate({7.072, 0.0}), 1.0);
     EXPECT_LT(semivariogram.evaluate({7.070, 0.0}), 1.0);
@@ -252,7 +252,7 @@ TEST_F(KrigingSurrogateModelAssemblyTest, TheSemivariogramTakesTheNugget)
     settings.nugget = 0.125;
     const KrigingSurrogateModel model = fourSamples.build(settings);
 
-    EXPECT_EQ(KrigingModelAccess::getSemivariogram(model).evaluate({0.0}), 0.125);
+    EXPECT_EQ(fenn::ModelAccess::getSemivariogram(model).evaluate({0.0}), 0.125);
 }
 
 TEST_F(KrigingSurrogateModelAssemblyTest, TheSemivariogramsRangeUsesTheLimitsFromBeforeMerging)
@@ -260,12 +260,12 @@ TEST_F(KrigingSurrogateModelAssemblyTest, TheSemivariogramsRangeUsesTheLimitsFro
     // 0 and 0.5 merge into 0.25; from there the range would be 9.75 and not 10.
     ModelSample samples({{0.0, 0.5, 5.0, 10.0}}, {{1.0, 2.0, 3.0, 4.0}});
     const KrigingSurrogateModel model = samples.build(withTolerance(0.06));
-    const SemivariogramInterface& semivariogram = KrigingModelAccess::getSemivariogram(model);
+    const SemivariogramInterface& semivariogram = fenn::ModelAccess::getSemivariogram(model);
 
-    ASSERT_EQ(KrigingModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 3);
+    ASSERT_EQ(fenn::ModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 3);
     EXPECT_LT(semivariogram.evaluate({9.9}), 1.0);
     EXPECT_EQ(semivariogram.evaluate({10.0}), 1.0);
-    EXPECT_EQ(KrigingModelAccess::getMinValues(model), (Values{0.0}));
+    EXPECT_EQ(fenn::ModelAccess::getMinValues(model), (Values{0.0}));
 }
 
 TEST_F(KrigingSurrogateModelAssemblyTest, ALocalModelUsesTheNearestSamplesOnly)
@@ -301,6 +301,6 @@ TEST_F(KrigingSurrogateModelAssemblyTest, ScaleFactorsAreTakenAsGiven)
     ModelSample square({{0.0, 10.0, 3.0, 4.0}, {0.0, 10.0, 7.0, 2.0}}, {{1.0, 2.0, 3.0, 4.0}});
     const KrigingSurrogateModel model = square.build(withDrift(0, {1.0, 4.0}));
 
-    EXPECT_EQ(KrigingModelAccess::getNormalizers(model)[0].getScale(), 0.1);
-    EXPECT_EQ(KrigingModelAccess::getNormalizers(model)[1].getScale(), 0.4);
+    EXPECT_EQ(fenn::ModelAccess::getNormalizers(model)[0].getScale(), 0.1);
+    EXPECT_EQ(fenn::ModelAccess::getNormalizers(model)[1].getScale(), 0.4);
 }

@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 #include "surrogatemodel_kriging/SemivariogramInterface.h"
 #include "tests/support/AllocationWatch.h"
 #include "tests/support/ControllerProbe.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/ModelSample.h"
 
 using fenn::test::AllocationWatch;
@@ -111,12 +111,12 @@ TEST_F(KrigingSurrogateModelLifetimeTest, TheControllerGoesFirstAndTheDataBlockL
     for (const int numNearestPoints : {0, 3})
     {
         const KrigingSurrogateModel* model = newModel(samples, makeSettings(0.0, 0, numNearestPoints));
-        const void* controller = dynamic_cast<const void*>(&KrigingModelAccess::getController(*model));
-        const void* semivariogram = dynamic_cast<const void*>(&KrigingModelAccess::getSemivariogram(*model));
-        const void* dataBlock = dynamic_cast<const void*>(&KrigingModelAccess::getDataBlock(*model));
-        const void* normalizers = KrigingModelAccess::getNormalizers(*model).data();
-        const void* maxValues = KrigingModelAccess::getMaxValues(*model).data();
-        const void* minValues = KrigingModelAccess::getMinValues(*model).data();
+        const void* controller = dynamic_cast<const void*>(&fenn::ModelAccess::getController(*model));
+        const void* semivariogram = dynamic_cast<const void*>(&fenn::ModelAccess::getSemivariogram(*model));
+        const void* dataBlock = dynamic_cast<const void*>(&fenn::ModelAccess::getDataBlock(*model));
+        const void* normalizers = fenn::ModelAccess::getNormalizers(*model).data();
+        const void* maxValues = fenn::ModelAccess::getMaxValues(*model).data();
+        const void* minValues = fenn::ModelAccess::getMinValues(*model).data();
         std::vector<const void*> released;
         {
             AllocationWatch watch;

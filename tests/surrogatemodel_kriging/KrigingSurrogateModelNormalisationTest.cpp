@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 #include "tests/support/BitComparison.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/NaiveNormalisation.h"
 #include "tests/support/Samples.h"
 
@@ -39,9 +39,9 @@ NaiveNormalisation normalisationOf(const std::vector<Values>& inputs, int numPoi
     {
         const KrigingSurrogateModel model(inputArrays.arrays(), outputArrays.arrays(), numPoints, -1.0, scaleFactors, 0,
                                           1.0, 0.0, static_cast<int>(inputs.size()) + 1);
-        result.minValues = KrigingModelAccess::getMinValues(model);
-        result.maxValues = KrigingModelAccess::getMaxValues(model);
-        for (const Normalizer& normalizer : KrigingModelAccess::getNormalizers(model))
+        result.minValues = fenn::ModelAccess::getMinValues(model);
+        result.maxValues = fenn::ModelAccess::getMaxValues(model);
+        for (const Normalizer& normalizer : fenn::ModelAccess::getNormalizers(model))
         {
             result.offsets.push_back(normalizer.getOffset());
             result.scales.push_back(normalizer.getScale());

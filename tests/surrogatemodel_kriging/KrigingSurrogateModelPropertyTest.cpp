@@ -7,11 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "tests/support/BitComparison.h"
 #include "tests/support/BlockSet.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/ModelSample.h"
 #include "tests/support/Samples.h"
 
@@ -91,7 +91,7 @@ TEST(KrigingSurrogateModelPropertyTest, MergingEqualsSamplesMergedBeforehand)
             const KrigingSurrogateModel mergedModel = merged.build(settings);
             settings.duplicateTolerance = 0.0;
             const KrigingSurrogateModel model = all.build(settings);
-            ASSERT_EQ(KrigingModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 20);
+            ASSERT_EQ(fenn::ModelAccess::getDataBlock(model).getTotalNumUnblankedPoints(), 20);
             EXPECT_TRUE(sameBits(fenn::test::estimatesOf(model, targets, {0})[0],
                                  fenn::test::estimatesOf(mergedModel, targets, {0})[0]));
         }

@@ -11,10 +11,10 @@
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/KrigingMatrix.h"
-#include "surrogatemodel_kriging/KrigingModelAccess.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
 #include "tests/support/BitComparison.h"
 #include "tests/support/ControllerProbe.h"
+#include "tests/support/ModelAccess.h"
 #include "tests/support/ModelSample.h"
 
 using fenn::test::activeOutputVarsOf;
@@ -238,8 +238,8 @@ TEST_F(KrigingSurrogateModelTest, CoordinatesThatTheHostChangesAreSeenByALocalMo
 TEST_F(KrigingSurrogateModelTest, CoordinatesThatTheHostChangesAreSeenByAGlobalModelsRightHandSides)
 {
     const KrigingSurrogateModel model = sample.build();
-    const SurrogateModelDataBlock& dataBlock = KrigingModelAccess::getDataBlock(model);
-    KrigingMatrix factorised(dataBlock, 5, &KrigingModelAccess::getSemivariogram(model), 0);
+    const SurrogateModelDataBlock& dataBlock = fenn::ModelAccess::getDataBlock(model);
+    KrigingMatrix factorised(dataBlock, 5, &fenn::ModelAccess::getSemivariogram(model), 0);
     std::vector<SourcePointRef> points;
     dataBlock.getAllUnblankedPts(points);
     Values scratch(1);

@@ -4,11 +4,12 @@
 
 #include <gmock/gmock.h>
 
+#include "estimation/SystemSize.h"
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
 
+using fenn::estimation::calcSystemBytes;
 using fenn::estimation::ModelSettings;
-using krige::calcSystemBytes;
 using krige::checkModelMemory;
 using krige::InputError;
 using krige::SampleTable;
@@ -30,18 +31,6 @@ SampleTable samplesOnALine(std::size_t n)
 }
 
 } // namespace
-
-TEST(ModelMemoryTest, ASystemTakesASquareOfDoublesAndAWorkspaceThatLosesWeightAsItGrows)
-{
-    EXPECT_GT(calcSystemBytes(1000, 2, 0), 8.0 * 1001 * 1001);
-    EXPECT_LT(calcSystemBytes(1000, 2, 0), 8.0 * 1001 * 1001 * 1.6);
-    EXPECT_LT(calcSystemBytes(50000, 2, 0), 8.0 * 50001 * 50001 * 1.05);
-}
-
-TEST(ModelMemoryTest, DriftTermsTakeRows)
-{
-    EXPECT_GT(calcSystemBytes(100, 10, 4), 8.0 * 1100 * 1100); // 1000 monomials
-}
 
 TEST(ModelMemoryTest, AModelThatFitsIsTaken)
 {

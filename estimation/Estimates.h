@@ -1,0 +1,31 @@
+#ifndef FENN_ESTIMATION_ESTIMATES_H
+#define FENN_ESTIMATION_ESTIMATES_H
+
+#include <cstddef>
+#include <vector>
+
+namespace fenn::estimation
+{
+
+class Estimator;
+class SampleSet;
+
+/// What an estimator says of a list of points. NaN stands for "no estimate".
+struct Estimates
+{
+    std::vector<std::vector<double>> values; // one column per output variable, raw units
+    std::vector<double> variances;           // Kriging variance for a sill of 1: the same for every output variable
+};
+
+/// Replaces estimates by those at the targets: one column per input variable, equally long, raw units. variances comes
+/// out empty unless wanted. A target with a coordinate that is not finite never reaches the estimator: it gets NaN
+/// throughout. Returns the number of those. Throws as Estimator::estimate.
+std::size_t estimateAt(const Estimator& estimator, const std::vector<std::vector<double>>& targets, bool wantsVariances,
+                       Estimates& estimates);
+
+/// The estimates, with variances, at the input values of the targets, whose outputs are not looked at.
+Estimates estimateAt(const Estimator& estimator, const SampleSet& targets);
+
+} // namespace fenn::estimation
+
+#endif

@@ -1,0 +1,43 @@
+#ifndef FENN_ESTIMATION_EXACTESTIMATOR_H
+#define FENN_ESTIMATION_EXACTESTIMATOR_H
+
+#include <memory>
+#include <set>
+#include <string>
+
+#include "estimation/Estimator.h"
+#include "estimation/ModelSettings.h"
+
+class KrigingControllerAbstract;
+
+namespace fenn::estimation
+{
+
+/// The plug-in's own way, by its own controllers: what a host gets that builds a KrigingSurrogateModel of the same
+/// samples and settings and asks it, to the bit, with the Kriging variances that such a host cannot ask for.
+class ExactEstimator final : public Estimator
+{
+public:
+    /// parts: of these settings. numThreads: for building a global model and answering its requests; 0 leaves it to the
+    /// plug-in. reason: why it is this engine that answers, for the report; may be empty.
+    /// Throws as the constructor of KrigingSurrogateModel.
+    ExactEstimator(std::shared_ptr<const ModelParts> parts_, const ModelSettings& settings, int numThreads,
+                   const std::string& reason);
+    ~ExactEstimator() override;
+
+    void estimate(const Targets& targets, const Results& results) const override;
+    EngineReport getReport() const override;
+    bool isGlobal() const override;
+
+private:
+    class CallingThread;
+
+    std::set<int> outputVars; // all of them
+    std::unique_ptr<KrigingControllerAbstract> controller;
+    std::unique_ptr<CallingThread> callingThread; // null for a local model, which uses no other one anyway
+    EngineReport report;
+};
+
+} // namespace fenn::estimation
+
+#endif

@@ -1,0 +1,25 @@
+#include "estimation/SystemSize.h"
+
+#include <thread>
+
+#include "surrogatemodel_kriging/KrigingMatrix.h"
+#include "surrogatemodel_kriging/kernels/LuKernels.h"
+
+namespace fenn::estimation
+{
+
+int countDriftTerms(int driftOrder, std::size_t numInputVars)
+{
+    return numDriftTerms(driftOrder, static_cast<int>(numInputVars));
+}
+
+double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder)
+{
+    const double dimension = static_cast<double>(numPoints) + countDriftTerms(driftOrder, numInputVars) + 1.0;
+    const auto numRows = static_cast<std::size_t>(dimension);
+    const std::size_t workspace =
+        kernels::luWorkspaceSize(numRows) + kernels::luWorkspaceSize(numRows, std::thread::hardware_concurrency());
+    return sizeof(double) * (dimension * dimension + static_cast<double>(workspace));
+}
+
+} // namespace fenn::estimation

@@ -1,0 +1,18 @@
+#ifndef FENN_ESTIMATION_SYSTEMSIZE_H
+#define FENN_ESTIMATION_SYSTEMSIZE_H
+
+#include <cstddef>
+
+namespace fenn::estimation
+{
+
+/// Number of monomials of a polynomial drift of this degree, without the constant.
+int countDriftTerms(int driftOrder, std::size_t numInputVars);
+
+/// Bytes that one exact system over this many points takes, its workspace included: a square of doubles over the
+/// points, the drift terms and one constraint, and what the library copies aside while it factorises.
+double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
+
+} // namespace fenn::estimation
+
+#endif

@@ -1,0 +1,31 @@
+#include "estimation/chooseEstimator.h"
+
+#include <string>
+
+#include "estimation/ExactEstimator.h"
+#include "estimation/LocalEstimator.h"
+#include "estimation/makeModelParts.h"
+#include "surrogatemodel_kriging/ModelParts.h"
+
+namespace fenn::estimation
+{
+
+std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const ModelSettings& settings,
+                                           const EstimatorOptions& options)
+{
+    const std::shared_ptr<const ModelParts> parts = makeModelParts(samples, settings);
+    const auto exact = [&](const std::string& reason)
+    {
+        return std::make_unique<ExactEstimator>(parts, settings, options.numThreads, reason);
+    };
+
+    // The first engine that applies answers; each faster one stands between these two.
+    if (options.isExact)
+        return exact("asked for");
+    if (!usesAllPoints(settings, parts->getPoints().size()))
+        return std::make_unique<LocalEstimator>(parts, settings.driftOrder, settings.numNearestPoints,
+                                                options.numThreads);
+    return exact("");
+}
+
+} // namespace fenn::estimation

@@ -1,0 +1,71 @@
+#include "estimation/chooseEstimator.h"
+
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "surrogatemodel_kriging/ModelParts.h"
+#include "tests/estimation/Samples.h"
+#include "tests/support/ThrownError.h"
+
+namespace
+{
+
+using fenn::estimation::chooseEstimator;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
+
+const ModelSettings nearestFive{-1.0, {}, 0, 1.0, 0.1, 5};
+
+TEST(ChooseEstimatorTest, TheExactEngineAnswersWhoAsksForIt)
+{
+    const SampleSet samples = fenn::test::smoothSamples(40, 1);
+    for (const ModelSettings& settings : {ModelSettings(), nearestFive})
+    {
+        const auto estimator = chooseEstimator(samples, settings, {0, true});
+
+        EXPECT_TRUE(estimator->getReport().isExact);
+        EXPECT_EQ(estimator->getReport().engine, "exact");
+        EXPECT_NE(estimator->getReport().sentence.find("; asked for"), std::string::npos);
+    }
+}
+
+TEST(ChooseEstimatorTest, TheEstimatorWorksOnAllPointsUnlessFewerAreNearest)
+{
+    const SampleSet samples = fenn::test::smoothSamples(40, 2);
+
+    EXPECT_TRUE(chooseEstimator(samples, {})->isGlobal());
+    EXPECT_FALSE(chooseEstimator(samples, nearestFive)->isGlobal());
+}
+
+TEST(ChooseEstimatorTest, TheLocalEngineAnswersForFewerNeighboursThanPoints)
+{
+    const SampleSet samples = fenn::test::smoothSamples(6, 2);
+
+    EXPECT_EQ(chooseEstimator(samples, nearestFive)->getReport().engine, "local");
+    EXPECT_NE(chooseEstimator(samples.subset({0, 1, 2, 3, 4}), nearestFive)->getReport().engine, "local");
+}
+
+TEST(ChooseEstimatorTest, TheEstimatorHandsOutThePartsOfItsModel)
+{
+    const SampleSet samples({{0.0, 0.0, 1.0, 2.0, 4.0}}, {{1.0, 3.0, 3.0, 4.0, 5.0}});
+
+    const auto estimator = chooseEstimator(samples, {0.0, {}, 0, 1.0, 0.0, 0});
+
+    EXPECT_EQ(estimator->getParts().getPoints().size(), 4U);
+    EXPECT_EQ(estimator->getParts().getMergedGroups().size(), 1U);
+}
+
+TEST(ChooseEstimatorTest, SettingsAreChecked)
+{
+    const SampleSet samples = fenn::test::smoothSamples(40, 3);
+
+    EXPECT_THROW(chooseEstimator(samples, {-1.0, {1.0}, 0, 1.0, 0.0, 0}), std::invalid_argument);
+    EXPECT_EQ(fenn::test::textOfError(
+                  [&] {
+                      chooseEstimator(samples, {-1.0, {1.0, 0.0}, 0, 1.0, 0.0, 0});
+                  }),
+              "Scaling factor too small");
+}
+
+} // namespace
