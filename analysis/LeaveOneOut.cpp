@@ -1,10 +1,12 @@
 #include "analysis/LeaveOneOut.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 #include "estimation/GlobalSystem.h"
-#include "estimation/LocalSystem.h"
+#include "estimation/LocalEstimator.h"
 #include "estimation/MergedSamples.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
@@ -20,6 +22,9 @@ namespace
 
 /// Points of a larger variance, in sills, are those that the others do not determine: exactly, it would be infinite.
 constexpr double largestVariance = 1e10;
+
+/// Local estimates between two reports: some tens of milliseconds.
+constexpr std::size_t pointsPerReport = 4096;
 
 constexpr double noEstimate = std::numeric_limits<double>::quiet_NaN();
 
@@ -65,18 +70,20 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, const Progress& p
     }
 }
 
-void estimateLocally(const ModelParts& parts, int driftOrder, int numNeighbours, const Progress& progress,
-                     LeaveOneOutResult& result)
+void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours,
+                     const Progress& progress, LeaveOneOutResult& result)
 {
-    const std::size_t numPoints = parts.getPoints().size();
-    estimation::LocalSystem system(parts, driftOrder, numNeighbours);
-    for (std::size_t i = 0; i < numPoints; ++i)
+    const estimation::LocalEstimator estimator(parts, driftOrder, numNeighbours, 0);
+    estimation::Results where;
+    for (std::vector<double>& values : result.estimates.values)
+        where.estimates.push_back(values.data());
+    where.variances = result.estimates.variances.data();
+    const std::size_t numPoints = parts->getPoints().size();
+    for (std::size_t i = 0; i < numPoints; i += pointsPerReport)
     {
-        const bool isSolvable = system.solveWithout(i);
-        for (std::size_t w = 0; w < result.truths.size(); ++w)
-            result.estimates.values[w][i] = isSolvable ? system.estimate(w) : noEstimate;
-        result.estimates.variances[i] = isSolvable ? system.getVariance() : noEstimate;
-        report(progress, i + 1, numPoints);
+        const std::size_t count = std::min(pointsPerReport, numPoints - i);
+        estimator.estimateWithoutEach(i, count, where);
+        report(progress, i + count, numPoints);
     }
 }
 
@@ -106,7 +113,7 @@ LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& set
     if (estimation::usesAllPoints(settings, numPoints))
         estimateGlobally(*parts, settings.driftOrder, progress, result);
     else
-        estimateLocally(*parts, settings.driftOrder, settings.numNearestPoints, progress, result);
+        estimateLocally(parts, settings.driftOrder, settings.numNearestPoints, progress, result);
     return result;
 }
 

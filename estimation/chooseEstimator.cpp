@@ -3,6 +3,7 @@
 #include <string>
 
 #include "estimation/ExactEstimator.h"
+#include "estimation/LocalEstimator.h"
 #include "estimation/makeModelParts.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 
@@ -21,6 +22,9 @@ std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const Model
     // The first engine that applies answers; each faster one stands between these two.
     if (options.isExact)
         return exact("asked for");
+    if (!usesAllPoints(settings, parts->getPoints().size()))
+        return std::make_unique<LocalEstimator>(parts, settings.driftOrder, settings.numNearestPoints,
+                                                options.numThreads);
     return exact("");
 }
 

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "surrogatemodel_common/SurrogateModelInterface.h"
-#include "surrogatemodel_kriging/Normalizer.h"
+#include "surrogatemodel_kriging/DriftTerms.h"
 #include "surrogatemodel_kriging/SemivariogramInterface.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
@@ -50,42 +50,6 @@ int systemDimension(const SurrogateModelDataBlock& block, int numPts, int driftO
     if (dimension > std::numeric_limits<int>::max())
         throw std::length_error("Kriging system of too many rows");
     return static_cast<int>(dimension);
-}
-
-/// Writes the drift terms of kWidth targets side by side, each term kWidth entries, and returns where the next entries
-/// go. Coordinate v of target t is target[kWidth * v + t]; scratch receives the normalised ones in the same places.
-template <std::size_t kWidth>
-double* writeDriftTerms(double* out, int driftOrder, const double* target, const std::vector<Normalizer>& normalizers,
-                        int numInputVars, double* scratch)
-{
-    const auto multiply = [&out](const double* term, const double* u)
-    {
-        for (std::size_t t = 0; t < kWidth; ++t)
-            out[t] = term[t] * u[t];
-        out += kWidth;
-    };
-    for (std::size_t v = 0; v < toIndex(numInputVars); ++v)
-    {
-        double* u = scratch + kWidth * v;
-        for (std::size_t t = 0; t < kWidth; ++t)
-            u[t] = normalizers[v].normalize(target[kWidth * v + t]);
-        for (std::size_t t = 0; t < kWidth; ++t)
-            out[t] = u[t];
-        out += kWidth;
-        for (std::size_t w = 0; driftOrder >= 2 && w <= v; ++w)
-        {
-            const double* quadratic = out;
-            multiply(u, scratch + kWidth * w);
-            for (std::size_t y = 0; driftOrder >= 3 && y <= w; ++y)
-            {
-                const double* cubic = out;
-                multiply(quadratic, scratch + kWidth * y);
-                for (std::size_t z = 0; driftOrder >= 4 && z <= y; ++z)
-                    multiply(cubic, scratch + kWidth * z);
-            }
-        }
-    }
-    return out;
 }
 
 } // namespace
@@ -196,8 +160,8 @@ void KrigingMatrix::writeConstraints(double* out, const double* target, std::vec
 {
     double* next = out;
     if (driftOrder > 0)
-        next = writeDriftTerms<1>(next, driftOrder, target, dataBlock->getInputVarNormalizers(), numInputVars,
-                                  scratch.data());
+        next = fenn::writeDriftTerms<1>(next, driftOrder, target, dataBlock->getInputVarNormalizers(), numInputVars,
+                                        scratch.data());
     *next = 1.0;
 }
 
@@ -250,8 +214,8 @@ void KrigingMatrix::buildRightHandSides(double* strip, const double* targets, co
     semivariogram->evaluatePairs(sources.getArrays(points.getNumPts()), lanes.getArrays(stripWidth), strip, stripWidth);
     double* next = strip + points.getNumPts() * stripWidth;
     if (driftOrder > 0)
-        next = writeDriftTerms<stripWidth>(next, driftOrder, targets, dataBlock->getInputVarNormalizers(), numInputVars,
-                                           scratch.data());
+        next = fenn::writeDriftTerms<stripWidth>(next, driftOrder, targets, dataBlock->getInputVarNormalizers(),
+                                                 numInputVars, scratch.data());
     std::fill_n(next, stripWidth, 1.0);
 }
 

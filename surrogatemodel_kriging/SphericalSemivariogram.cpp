@@ -60,10 +60,7 @@ void SphericalSemivariogram::evaluatePairs(const fenn::PointArrays& sources, con
         SemivariogramInterface::evaluatePairs(sources, targets, values, stride);
         return;
     }
-    for (std::size_t v = 0; v < numScales; ++v)
-        scales[v] = (*normalizers)[v].getScale();
-    const fenn::kernels::SphericalModel model{scales.data(), numScales,          m_rangeSquared,
-                                              m_nugget,      m_shapeCoefficient, m_threeRangeSquared};
+    const fenn::kernels::SphericalModel model = getKernelModel(scales.data());
     fenn::kernels::evaluateSpherical(model, sources.coordinates, sources.numPts, targets.coordinates, targets.numPts,
                                      values, stride);
 }
@@ -71,4 +68,12 @@ void SphericalSemivariogram::evaluatePairs(const fenn::PointArrays& sources, con
 bool SphericalSemivariogram::neverThrows() const
 {
     return true;
+}
+
+fenn::kernels::SphericalModel SphericalSemivariogram::getKernelModel(double* scales) const
+{
+    const std::size_t numScales = numDims > 0 ? static_cast<std::size_t>(numDims) : 0;
+    for (std::size_t v = 0; v < numScales; ++v)
+        scales[v] = (*normalizers)[v].getScale();
+    return {scales, numScales, m_rangeSquared, m_nugget, m_shapeCoefficient, m_threeRangeSquared};
 }

@@ -7,6 +7,11 @@
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SemivariogramInterface.h"
 
+namespace fenn::kernels
+{
+struct SphericalModel;
+}
+
 /// Spherical semivariogram with sill 1, nugget c0 and range a, over normalised separations h:
 ///
 ///     gamma(0) = c0,  gamma(h) = c0 + (1 - c0) (1.5 h/a - 0.5 (h/a)^3) for 0 < h < a,  gamma(h) = 1 for h >= a
@@ -43,6 +48,10 @@ public:
     void evaluatePairs(const fenn::PointArrays& sources, const fenn::PointArrays& targets, double* values,
                        std::size_t stride) const override;
     bool neverThrows() const override;
+
+    /// The constants in the form that the kernels take. scales: room for one scale per input variable, which the result
+    /// refers to.
+    fenn::kernels::SphericalModel getKernelModel(double* scales) const;
 
 private:
     SphericalSemivariogram(int numDims_, const std::vector<Normalizer>& normalizers_, const double* cornerA,

@@ -19,6 +19,7 @@ struct DigestCase
 std::vector<DigestCase> linearSystemCases();
 std::vector<DigestCase> sampleCases();
 std::vector<DigestCase> modelCases();
+std::vector<DigestCase> localEngineCases();
 
 } // namespace fenn::test
 

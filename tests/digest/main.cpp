@@ -36,7 +36,8 @@ bool restrictTo(const std::string& name)
 void printDigest()
 {
     fenn::test::Digest whole;
-    for (const auto& cases : {fenn::test::linearSystemCases(), fenn::test::sampleCases(), fenn::test::modelCases()})
+    for (const auto& cases : {fenn::test::linearSystemCases(), fenn::test::sampleCases(), fenn::test::modelCases(),
+                              fenn::test::localEngineCases()})
     {
         for (const fenn::test::DigestCase& part : cases)
         {

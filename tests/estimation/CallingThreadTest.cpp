@@ -1,11 +1,13 @@
 // Which engines answer a single target without another thread. Threads are refused, so that asking for one is seen: a
 // program of its own.
 
+#include <atomic>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "estimation/Estimator.h"
+#include "estimation/ParallelRanges.h"
 #include "estimation/chooseEstimator.h"
 #include "tests/estimation/Samples.h"
 #include "tests/support/ThreadRefusal.h"
@@ -46,7 +48,27 @@ TEST(CallingThreadTest, ASingleTargetNeedsNoOtherThread)
     }
 }
 
-/// What the test above would see.
+TEST(CallingThreadTest, ManyTargetsOfALocalModelAskForThreadsAndAreAnsweredWithoutThem)
+{
+    // One run asks for the first of three further threads; the other two are not tried any more.
+    EXPECT_EQ(numThreadsAskedFor({-1.0, {}, 1, 1.0, 0.1, 8}, {4, false}, 1000), 1);
+}
+
+TEST(CallingThreadTest, RangesThatGetNoThreadsAreDoneByTheCaller)
+{
+    fenn::estimation::ParallelRanges ranges(4);
+    for (const int numGranted : {0, 1, 2})
+    {
+        const fenn::test::ThreadRefusal refusal(numGranted);
+        std::atomic<std::size_t> sum{0};
+        ranges.run(100, 1, [&](std::size_t, std::size_t first, std::size_t) { sum += first + 1; });
+
+        EXPECT_EQ(sum, 5050U);
+        EXPECT_EQ(refusal.getNumRefused(), numGranted < 2 ? 1 : 0); // three further ones in all
+    }
+}
+
+/// What the first test would see.
 TEST(CallingThreadTest, ManyTargetsOfAnExactGlobalModelAskForThreads)
 {
     EXPECT_GT(numThreadsAskedFor({}, {2, true}, 1000), 0);

@@ -38,6 +38,14 @@ TEST(ChooseEstimatorTest, TheEstimatorWorksOnAllPointsUnlessFewerAreNearest)
     EXPECT_FALSE(chooseEstimator(samples, nearestFive)->isGlobal());
 }
 
+TEST(ChooseEstimatorTest, TheLocalEngineAnswersForFewerNeighboursThanPoints)
+{
+    const SampleSet samples = fenn::test::smoothSamples(6, 2);
+
+    EXPECT_EQ(chooseEstimator(samples, nearestFive)->getReport().engine, "local");
+    EXPECT_NE(chooseEstimator(samples.subset({0, 1, 2, 3, 4}), nearestFive)->getReport().engine, "local");
+}
+
 TEST(ChooseEstimatorTest, TheEstimatorHandsOutThePartsOfItsModel)
 {
     const SampleSet samples({{0.0, 0.0, 1.0, 2.0, 4.0}}, {{1.0, 3.0, 3.0, 4.0, 5.0}});

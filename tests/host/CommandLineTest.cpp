@@ -138,8 +138,9 @@ TEST_F(PredictBitsTest, ALocalModelsFileHoldsTheBitsOfTheLibrary)
 {
     const Columns targets = randomValues(2, 200, 0.0, 10.0, 4);
 
-    expectSameColumns(predicted(targets, {"--nearest", "9", "--drift", "1", "--nugget", "0.01"}),
-                      estimated(targets, -1.0, {}, 1, 1.0, 0.01, 9));
+    // Equal factors: the library measures nearness in every input by the scale of the first one.
+    expectSameColumns(predicted(targets, {"--nearest", "9", "--scale", "1,1", "--drift", "1", "--nugget", "0.01"}),
+                      estimated(targets, -1.0, {1.0, 1.0}, 1, 1.0, 0.01, 9));
 }
 
 TEST_F(PredictBitsTest, WithoutSettingsTheDefaultsHold)
@@ -156,8 +157,8 @@ TEST_F(PredictBitsTest, RequestsInBlocksGiveTheBitsOfOneRequest)
 {
     const Columns targets = randomValues(2, krige::targetsPerRequest + 1000, 0.0, 10.0, 6);
 
-    expectSameColumns(predicted(targets, {"--nearest", "4", "--nugget", "0.1"}),
-                      estimated(targets, -1.0, {}, 0, 1.0, 0.1, 4));
+    expectSameColumns(predicted(targets, {"--nearest", "4", "--scale", "1,1", "--nugget", "0.1"}),
+                      estimated(targets, -1.0, {1.0, 1.0}, 0, 1.0, 0.1, 4));
 }
 
 TEST_F(PredictBitsTest, OutputsComeInTheOrderOfTheirNames)

@@ -1,0 +1,188 @@
+#include "estimation/PointIndex.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace fenn::estimation
+{
+
+namespace
+{
+
+using kernels::PointTree;
+
+// Up to here no sum of squares of differences overflows.
+constexpr double largestCoordinate = 0x1p500;
+
+constexpr double largest = std::numeric_limits<double>::max();
+
+bool isOrdinary(double value)
+{
+    return std::fabs(value) <= largestCoordinate;
+}
+
+} // namespace
+
+struct PointIndex::Key
+{
+    double value;
+    std::uint32_t position;
+
+    bool operator<(const Key& other) const
+    {
+        return value < other.value;
+    }
+};
+
+PointIndex::Neighbours::Neighbours(std::size_t maxPts_)
+    : maxPts(maxPts_), found(maxPts_), distances(maxPts_), places(maxPts_)
+{
+}
+
+void PointIndex::Neighbours::makeRoom(std::size_t numVars)
+{
+    const std::size_t size = kernels::treeSearchWorkspaceSize(numVars, maxPts);
+    if (size <= workspaceSize)
+        return;
+    workspaceSize = 0;
+    workspace.allocate(size);
+    workspaceSize = size;
+}
+
+PointIndex::PointIndex(const Coords& coords, std::size_t numPts) : numVars(coords.size())
+{
+    order.reserve(numPts);
+    isSearchable = numVars > 0;
+    for (std::size_t p = 0; p < numPts; ++p)
+    {
+        const auto has = [&](bool (*property)(double))
+        {
+            return std::all_of(coords.begin(), coords.end(), [&](const double* values) { return property(values[p]); });
+        };
+        if (!has([](double value) { return std::isfinite(value); }))
+            continue;
+        order.push_back(static_cast<std::uint32_t>(p));
+        isSearchable = isSearchable && has(isOrdinary);
+    }
+    const std::size_t numLeaves = (order.size() + PointTree::leafSize - 1) / PointTree::leafSize;
+    nodes.resize(numLeaves);
+    isSearchable = isSearchable && numLeaves > 0;
+    if (isSearchable)
+    {
+        std::vector<Key> keys(order.size());
+        divide(coords, 0, numLeaves, keys);
+    }
+    fillLeaves(coords);
+}
+
+/// Parts the points of some leaves at the middle leaf, along the variable in which they lie the farthest apart.
+void PointIndex::divide(const Coords& coords, std::size_t firstLeaf, std::size_t endLeaf, std::vector<Key>& keys)
+{
+    if (endLeaf - firstLeaf < 2)
+        return;
+    const std::size_t middle = firstLeaf + (endLeaf - firstLeaf) / 2;
+    std::uint32_t* const begin = order.data() + firstLeaf * PointTree::leafSize;
+    std::uint32_t* const end = order.data() + std::min(endLeaf * PointTree::leafSize, order.size());
+
+    PointTree::Node& node = nodes[middle];
+    double widest = -1.0;
+    for (std::size_t v = 0; v < numVars; ++v)
+    {
+        double low = coords[v][*begin];
+        double high = low;
+        for (const std::uint32_t* position = begin; position != end; ++position)
+        {
+            low = std::min(low, coords[v][*position]);
+            high = std::max(high, coords[v][*position]);
+        }
+        if (high - low > widest)
+        {
+            widest = high - low;
+            node.variable = v;
+        }
+    }
+
+    const double* const values = coords[node.variable];
+    std::transform(begin, end, keys.begin(), [=](std::uint32_t position) { return Key{values[position], position}; });
+    const auto firstKey = keys.begin();
+    const auto middleKey = firstKey + static_cast<std::ptrdiff_t>((middle - firstLeaf) * PointTree::leafSize);
+    std::nth_element(firstKey, middleKey, firstKey + (end - begin));
+    node.lowerEnd = std::max_element(firstKey, middleKey)->value;
+    node.upperBegin = middleKey->value;
+    std::transform(firstKey, firstKey + (end - begin), begin, [](const Key& key) { return key.position; });
+
+    divide(coords, firstLeaf, middle, keys);
+    divide(coords, middle, endLeaf, keys);
+}
+
+void PointIndex::fillLeaves(const Coords& coords)
+{
+    const std::size_t numPlaces = nodes.size() * PointTree::leafSize;
+    leaves.allocate(numPlaces * numVars);
+    for (std::size_t place = 0; place < numPlaces; ++place)
+    {
+        double* const values =
+            leaves.data() + place / PointTree::leafSize * numVars * PointTree::leafSize + place % PointTree::leafSize;
+        for (std::size_t v = 0; v < numVars; ++v)
+            values[v * PointTree::leafSize] =
+                place < order.size() ? coords[v][order[place]] : std::numeric_limits<double>::infinity();
+    }
+}
+
+double PointIndex::getCoordinate(std::size_t v, std::size_t place) const
+{
+    const std::size_t leaf = place / PointTree::leafSize;
+    return leaves.data()[(leaf * numVars + v) * PointTree::leafSize + place % PointTree::leafSize];
+}
+
+void PointIndex::find(const double* target, Neighbours& nearest) const
+{
+    nearest.numFound = 0;
+    if (nearest.maxPts == 0)
+        return;
+    if (isSearchable && std::all_of(target, target + numVars, isOrdinary))
+        searchTree(target, nearest);
+    else
+        lookAtEveryPoint(target, nearest);
+}
+
+const std::vector<std::uint32_t>& PointIndex::getOrder() const
+{
+    return order;
+}
+
+void PointIndex::searchTree(const double* target, Neighbours& nearest) const
+{
+    nearest.makeRoom(numVars);
+    const PointTree tree{leaves.data(), nodes.data(), order.data(), numVars, order.size()};
+    const std::size_t count = kernels::findNearestInTree(tree, target, nearest.maxPts, nearest.distances.data(),
+                                                         nearest.places.data(), nearest.workspace.data());
+    for (std::size_t i = 0; i < count; ++i)
+        nearest.found[i] = {nearest.distances[i], order[nearest.places[i]], nearest.places[i]};
+    nearest.numFound = count;
+}
+
+/// The definition. Allocates.
+void PointIndex::lookAtEveryPoint(const double* target, Neighbours& nearest) const
+{
+    std::vector<Neighbour> candidates;
+    for (std::size_t place = 0; place < order.size(); ++place)
+    {
+        double distance = 0.0;
+        for (std::size_t v = 0; v < numVars; ++v)
+        {
+            const double difference = target[v] - getCoordinate(v, place);
+            distance += difference * difference;
+        }
+        // DELIBERATE: strict, as in the exhaustive search, where the largest number is the first bound.
+        // Test: PointIndexTest.ADistanceOfTheLargestNumberIsNotFound
+        if (distance < largest)
+            candidates.push_back({distance, order[place], static_cast<std::uint32_t>(place)});
+    }
+    nearest.numFound = std::min(nearest.maxPts, candidates.size());
+    std::partial_sort_copy(candidates.begin(), candidates.end(), nearest.found.begin(),
+                           nearest.found.begin() + static_cast<std::ptrdiff_t>(nearest.numFound));
+}
+
+} // namespace fenn::estimation
