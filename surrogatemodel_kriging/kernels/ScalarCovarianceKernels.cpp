@@ -11,21 +11,16 @@ namespace fenn::kernels::scalar
 namespace
 {
 
-constexpr std::size_t maxInputVars = 32;
-
 double gammaOf(const SphericalModel& model, const BoxedPoints& points, std::size_t j, const double* targets,
                std::size_t t)
 {
-    const double* source[maxInputVars];
-    const double* target[maxInputVars];
+    double lagSquared = 0.0;
     for (std::size_t v = 0; v < model.numInputVars; ++v)
     {
-        source[v] = points.coordinates[v] + j;
-        target[v] = targets + stripWidth * v + t;
+        const double difference = (points.coordinates[v][j] - targets[stripWidth * v + t]) * model.scales[v];
+        lagSquared += difference * difference;
     }
-    double gamma = 0.0;
-    scalar::evaluateSpherical(model, source, 1, target, 1, &gamma, 1);
-    return gamma;
+    return valueAtLag(model, lagSquared);
 }
 
 /// One target's sum; covariance(j) gives those of the points.
