@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "estimation/CovarianceEstimator.h"
 #include "estimation/ExactEstimator.h"
 #include "estimation/LocalEstimator.h"
 #include "estimation/makeModelParts.h"
@@ -25,7 +26,10 @@ std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const Model
     if (!usesAllPoints(settings, parts->getPoints().size()))
         return std::make_unique<LocalEstimator>(parts, settings.driftOrder, settings.numNearestPoints,
                                                 options.numThreads);
-    return exact("");
+    std::string reason;
+    if (auto estimator = CovarianceEstimator::makeWhereProven(parts, settings, options.numThreads, reason))
+        return estimator;
+    return exact(reason);
 }
 
 } // namespace fenn::estimation

@@ -1,0 +1,294 @@
+#include "estimation/CovarianceEstimator.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <utility>
+
+#include "estimation/CovarianceSystem.h"
+#include "estimation/DualSolution.h"
+#include "estimation/ShareWork.h"
+#include "estimation/StripStore.h"
+#include "surrogatemodel_kriging/ModelParts.h"
+#include "surrogatemodel_kriging/WorkerPool.h"
+#include "surrogatemodel_kriging/kernels/CovarianceKernels.h"
+#include "surrogatemodel_kriging/kernels/SolveKernels.h"
+
+namespace fenn::estimation
+{
+
+namespace
+{
+
+using kernels::stripWidth;
+
+// Targets that a thread takes at a time. With variances each holds a column of the right-hand sides: the more, the less
+// often the factor is read from memory.
+constexpr std::size_t targetsPerPiece = 512;
+constexpr std::size_t columnsPerPiece = 128;
+
+std::string toText(double number)
+{
+    std::ostringstream text;
+    text.precision(2);
+    text << number;
+    return text.str();
+}
+
+/// What keeps the covariance form from being tried at all; empty where nothing does.
+std::string obstacleOf(const CovarianceSystem& system)
+{
+    const kernels::SphericalModel model = system.getModel();
+    if (system.getNumPoints() < system.getNumDriftTerms() || system.getNumPoints() <= model.numInputVars)
+        return "there are too few points for the covariance form";
+    const double atRange = model.shapeCoefficient * model.threeRangeSquared;
+    if (!(model.rangeSquared > 0.0) || !std::isfinite(atRange) || !(model.nugget >= 0.0 && model.nugget <= 1.0))
+        return "the covariance form needs a range and a nugget within bounds";
+    return {};
+}
+
+} // namespace
+
+/// Answers some targets of a request, on one thread.
+class CovarianceEstimator::Request
+{
+public:
+    Request(const CovarianceEstimator& estimator_, const Targets& targets_, const Results& results_)
+        : estimator(estimator_),
+          system(*estimator_.system),
+          solution(*estimator_.solution),
+          targets(targets_),
+          results(results_),
+          numDriftTerms(system.getNumDriftTerms()),
+          lanes(stripWidth * targets_.coords.size()),
+          scratch(lanes.size()),
+          drift(stripWidth * numDriftTerms),
+          sums(2 * stripWidth * results_.estimates.size())
+    {
+    }
+
+    void estimate(std::size_t first, std::size_t count)
+    {
+        for (std::size_t done = 0; done < count; done += stripWidth)
+        {
+            const std::size_t numLanes = std::min(stripWidth, count - done);
+            gather(first + done, numLanes);
+            kernels::sumCovariances(system.getModel(), system.getBoxedPoints(), lanes.data(), solution.getWeights(),
+                                    sums.data());
+            system.writeDriftTerms(lanes.data(), drift.data(), scratch.data());
+            write(first + done, numLanes, drift.data());
+        }
+    }
+
+    void estimateWithVariances(std::size_t first, std::size_t count)
+    {
+        const StripStore store(system.getNumRows(), (count + stripWidth - 1) / stripWidth);
+        for (std::size_t done = 0; done < count; done += stripWidth)
+        {
+            const std::size_t numLanes = std::min(stripWidth, count - done);
+            double* strip = store.getStrip(done / stripWidth);
+            gather(first + done, numLanes);
+            system.writeRightHandSides(lanes.data(), strip, scratch.data());
+            kernels::sumLines(strip, system.getNumPoints(), solution.getWeights(), sums.data());
+            write(first + done, numLanes, strip + stripWidth * system.getFirstDriftRow());
+        }
+        system.substitute(store.getGroup());
+        for (std::size_t done = 0; done < count; done += stripWidth)
+            writeVariances(first + done, std::min(stripWidth, count - done), store.getStrip(done / stripWidth));
+    }
+
+private:
+    /// Lanes without a target repeat the last one: what is computed there is thrown away.
+    void gather(std::size_t first, std::size_t numLanes)
+    {
+        for (std::size_t v = 0; v < targets.coords.size(); ++v)
+        {
+            for (std::size_t t = 0; t < stripWidth; ++t)
+                lanes[stripWidth * v + t] = targets.coords[v][first + std::min(t, numLanes - 1)];
+        }
+    }
+
+    /// (f(x_0)^T b + sum of w_j c_j) + reference, the products of drift terms added in ascending order from +0.0 on.
+    void write(std::size_t first, std::size_t numLanes, const double* driftTerms)
+    {
+        for (std::size_t o = 0; o < results.estimates.size(); ++o)
+        {
+            const double* coefficients = solution.getCoefficients(o);
+            double ofDrift[stripWidth] = {};
+            for (std::size_t k = 0; k < numDriftTerms; ++k)
+            {
+                for (std::size_t t = 0; t < stripWidth; ++t)
+                    ofDrift[t] += driftTerms[stripWidth * k + t] * coefficients[k];
+            }
+            for (std::size_t t = 0; t < numLanes; ++t)
+                results.estimates[o][first + t] = (ofDrift[t] + sums[stripWidth * o + t]) + solution.getReference(o);
+        }
+        for (std::size_t t = 0; numDriftTerms > 1 && t < numLanes; ++t)
+        {
+            if (!isInBox(t))
+                estimator.raiseBound(calcBoundOfLane(t, driftTerms));
+        }
+    }
+
+    bool isInBox(std::size_t t) const
+    {
+        for (std::size_t v = 0; v < targets.coords.size(); ++v)
+        {
+            const double coordinate = lanes[stripWidth * v + t];
+            if (!(coordinate >= estimator.low[v] && coordinate <= estimator.high[v]))
+                return false;
+        }
+        return true;
+    }
+
+    double calcBoundOfLane(std::size_t t, const double* driftTerms) const
+    {
+        std::vector<double> terms(numDriftTerms);
+        for (std::size_t k = 0; k < numDriftTerms; ++k)
+            terms[k] = driftTerms[stripWidth * k + t];
+        const double bound = solution.calcBound(terms.data());
+        return std::isnan(bound) ? std::numeric_limits<double>::infinity() : bound;
+    }
+
+    /// 1 - |L^-1 c|^2 + |R^-1 (f - F^T C^-1 c)|^2.
+    void writeVariances(std::size_t first, std::size_t numLanes, double* strip)
+    {
+        double ofPoints[stripWidth];
+        double ofDrift[stripWidth];
+        const kernels::StripGroup points{strip, 0, 1};
+        const kernels::StripGroup driftRows{strip + stripWidth * system.getFirstDriftRow(), 0, 1};
+        kernels::sumProducts(points, points, system.getNumPoints(), ofPoints);
+        kernels::sumProducts(driftRows, driftRows, numDriftTerms, ofDrift);
+        for (std::size_t t = 0; t < numLanes; ++t)
+            results.variances[first + t] = (1.0 - ofPoints[t]) + ofDrift[t];
+    }
+
+    const CovarianceEstimator& estimator;
+    const CovarianceSystem& system;
+    const DualSolution& solution;
+    const Targets& targets;
+    const Results& results;
+    const std::size_t numDriftTerms;
+    std::vector<double> lanes;
+    std::vector<double> scratch;
+    std::vector<double> drift;
+    std::vector<double> sums;
+};
+
+CovarianceEstimator::CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, int driftOrder,
+                                         int numThreads)
+    : Estimator(parts_),
+      workers(std::make_unique<WorkerPool>(numThreads)),
+      system(std::make_unique<CovarianceSystem>(*parts_, driftOrder))
+{
+    for (std::size_t v = 0; v < parts_->getNormalizers().size(); ++v)
+    {
+        const double min = parts_->getMinValues()[v];
+        const double max = parts_->getMaxValues()[v];
+        low.push_back(min - 0.5 * (max - min));
+        high.push_back(max + 0.5 * (max - min));
+    }
+}
+
+CovarianceEstimator::~CovarianceEstimator() = default;
+
+std::unique_ptr<CovarianceEstimator>
+CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& parts, const ModelSettings& settings,
+                                     int numThreads, std::string& reason)
+{
+    std::unique_ptr<CovarianceEstimator> estimator(new CovarianceEstimator(parts, settings.driftOrder, numThreads));
+    const CovarianceSystem& system = *estimator->system;
+    reason = obstacleOf(system);
+    if (!reason.empty())
+        return nullptr;
+    if (!estimator->system->factorise(*estimator->workers))
+    {
+        reason = "the covariance form does not apply: its matrix is not positive definite";
+        return nullptr;
+    }
+
+    // Monomials are largest at a corner of the box, all of them at the same one.
+    const std::size_t numDriftTerms = system.getNumDriftTerms();
+    std::vector<double> corners(stripWidth * estimator->low.size());
+    std::vector<double> scratch(corners.size());
+    std::vector<double> terms(stripWidth * numDriftTerms);
+    for (std::size_t v = 0; v < estimator->low.size(); ++v)
+    {
+        for (std::size_t t = 0; t < stripWidth; ++t)
+            corners[stripWidth * v + t] = t == 0 ? estimator->low[v] : estimator->high[v];
+    }
+    system.writeDriftTerms(corners.data(), terms.data(), scratch.data());
+    std::vector<double> magnitudes(numDriftTerms);
+    for (std::size_t k = 0; k < numDriftTerms; ++k)
+        magnitudes[k] = std::max(std::fabs(terms[stripWidth * k]), std::fabs(terms[stripWidth * k + 1]));
+
+    estimator->solution = std::make_unique<DualSolution>(system, *parts, *estimator->workers, magnitudes, largestBound);
+    estimator->boundInBox = estimator->solution->calcBound(magnitudes.data());
+    estimator->bound = estimator->boundInBox;
+    if (estimator->boundInBox <= largestBound)
+        return estimator;
+    reason = "the covariance form could be off by more than " + toText(largestBound) + " standard deviations";
+    if (std::isfinite(estimator->boundInBox))
+        reason += " (" + toText(estimator->boundInBox) + ")";
+    return nullptr;
+}
+
+void CovarianceEstimator::estimate(const Targets& targets, const Results& results) const
+{
+    if (results.variances == nullptr)
+    {
+        const auto answer = [&](std::size_t first, std::size_t count)
+        {
+            Request(*this, targets, results).estimate(first, count);
+        };
+        if (targets.count <= stripWidth)
+            return answer(0, targets.count);
+        shareWork(*workers, (targets.count + targetsPerPiece - 1) / targetsPerPiece,
+                  [&](std::size_t piece)
+                  {
+                      const std::size_t first = piece * targetsPerPiece;
+                      answer(first, std::min(targetsPerPiece, targets.count - first));
+                  });
+        return;
+    }
+    const auto answer = [&](std::size_t first, std::size_t count)
+    {
+        Request(*this, targets, results).estimateWithVariances(first, count);
+    };
+    if (targets.count <= stripWidth)
+        return answer(0, targets.count);
+    shareWork(*workers, (targets.count + columnsPerPiece - 1) / columnsPerPiece,
+              [&](std::size_t piece)
+              {
+                  const std::size_t first = piece * columnsPerPiece;
+                  answer(first, std::min(columnsPerPiece, targets.count - first));
+              });
+}
+
+void CovarianceEstimator::raiseBound(double targetBound) const
+{
+    double so_far = bound.load(std::memory_order_relaxed);
+    while (!(targetBound <= so_far) && !bound.compare_exchange_weak(so_far, targetBound, std::memory_order_relaxed))
+    {
+    }
+}
+
+EngineReport CovarianceEstimator::getReport() const
+{
+    EngineReport report;
+    report.engine = "covariance form";
+    report.isExact = false;
+    report.bound = bound;
+    report.sentence = "covariance form: one factorisation over all " + std::to_string(system->getNumPoints()) +
+                      " points; estimates differ from the exact ones by at most " + toText(report.bound) +
+                      " standard deviations of the samples";
+    return report;
+}
+
+bool CovarianceEstimator::isGlobal() const
+{
+    return true;
+}
+
+} // namespace fenn::estimation
