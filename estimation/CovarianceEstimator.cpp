@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <sstream>
 #include <utility>
 
 #include "estimation/CovarianceSystem.h"
 #include "estimation/DualSolution.h"
 #include "estimation/ShareWork.h"
+#include "estimation/SpatialOrder.h"
 #include "estimation/StripStore.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/WorkerPool.h"
@@ -23,10 +25,15 @@ namespace
 
 using kernels::stripWidth;
 
-// Targets that a thread takes at a time. With variances each holds a column of the right-hand sides: the more, the less
-// often the factor is read from memory.
-constexpr std::size_t targetsPerPiece = 512;
+// Most targets that a thread takes at a time. Estimates alone: so many that eight neighbours among them lie close
+// together. With variances each holds a column of the right-hand sides: the more, the less often the factor is read
+// from memory.
+constexpr std::size_t targetsPerPiece = 4096;
 constexpr std::size_t columnsPerPiece = 128;
+
+// Below this part of the diagonal of the samples' box a range leaves boxes of points to skip, if eight targets that are
+// asked for together are neighbours.
+constexpr double shortRange = 0.5;
 
 std::string toText(double number)
 {
@@ -68,49 +75,66 @@ public:
     {
     }
 
+    /// In the order of places: an estimate depends on its target alone.
     void estimate(std::size_t first, std::size_t count)
     {
+        places.resize(count);
+        std::iota(places.begin(), places.end(), first);
+        if (estimator.hasShortRange && count > stripWidth)
+            orderPlaces(first, count);
         for (std::size_t done = 0; done < count; done += stripWidth)
         {
             const std::size_t numLanes = std::min(stripWidth, count - done);
-            gather(first + done, numLanes);
+            gather(done, numLanes);
             kernels::sumCovariances(system.getModel(), system.getBoxedPoints(), lanes.data(), solution.getWeights(),
                                     sums.data());
             system.writeDriftTerms(lanes.data(), drift.data(), scratch.data());
-            write(first + done, numLanes, drift.data());
+            write(done, numLanes, drift.data());
         }
     }
 
     void estimateWithVariances(std::size_t first, std::size_t count)
     {
+        places.resize(count);
+        std::iota(places.begin(), places.end(), first);
         const StripStore store(system.getNumRows(), (count + stripWidth - 1) / stripWidth);
         for (std::size_t done = 0; done < count; done += stripWidth)
         {
             const std::size_t numLanes = std::min(stripWidth, count - done);
             double* strip = store.getStrip(done / stripWidth);
-            gather(first + done, numLanes);
+            gather(done, numLanes);
             system.writeRightHandSides(lanes.data(), strip, scratch.data());
             kernels::sumLines(strip, system.getNumPoints(), solution.getWeights(), sums.data());
-            write(first + done, numLanes, strip + stripWidth * system.getFirstDriftRow());
+            write(done, numLanes, strip + stripWidth * system.getFirstDriftRow());
         }
         system.substitute(store.getGroup());
         for (std::size_t done = 0; done < count; done += stripWidth)
-            writeVariances(first + done, std::min(stripWidth, count - done), store.getStrip(done / stripWidth));
+            writeVariances(done, std::min(stripWidth, count - done), store.getStrip(done / stripWidth));
     }
 
 private:
+    void orderPlaces(std::size_t first, std::size_t count)
+    {
+        std::vector<std::vector<double>> coordinates;
+        for (const double* column : targets.coords)
+            coordinates.emplace_back(column + first, column + first + count);
+        places = orderInSpace(coordinates, system.getScales(), stripWidth);
+        for (std::size_t& place : places)
+            place += first;
+    }
+
     /// Lanes without a target repeat the last one: what is computed there is thrown away.
-    void gather(std::size_t first, std::size_t numLanes)
+    void gather(std::size_t begin, std::size_t numLanes)
     {
         for (std::size_t v = 0; v < targets.coords.size(); ++v)
         {
             for (std::size_t t = 0; t < stripWidth; ++t)
-                lanes[stripWidth * v + t] = targets.coords[v][first + std::min(t, numLanes - 1)];
+                lanes[stripWidth * v + t] = targets.coords[v][places[begin + std::min(t, numLanes - 1)]];
         }
     }
 
     /// (f(x_0)^T b + sum of w_j c_j) + reference, the products of drift terms added in ascending order from +0.0 on.
-    void write(std::size_t first, std::size_t numLanes, const double* driftTerms)
+    void write(std::size_t begin, std::size_t numLanes, const double* driftTerms)
     {
         for (std::size_t o = 0; o < results.estimates.size(); ++o)
         {
@@ -122,7 +146,8 @@ private:
                     ofDrift[t] += driftTerms[stripWidth * k + t] * coefficients[k];
             }
             for (std::size_t t = 0; t < numLanes; ++t)
-                results.estimates[o][first + t] = (ofDrift[t] + sums[stripWidth * o + t]) + solution.getReference(o);
+                results.estimates[o][places[begin + t]] =
+                    (ofDrift[t] + sums[stripWidth * o + t]) + solution.getReference(o);
         }
         for (std::size_t t = 0; numDriftTerms > 1 && t < numLanes; ++t)
         {
@@ -152,7 +177,7 @@ private:
     }
 
     /// 1 - |L^-1 c|^2 + |R^-1 (f - F^T C^-1 c)|^2.
-    void writeVariances(std::size_t first, std::size_t numLanes, double* strip)
+    void writeVariances(std::size_t begin, std::size_t numLanes, double* strip)
     {
         double ofPoints[stripWidth];
         double ofDrift[stripWidth];
@@ -161,7 +186,7 @@ private:
         kernels::sumProducts(points, points, system.getNumPoints(), ofPoints);
         kernels::sumProducts(driftRows, driftRows, numDriftTerms, ofDrift);
         for (std::size_t t = 0; t < numLanes; ++t)
-            results.variances[first + t] = (1.0 - ofPoints[t]) + ofDrift[t];
+            results.variances[places[begin + t]] = (1.0 - ofPoints[t]) + ofDrift[t];
     }
 
     const CovarianceEstimator& estimator;
@@ -170,17 +195,19 @@ private:
     const Targets& targets;
     const Results& results;
     const std::size_t numDriftTerms;
+    std::vector<std::size_t> places; // of the targets that are asked for, in the order in which they are answered
     std::vector<double> lanes;
     std::vector<double> scratch;
     std::vector<double> drift;
     std::vector<double> sums;
 };
 
-CovarianceEstimator::CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, int driftOrder,
+CovarianceEstimator::CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, const ModelSettings& settings,
                                          int numThreads)
     : Estimator(parts_),
       workers(std::make_unique<WorkerPool>(numThreads)),
-      system(std::make_unique<CovarianceSystem>(*parts_, driftOrder))
+      system(std::make_unique<CovarianceSystem>(*parts_, settings.driftOrder)),
+      hasShortRange(settings.rangeFraction < shortRange)
 {
     for (std::size_t v = 0; v < parts_->getNormalizers().size(); ++v)
     {
@@ -197,7 +224,7 @@ std::unique_ptr<CovarianceEstimator>
 CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& parts, const ModelSettings& settings,
                                      int numThreads, std::string& reason)
 {
-    std::unique_ptr<CovarianceEstimator> estimator(new CovarianceEstimator(parts, settings.driftOrder, numThreads));
+    std::unique_ptr<CovarianceEstimator> estimator(new CovarianceEstimator(parts, settings, numThreads));
     const CovarianceSystem& system = *estimator->system;
     reason = obstacleOf(system);
     if (!reason.empty())
@@ -236,33 +263,27 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
 
 void CovarianceEstimator::estimate(const Targets& targets, const Results& results) const
 {
-    if (results.variances == nullptr)
-    {
-        const auto answer = [&](std::size_t first, std::size_t count)
-        {
-            Request(*this, targets, results).estimate(first, count);
-        };
-        if (targets.count <= stripWidth)
-            return answer(0, targets.count);
-        shareWork(*workers, (targets.count + targetsPerPiece - 1) / targetsPerPiece,
-                  [&](std::size_t piece)
-                  {
-                      const std::size_t first = piece * targetsPerPiece;
-                      answer(first, std::min(targetsPerPiece, targets.count - first));
-                  });
-        return;
-    }
+    const bool wantsVariances = results.variances != nullptr;
     const auto answer = [&](std::size_t first, std::size_t count)
     {
-        Request(*this, targets, results).estimateWithVariances(first, count);
+        Request request(*this, targets, results);
+        if (wantsVariances)
+            request.estimateWithVariances(first, count);
+        else
+            request.estimate(first, count);
     };
     if (targets.count <= stripWidth)
         return answer(0, targets.count);
-    shareWork(*workers, (targets.count + columnsPerPiece - 1) / columnsPerPiece,
+
+    const auto numThreads = static_cast<std::size_t>(workers->getMaxThreads());
+    const std::size_t sizeOfShare = (targets.count + numThreads - 1) / numThreads;
+    const std::size_t pieceSize = std::min(wantsVariances ? columnsPerPiece : targetsPerPiece,
+                                           (sizeOfShare + stripWidth - 1) / stripWidth * stripWidth);
+    shareWork(*workers, (targets.count + pieceSize - 1) / pieceSize,
               [&](std::size_t piece)
               {
-                  const std::size_t first = piece * columnsPerPiece;
-                  answer(first, std::min(columnsPerPiece, targets.count - first));
+                  const std::size_t first = piece * pieceSize;
+                  answer(first, std::min(pieceSize, targets.count - first));
               });
 }
 

@@ -50,12 +50,13 @@ public:
 private:
     class Request;
 
-    CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, int driftOrder, int numThreads);
+    CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, const ModelSettings& settings, int numThreads);
     void raiseBound(double targetBound) const;
 
     std::unique_ptr<WorkerPool> workers;
     std::unique_ptr<CovarianceSystem> system;
     std::unique_ptr<DualSolution> solution;
+    bool hasShortRange;
     std::vector<double> low; // corners of the box that the proof covers
     std::vector<double> high;
     double boundInBox = 0.0;

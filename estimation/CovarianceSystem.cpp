@@ -78,7 +78,7 @@ CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : 
 
     numDriftTerms = static_cast<std::size_t>(countDriftTerms(driftOrder, scales.size())) + 1;
     triangle.numPositive = kernels::roundUpToTile(points.size());
-    triangle.numRows = triangle.numPositive + kernels::roundUpToTile(numDriftTerms);
+    triangle.numRows = triangle.numPositive + kernels::roundUpToWidth(numDriftTerms);
 }
 
 bool CovarianceSystem::factorise(WorkerPool& workers)
@@ -113,9 +113,8 @@ void CovarianceSystem::assembleTile(std::size_t tile)
 {
     const std::size_t firstRow = triangleTileRows * tile;
     const std::size_t numColumns = firstRow + triangleTileRows;
-    for (std::size_t s = 0; s < triangleTileRows / stripWidth; ++s)
-        assembleStrip(firstRow + stripWidth * s, triangle.line(tile, 0) + PackedTriangle::stripStride(tile) * s,
-                      numColumns);
+    for (std::size_t s = 0; s < kernels::triangleTileStrips; ++s)
+        assembleStrip(firstRow + stripWidth * s, triangle.strip(tile, s), numColumns);
 }
 
 void CovarianceSystem::assembleStrip(std::size_t firstRow, double* strip, std::size_t numColumns)
@@ -142,7 +141,7 @@ void CovarianceSystem::assembleStrip(std::size_t firstRow, double* strip, std::s
 void CovarianceSystem::assembleBorder()
 {
     const std::size_t first = triangle.numPositive;
-    std::fill(triangle.line(first / triangleTileRows, 0), cells.data() + PackedTriangle::sizeFor(triangle.numRows),
+    std::fill(triangle.strip(first / triangleTileRows, 0), cells.data() + PackedTriangle::sizeFor(triangle.numRows),
               0.0);
     std::vector<double> targets(stripWidth * scales.size());
     std::vector<double> scratch(targets.size());
@@ -185,6 +184,11 @@ std::size_t CovarianceSystem::getFirstDriftRow() const
 const std::vector<SourcePointRef>& CovarianceSystem::getPoints() const
 {
     return points;
+}
+
+const std::vector<double>& CovarianceSystem::getScales() const
+{
+    return scales;
 }
 
 kernels::SphericalModel CovarianceSystem::getModel() const
@@ -251,7 +255,7 @@ double CovarianceSystem::calcRowNorm(std::size_t i) const
 
 double CovarianceSystem::calcBytes(std::size_t numPoints, std::size_t numDriftTerms_)
 {
-    const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToTile(numDriftTerms_);
+    const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToWidth(numDriftTerms_);
     const std::size_t size = PackedTriangle::sizeFor(numRows) + kernels::choleskyWorkspaceSize(numRows);
     return sizeof(double) * static_cast<double>(size);
 }

@@ -27,7 +27,7 @@ namespace fenn::estimation
 /// K = L D L^T with D = 1 for the points and -1 for the drift terms: Cholesky's method for C, then for F^T C^-1 F.
 ///
 /// Points stand in an order of their own, neighbours together. Rows: the points, filled up to whole tiles, then from
-/// getFirstDriftRow on the drift terms, filled up likewise; where nothing belongs, right-hand sides hold zeros.
+/// getFirstDriftRow on the drift terms, filled up to whole strips; where nothing belongs, right-hand sides hold zeros.
 ///
 /// Refers to the parts, which must outlive it. Any number of threads may call what is const at once.
 class CovarianceSystem
@@ -47,6 +47,7 @@ public:
     std::size_t getFirstDriftRow() const;
     const std::vector<SourcePointRef>& getPoints() const; // in the order of the rows
 
+    const std::vector<double>& getScales() const; // of the input variables
     kernels::SphericalModel getModel() const;
     kernels::BoxedPoints getBoxedPoints() const;
 

@@ -26,13 +26,10 @@ void subtractBlock(const PackedTriangle& triangle, const CholeskyPlan::Tiles& ro
 {
     for (std::size_t column = columns.begin; column < columns.end; ++column)
     {
-        const double* factors = triangle.line(column, 0);
-        const std::size_t factorStride = PackedTriangle::stripStride(column);
         for (std::size_t row = rows.begin > column ? rows.begin : column; row < rows.end; ++row)
         {
-            for (std::size_t s = 0; s < kTileStrips; ++s)
-                subtractColumns(triangle.line(row, 0) + PackedTriangle::stripStride(row) * s, factors, factorStride,
-                                kTileRows * column, begin, end);
+            for (std::size_t s = 0; s < triangle.numStripsOf(row); ++s)
+                subtractColumns(triangle, column, triangle.strip(row, s), begin, end);
         }
     }
 }
@@ -42,11 +39,12 @@ void negateBlock(const PackedTriangle& triangle, const CholeskyPlan::Tiles& rows
     const Tag d;
     for (std::size_t row = rows.begin; row < rows.end; ++row)
     {
-        const std::size_t endColumn = columns.end < row + 1 ? columns.end : row + 1;
-        for (std::size_t s = 0; s < kTileStrips; ++s)
+        std::size_t endColumn = kTileRows * (columns.end < row + 1 ? columns.end : row + 1);
+        endColumn = endColumn < triangle.numRows ? endColumn : triangle.numRows;
+        for (std::size_t s = 0; s < triangle.numStripsOf(row); ++s)
         {
-            double* strip = triangle.line(row, 0) + PackedTriangle::stripStride(row) * s;
-            for (std::size_t i = kStrip * kTileRows * columns.begin; i < kStrip * kTileRows * endColumn; i += kLanes)
+            double* strip = triangle.strip(row, s);
+            for (std::size_t i = kStrip * kTileRows * columns.begin; i < kStrip * endColumn; i += kLanes)
                 hn::Store(hn::Neg(hn::Load(d, strip + i)), d, strip + i);
         }
     }
@@ -57,60 +55,51 @@ void negateBlock(const PackedTriangle& triangle, const CholeskyPlan::Tiles& rows
 bool finishBlock(const PackedTriangle& triangle, double* reciprocals, const CholeskyPlan::Tiles& rows,
                  const CholeskyPlan::Tiles& columns)
 {
-    const std::size_t firstColumn = kTileRows * columns.begin;
     for (std::size_t tile = columns.begin; tile < columns.end; ++tile)
     {
-        const std::size_t diagonal = kTileRows * tile;
-        const std::size_t factorStride = PackedTriangle::stripStride(tile);
-        subtractBlock(triangle, rows, {tile, tile + 1}, firstColumn, diagonal);
-        double* factors = triangle.line(tile, diagonal);
+        subtractBlock(triangle, rows, {tile, tile + 1}, kTileRows * columns.begin, kTileRows * tile);
         std::size_t row = rows.begin;
         if (row <= tile)
         {
-            if (!factoriseTile(factors, factorStride, reciprocals + diagonal))
+            if (!factoriseTile(triangle, tile, reciprocals))
                 return false;
             row = tile + 1;
         }
         for (; row < rows.end; ++row)
         {
-            for (std::size_t s = 0; s < kTileStrips; ++s)
-                solveTile(factors, factorStride, reciprocals + diagonal,
-                          triangle.line(row, diagonal) + PackedTriangle::stripStride(row) * s, kTileStrips);
+            for (std::size_t s = 0; s < triangle.numStripsOf(row); ++s)
+                solveTile(triangle, tile, reciprocals, triangle.strip(row, s), triangleTileStrips);
         }
     }
     return true;
 }
 
-// Rows and columns of factors that a substitution works on at a time: a block of the strips and one tile of factors
-// then stay in the second-level cache.
-constexpr std::size_t kRowTiles = 8;
+// Tiles of rows and columns that a substitution works on at a time: a block of the strips and one tile of factors then
+// stay in the second-level cache.
+constexpr std::size_t kBlockTiles = 8;
 
 void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group)
 {
-    const std::size_t numTiles = triangle.numRows / kTileRows;
-    for (std::size_t first = 0; first < numTiles; first += kRowTiles)
+    const std::size_t numTiles = triangle.numTiles();
+    for (std::size_t first = 0; first < numTiles; first += kBlockTiles)
     {
-        const std::size_t last = first + kRowTiles < numTiles ? first + kRowTiles : numTiles;
-        for (std::size_t k = 0; k < first; k += kRowTiles)
+        const std::size_t end = first + kBlockTiles < numTiles ? first + kBlockTiles : numTiles;
+        for (std::size_t k = 0; k < first; k += kBlockTiles)
         {
-            for (std::size_t tile = first; tile < last; ++tile)
+            for (std::size_t tile = first; tile < end; ++tile)
             {
                 for (std::size_t s = 0; s < group.numStrips; ++s)
-                    subtractColumns(group.strips + group.stride * s, triangle.line(tile, 0),
-                                    PackedTriangle::stripStride(tile), kTileRows * tile, kTileRows * k,
-                                    kTileRows * (k + kRowTiles));
+                    subtractColumns(triangle, tile, group.strips + group.stride * s, kTileRows * k,
+                                    kTileRows * (k + kBlockTiles));
             }
         }
-        for (std::size_t tile = first; tile < last; ++tile)
+        for (std::size_t tile = first; tile < end; ++tile)
         {
-            const std::size_t diagonal = kTileRows * tile;
-            const std::size_t factorStride = PackedTriangle::stripStride(tile);
             for (std::size_t s = 0; s < group.numStrips; ++s)
             {
                 double* strip = group.strips + group.stride * s;
-                subtractColumns(strip, triangle.line(tile, 0), factorStride, diagonal, kTileRows * first, diagonal);
-                solveTile(triangle.line(tile, diagonal), factorStride, reciprocals + diagonal,
-                          strip + kStrip * diagonal, kTileStrips);
+                subtractColumns(triangle, tile, strip, kTileRows * first, kTileRows * tile);
+                solveTile(triangle, tile, reciprocals, strip, triangle.numStripsOf(tile));
             }
         }
     }
@@ -170,7 +159,7 @@ void substituteLowerTransposed(const PackedTriangle& triangle, const double* rec
     {
         row -= kStrip;
         const std::size_t tile = row / kTileRows;
-        const double* factors = triangle.line(tile, 0) + PackedTriangle::stripStride(tile) * (row % kTileRows / kStrip);
+        const double* factors = triangle.strip(tile, row % kTileRows / kStrip);
         for (std::size_t s = 0; s < group.numStrips; ++s)
         {
             double* strip = group.strips + group.stride * s;
@@ -209,7 +198,7 @@ public:
     explicit CholeskyPiece(SharedCholesky& shared_)
         : shared(shared_),
           triangle(shared_.triangle),
-          plan(triangle.numRows, triangle.numPositive),
+          plan(triangle),
           progress(std::launder(reinterpret_cast<Progress*>(shared_.workspace + triangle.numRows)))
     {
     }
@@ -280,7 +269,7 @@ private:
 
 std::size_t choleskyWorkspaceSize(std::size_t numRows)
 {
-    return numRows + numRows / triangleTileRows; // no more blocks than tiles
+    return numRows + roundUpToTile(numRows) / triangleTileRows; // no more blocks than tiles
 }
 
 bool factoriseCholesky(const PackedTriangle& triangle, double* workspace)
@@ -295,7 +284,7 @@ void prepareSharedCholesky(SharedCholesky& shared, const PackedTriangle& triangl
 {
     shared.triangle = triangle;
     shared.workspace = workspace;
-    const CholeskyPlan plan(triangle.numRows, triangle.numPositive);
+    const CholeskyPlan plan(triangle);
     for (std::size_t block = 0; block < plan.numBlocks; ++block)
         new (workspace + triangle.numRows + block) Progress(0);
 }

@@ -31,9 +31,9 @@ public:
         std::size_t end;
     };
 
-    CholeskyPlan(std::size_t numRows, std::size_t numPositive)
-        : numTiles(numRows / triangleTileRows),
-          numPositiveTiles(numPositive / triangleTileRows),
+    explicit CholeskyPlan(const PackedTriangle& triangle)
+        : numTiles(triangle.numTiles()),
+          numPositiveTiles(triangle.numPositive / triangleTileRows),
           blockTiles(chooseBlockTiles(numTiles)),
           numPositiveBlocks((numPositiveTiles + blockTiles - 1) / blockTiles),
           numBlocks(numPositiveBlocks + (numTiles - numPositiveTiles + blockTiles - 1) / blockTiles)

@@ -29,16 +29,16 @@ using lu::Tag;
 using lu::Vec;
 
 constexpr std::size_t kTileRows = triangleTileRows;
-constexpr std::size_t kTileStrips = kTileRows / kStrip;
 static_assert(kTileRows == lu::kTileRows && kStrip == stripWidth);
 
-/// A strip's lines of 24 columns less the products with a tile of factors: line(c) -= factor(k, c) * line(k) for k
-/// ascending in [begin, end), whole eights. factors is the tile's line 0.
-HWY_INLINE void subtractColumns(double* strip, const double* factors, std::size_t factorStride, std::size_t firstColumn,
-                                std::size_t begin, std::size_t end)
+/// A strip's lines of the columns of a tile less the products with that tile's rows: line(c) -= factor(k, c) * line(k)
+/// for k ascending in [begin, end), whole eights.
+HWY_INLINE void subtractColumns(const PackedTriangle& triangle, std::size_t tile, double* strip, std::size_t begin,
+                                std::size_t end)
 {
-    subtractTile(StripTarget{strip + kStrip * firstColumn}, factors + kStrip * begin, factorStride,
-                 strip + kStrip * begin, end - begin, kTileRows);
+    subtractTile(StripTarget{strip + kStrip * kTileRows * tile}, triangle.strip(tile, 0) + kStrip * begin,
+                 PackedTriangle::stripStride(tile), strip + kStrip * begin, end - begin,
+                 kStrip * triangle.numStripsOf(tile));
 }
 
 /// Eight lines of a strip by a triangle of eight rows: line(i) -= factors(k, i) * line(k) for k ascending in [0, i),
@@ -66,17 +66,19 @@ HWY_INLINE void solveCorner(const double* HWY_RESTRICT factors, const double* HW
     }
 }
 
-/// The same by the first numStrips strips of a tile's triangle. factors is the tile's line of the triangle's first
-/// column, lines the strip's, reciprocals those of the tile.
-HWY_INLINE void solveTile(const double* factors, std::size_t factorStride, const double* reciprocals, double* lines,
+/// Solves for a strip's lines of the columns of a tile, its first numStrips eights, by the tile's triangle.
+HWY_INLINE void solveTile(const PackedTriangle& triangle, std::size_t tile, const double* reciprocals, double* strip,
                           std::size_t numStrips)
 {
+    const std::size_t diagonal = kTileRows * tile;
+    const std::size_t factorStride = PackedTriangle::stripStride(tile);
+    double* lines = strip + kStrip * diagonal;
     for (std::size_t s = 0; s < numStrips; ++s)
     {
-        const double* rowFactors = factors + factorStride * s;
+        const double* factors = triangle.strip(tile, s) + kStrip * diagonal;
         const std::size_t row = kStrip * s;
-        subtractTile(StripTarget{lines + kStrip * row}, rowFactors, factorStride, lines, row, kStrip);
-        solveCorner(rowFactors + kStrip * row, reciprocals + row, lines + kStrip * row);
+        subtractTile(StripTarget{lines + kStrip * row}, factors, factorStride, lines, row, kStrip);
+        solveCorner(factors + kStrip * row, reciprocals + diagonal + row, lines + kStrip * row);
     }
 }
 
@@ -108,19 +110,22 @@ HWY_INLINE bool factoriseCorner(double* lines, double* reciprocals)
 }
 
 /// Factorises a tile on the diagonal; its earlier columns are subtracted already.
-inline bool factoriseTile(double* lines, std::size_t stripStride, double* reciprocals)
+inline bool factoriseTile(const PackedTriangle& triangle, std::size_t tile, double* reciprocals)
 {
     const Tag d;
-    for (std::size_t s = 0; s < kTileStrips; ++s)
+    const std::size_t numStrips = triangle.numStripsOf(tile);
+    const std::size_t diagonal = kTileRows * tile;
+    for (std::size_t s = 0; s < numStrips; ++s)
     {
-        double* own = lines + stripStride * s;
+        double* strip = triangle.strip(tile, s);
         const std::size_t row = kStrip * s;
-        solveTile(lines, stripStride, reciprocals, own, s);
-        subtractTile(StripTarget{own + kStrip * row}, own, stripStride, own, row, kStrip);
-        if (!factoriseCorner(own + kStrip * row, reciprocals + row))
+        solveTile(triangle, tile, reciprocals, strip, s);
+        double* lines = strip + kStrip * diagonal;
+        subtractTile(StripTarget{lines + kStrip * row}, lines, PackedTriangle::stripStride(tile), lines, row, kStrip);
+        if (!factoriseCorner(lines + kStrip * row, reciprocals + diagonal + row))
             return false;
-        for (std::size_t i = kStrip * (row + kStrip); i < kStrip * kTileRows; i += kLanes)
-            hn::Store(hn::Zero(d), d, own + i);
+        for (std::size_t i = kStrip * (row + kStrip); i < kStrip * kStrip * numStrips; i += kLanes)
+            hn::Store(hn::Zero(d), d, lines + i);
     }
     return true;
 }
