@@ -31,6 +31,9 @@ using kernels::stripWidth;
 constexpr std::size_t targetsPerPiece = 4096;
 constexpr std::size_t columnsPerPiece = 128;
 
+// Multiplications below which a second thread costs more to start than it takes over.
+constexpr double minSharedWork = 2e6;
+
 // Below this part of the diagonal of the samples' box a range leaves boxes of points to skip, if eight targets that are
 // asked for together are neighbours.
 constexpr double shortRange = 0.5;
@@ -272,7 +275,9 @@ void CovarianceEstimator::estimate(const Targets& targets, const Results& result
         else
             request.estimate(first, count);
     };
-    if (targets.count <= stripWidth)
+    const auto numPoints = static_cast<double>(system->getNumPoints());
+    const double workPerTarget = wantsVariances ? numPoints * (10.0 + 0.5 * numPoints) : numPoints * 10.0;
+    if (targets.count == 1 || static_cast<double>(targets.count) * workPerTarget < minSharedWork)
         return answer(0, targets.count);
 
     const auto numThreads = static_cast<std::size_t>(workers->getMaxThreads());

@@ -253,11 +253,4 @@ double CovarianceSystem::calcRowNorm(std::size_t i) const
     return std::sqrt(sum);
 }
 
-double CovarianceSystem::calcBytes(std::size_t numPoints, std::size_t numDriftTerms_)
-{
-    const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToWidth(numDriftTerms_);
-    const std::size_t size = PackedTriangle::sizeFor(numRows) + kernels::choleskyWorkspaceSize(numRows);
-    return sizeof(double) * static_cast<double>(size);
-}
-
 } // namespace fenn::estimation

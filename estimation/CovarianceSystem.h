@@ -73,9 +73,6 @@ public:
     /// The Euclidean norm of row i of L.
     double calcRowNorm(std::size_t i) const;
 
-    /// Bytes of a factorised system of numPoints points, for a forecast.
-    static double calcBytes(std::size_t numPoints, std::size_t numDriftTerms);
-
 private:
     void assembleTile(std::size_t tile);
     void assembleStrip(std::size_t firstRow, double* strip, std::size_t numColumns);

@@ -23,6 +23,9 @@ constexpr double unitRoundoff = 0x1p-53;
 constexpr double largestRelativeError = 0.5;
 constexpr int maxCorrections = 3;
 
+// Below this a second thread costs more to start than it takes over.
+constexpr std::size_t minSharedPoints = 256;
+
 // Columns for the norm of the inverse: four at least, and what a strip has room for beside the outputs.
 constexpr std::size_t minNormColumns = 4;
 
@@ -140,8 +143,18 @@ private:
     /// residual = (z, 0) - K (w, b), as if in twice the precision and rounded at last.
     void calcResidual()
     {
-        shareWork(workers, (numPoints + stripWidth - 1) / stripWidth,
-                  [this](std::size_t strip) { calcResidualOfPoints(stripWidth * strip); });
+        const std::size_t numPointStrips = (numPoints + stripWidth - 1) / stripWidth;
+        const auto calcStrip = [this](std::size_t strip)
+        {
+            calcResidualOfPoints(stripWidth * strip);
+        };
+        if (numPoints < minSharedPoints)
+        {
+            for (std::size_t strip = 0; strip < numPointStrips; ++strip)
+                calcStrip(strip);
+        }
+        else
+            shareWork(workers, numPointStrips, calcStrip);
         calcResidualOfDrift();
     }
 

@@ -5,6 +5,7 @@
 #include "estimation/CovarianceEstimator.h"
 #include "estimation/ExactEstimator.h"
 #include "estimation/LocalEstimator.h"
+#include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 
@@ -29,6 +30,9 @@ std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const Model
     std::string reason;
     if (auto estimator = CovarianceEstimator::makeWhereProven(parts, settings, options.numThreads, reason))
         return estimator;
+    if (options.checkStandIn)
+        options.checkStandIn(
+            calcSystemBytes(parts->getPoints().size(), samples.getNumInputVars(), settings.driftOrder));
     return exact(reason);
 }
 
