@@ -377,7 +377,7 @@ TEST(CovarianceEstimatorTest, CoincidentSamplesWithoutANuggetAreRefused)
 
 TEST(CovarianceEstimatorTest, AModelThatIsNotPositiveDefiniteIsRefused)
 {
-    // In six inputs the spherical model of a grid's corners is not valid.
+    // The corners of a cube in eight inputs, where the spherical model is not valid.
     Columns inputs(8, std::vector<double>(256));
     for (std::size_t i = 0; i < 256; ++i)
     {
@@ -386,7 +386,7 @@ TEST(CovarianceEstimatorTest, AModelThatIsNotPositiveDefiniteIsRefused)
     }
     const SampleSet samples(std::move(inputs), fenn::test::randomValues(1, 256, 0.0, 1.0, 2));
 
-    EXPECT_EQ(refusalOf(samples, {-1.0, {}, 0, 0.95, 0.0, 0}),
+    EXPECT_EQ(refusalOf(samples, {-1.0, {}, 0, 0.53, 0.0, 0}),
               "the covariance form does not apply: its matrix is not positive definite");
 }
 
