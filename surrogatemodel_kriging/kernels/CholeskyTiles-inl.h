@@ -1,0 +1,138 @@
+// Per-target guard: Highway includes this file once for every instruction set.
+#if defined(FENN_KERNELS_CHOLESKY_TILES_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef FENN_KERNELS_CHOLESKY_TILES_INL_H
+#undef FENN_KERNELS_CHOLESKY_TILES_INL_H
+#else
+#define FENN_KERNELS_CHOLESKY_TILES_INL_H
+#endif
+
+#include <cmath>
+#include <cstddef>
+
+#include "surrogatemodel_kriging/kernels/CholeskyPlan.h"
+#include "surrogatemodel_kriging/kernels/LuTile-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace fenn::kernels
+{
+namespace HWY_NAMESPACE
+{
+namespace cholesky
+{
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using lu::kLanes;
+using lu::StripTarget;
+using lu::subtractTile;
+using lu::Tag;
+using lu::Vec;
+
+constexpr std::size_t kTileRows = triangleTileRows;
+static_assert(kTileRows == lu::kTileRows && kStrip == stripWidth);
+
+/// A strip's lines of the columns of a tile less the products with that tile's rows: line(c) -= factor(k, c) * line(k)
+/// for k ascending in [begin, end), whole eights.
+HWY_INLINE void subtractColumns(const PackedTriangle& triangle, std::size_t tile, double* strip, std::size_t begin,
+                                std::size_t end)
+{
+    subtractTile(StripTarget{strip + kStrip * kTileRows * tile}, triangle.strip(tile, 0) + kStrip * begin,
+                 PackedTriangle::stripStride(tile), strip + kStrip * begin, end - begin,
+                 kStrip * triangle.numStripsOf(tile));
+}
+
+/// Eight lines of a strip by a triangle of eight rows: line(i) -= factors(k, i) * line(k) for k ascending in [0, i),
+/// then line(i) *= reciprocals[i].
+HWY_INLINE void solveCorner(const double* HWY_RESTRICT factors, const double* HWY_RESTRICT reciprocals, double* lines)
+{
+    const Tag d;
+    for (std::size_t v = 0; v < kStrip; v += kLanes)
+    {
+        Vec sums[kStrip];
+        FENN_UNROLL
+        for (std::size_t i = 0; i < kStrip; ++i)
+            sums[i] = hn::Load(d, lines + kStrip * i + v);
+        FENN_UNROLL
+        for (std::size_t k = 0; k < kStrip; ++k)
+        {
+            sums[k] = hn::Mul(sums[k], hn::Set(d, reciprocals[k]));
+            FENN_UNROLL
+            for (std::size_t i = k + 1; i < kStrip; ++i)
+                sums[i] = hn::Sub(sums[i], hn::Mul(hn::Set(d, factors[kStrip * k + i]), sums[k]));
+        }
+        FENN_UNROLL
+        for (std::size_t i = 0; i < kStrip; ++i)
+            hn::Store(sums[i], d, lines + kStrip * i + v);
+    }
+}
+
+/// Solves for a strip's lines of the columns of a tile, its first numStrips eights, by the tile's triangle.
+HWY_INLINE void solveTile(const PackedTriangle& triangle, std::size_t tile, const double* reciprocals, double* strip,
+                          std::size_t numStrips)
+{
+    const std::size_t diagonal = kTileRows * tile;
+    const std::size_t factorStride = PackedTriangle::stripStride(tile);
+    double* lines = strip + kStrip * diagonal;
+    for (std::size_t s = 0; s < numStrips; ++s)
+    {
+        const double* factors = triangle.strip(tile, s) + kStrip * diagonal;
+        const std::size_t row = kStrip * s;
+        subtractTile(StripTarget{lines + kStrip * row}, factors, factorStride, lines, row, kStrip);
+        solveCorner(factors + kStrip * row, reciprocals + diagonal + row, lines + kStrip * row);
+    }
+}
+
+/// Factorises the eight rows of a diagonal corner, lines being their columns; false at a diagonal element not above 0.
+HWY_INLINE bool factoriseCorner(double* lines, double* reciprocals)
+{
+    const Tag d;
+    for (std::size_t k = 0; k < kStrip; ++k)
+    {
+        double* line = lines + kStrip * k;
+        if (!(line[k] > 0.0))
+            return false;
+        const double diagonal = std::sqrt(line[k]);
+        reciprocals[k] = 1.0 / diagonal;
+        for (std::size_t v = 0; v < kStrip; v += kLanes)
+            hn::Store(hn::Mul(hn::Load(d, line + v), hn::Set(d, reciprocals[k])), d, line + v);
+        for (std::size_t i = 0; i < k; ++i)
+            line[i] = 0.0;
+        line[k] = diagonal;
+        for (std::size_t i = k + 1; i < kStrip; ++i)
+        {
+            const Vec factor = hn::Set(d, line[i]);
+            double* sums = lines + kStrip * i;
+            for (std::size_t v = 0; v < kStrip; v += kLanes)
+                hn::Store(hn::Sub(hn::Load(d, sums + v), hn::Mul(factor, hn::Load(d, line + v))), d, sums + v);
+        }
+    }
+    return true;
+}
+
+/// Factorises a tile on the diagonal; its earlier columns are subtracted already.
+inline bool factoriseTile(const PackedTriangle& triangle, std::size_t tile, double* reciprocals)
+{
+    const Tag d;
+    const std::size_t numStrips = triangle.numStripsOf(tile);
+    const std::size_t diagonal = kTileRows * tile;
+    for (std::size_t s = 0; s < numStrips; ++s)
+    {
+        double* strip = triangle.strip(tile, s);
+        const std::size_t row = kStrip * s;
+        solveTile(triangle, tile, reciprocals, strip, s);
+        double* lines = strip + kStrip * diagonal;
+        subtractTile(StripTarget{lines + kStrip * row}, lines, PackedTriangle::stripStride(tile), lines, row, kStrip);
+        if (!factoriseCorner(lines + kStrip * row, reciprocals + diagonal + row))
+            return false;
+        for (std::size_t i = kStrip * (row + kStrip); i < kStrip * kStrip * numStrips; i += kLanes)
+            hn::Store(hn::Zero(d), d, lines + i);
+    }
+    return true;
+}
+
+} // namespace cholesky
+} // namespace HWY_NAMESPACE
+} // namespace fenn::kernels
+HWY_AFTER_NAMESPACE();
+
+#endif
