@@ -9,11 +9,10 @@
 
 #include "estimation/CovarianceSystem.h"
 #include "estimation/DualSolution.h"
-#include "estimation/ShareWork.h"
+#include "estimation/ParallelRanges.h"
 #include "estimation/SpatialOrder.h"
 #include "estimation/StripStore.h"
 #include "surrogatemodel_kriging/ModelParts.h"
-#include "surrogatemodel_kriging/WorkerPool.h"
 #include "surrogatemodel_kriging/kernels/CovarianceKernels.h"
 #include "surrogatemodel_kriging/kernels/SolveKernels.h"
 
@@ -208,7 +207,7 @@ private:
 CovarianceEstimator::CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, const ModelSettings& settings,
                                          int numThreads)
     : Estimator(parts_),
-      workers(std::make_unique<WorkerPool>(numThreads)),
+      threads(std::make_unique<ParallelRanges>(numThreads)),
       system(std::make_unique<CovarianceSystem>(*parts_, settings.driftOrder)),
       hasShortRange(settings.rangeFraction < shortRange)
 {
@@ -232,7 +231,7 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
     reason = obstacleOf(system);
     if (!reason.empty())
         return nullptr;
-    if (!estimator->system->factorise(*estimator->workers))
+    if (!estimator->system->factorise(*estimator->threads))
     {
         reason = "the covariance form does not apply: its matrix is not positive definite";
         return nullptr;
@@ -253,7 +252,7 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
     for (std::size_t k = 0; k < numDriftTerms; ++k)
         magnitudes[k] = std::max(std::fabs(terms[stripWidth * k]), std::fabs(terms[stripWidth * k + 1]));
 
-    estimator->solution = std::make_unique<DualSolution>(system, *parts, *estimator->workers, magnitudes, largestBound);
+    estimator->solution = std::make_unique<DualSolution>(system, *parts, *estimator->threads, magnitudes, largestBound);
     estimator->boundInBox = estimator->solution->calcBound(magnitudes.data());
     estimator->bound = estimator->boundInBox;
     if (estimator->boundInBox <= largestBound)
@@ -280,16 +279,12 @@ void CovarianceEstimator::estimate(const Targets& targets, const Results& result
     if (targets.count == 1 || static_cast<double>(targets.count) * workPerTarget < minSharedWork)
         return answer(0, targets.count);
 
-    const auto numThreads = static_cast<std::size_t>(workers->getMaxThreads());
+    const std::size_t numThreads = threads->getNumThreads();
     const std::size_t sizeOfShare = (targets.count + numThreads - 1) / numThreads;
     const std::size_t pieceSize = std::min(wantsVariances ? columnsPerPiece : targetsPerPiece,
                                            (sizeOfShare + stripWidth - 1) / stripWidth * stripWidth);
-    shareWork(*workers, (targets.count + pieceSize - 1) / pieceSize,
-              [&](std::size_t piece)
-              {
-                  const std::size_t first = piece * pieceSize;
-                  answer(first, std::min(pieceSize, targets.count - first));
-              });
+    threads->run(targets.count, pieceSize,
+                 [&](std::size_t, std::size_t first, std::size_t end) { answer(first, end - first); });
 }
 
 void CovarianceEstimator::raiseBound(double targetBound) const

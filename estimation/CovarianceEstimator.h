@@ -10,16 +10,12 @@
 #include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
 
-namespace fenn
-{
-class WorkerPool;
-}
-
 namespace fenn::estimation
 {
 
 class CovarianceSystem;
 class DualSolution;
+class ParallelRanges;
 
 /// A global model in covariance form: one Cholesky factorisation, dual weights, n evaluations of the semivariogram per
 /// target, one triangular solve more for its variance. In real numbers it is the system that the plug-in solves; how
@@ -53,7 +49,7 @@ private:
     CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, const ModelSettings& settings, int numThreads);
     void raiseBound(double targetBound) const;
 
-    std::unique_ptr<WorkerPool> workers;
+    std::unique_ptr<ParallelRanges> threads;
     std::unique_ptr<CovarianceSystem> system;
     std::unique_ptr<DualSolution> solution;
     bool hasShortRange;

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "estimation/ShareWork.h"
+#include "estimation/ParallelRanges.h"
 #include "estimation/SpatialOrder.h"
 #include "estimation/SystemSize.h"
 #include "surrogatemodel_kriging/DriftTerms.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
-#include "surrogatemodel_kriging/WorkerPool.h"
 
 namespace fenn::estimation
 {
@@ -54,6 +53,7 @@ CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : 
     const SurrogateModelDataBlock& block = parts.getDataBlock();
     for (const Normalizer& normalizer : parts.getNormalizers())
         scales.push_back(normalizer.getScale());
+    model = parts.getSemivariogram().getKernelModel(scales.data());
     const std::vector<SourcePointRef>& unordered = parts.getPoints();
     points.reserve(unordered.size());
     for (const std::size_t index : orderInSpace(gather(block, unordered), scales, pointsPerBox))
@@ -81,7 +81,7 @@ CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : 
     triangle.numRows = triangle.numPositive + kernels::roundUpToWidth(numDriftTerms);
 }
 
-bool CovarianceSystem::factorise(WorkerPool& workers)
+bool CovarianceSystem::factorise(ParallelRanges& threads)
 {
     cells.allocate(PackedTriangle::sizeFor(triangle.numRows));
     workspace.allocate(kernels::choleskyWorkspaceSize(triangle.numRows));
@@ -94,7 +94,7 @@ bool CovarianceSystem::factorise(WorkerPool& workers)
             assembleTile(tile);
     }
     else // the largest first
-        shareWork(workers, numTiles, [&](std::size_t i) { assembleTile(numTiles - 1 - i); });
+        threads.run(numTiles, 1, [&](std::size_t, std::size_t i, std::size_t) { assembleTile(numTiles - 1 - i); });
     assembleBorder();
 
     kernels::SharedCholesky shared;
@@ -102,7 +102,8 @@ bool CovarianceSystem::factorise(WorkerPool& workers)
     if (triangle.numRows < minSharedRows)
         kernels::workOnSharedCholesky(shared);
     else
-        workers.runBesideCaller(workers.getMaxThreads(), [&shared] { kernels::workOnSharedCholesky(shared); });
+        threads.run(threads.getNumThreads(), 1,
+                    [&shared](std::size_t, std::size_t, std::size_t) { kernels::workOnSharedCholesky(shared); });
     if (!shared.failed)
         return true;
     cells.allocate(0);
@@ -193,7 +194,7 @@ const std::vector<double>& CovarianceSystem::getScales() const
 
 kernels::SphericalModel CovarianceSystem::getModel() const
 {
-    return parts.getSemivariogram().getKernelModel(scales.data());
+    return model;
 }
 
 kernels::BoxedPoints CovarianceSystem::getBoxedPoints() const

@@ -5,10 +5,9 @@
 #include <limits>
 
 #include "estimation/InverseNorm.h"
-#include "estimation/ShareWork.h"
+#include "estimation/ParallelRanges.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
-#include "surrogatemodel_kriging/WorkerPool.h"
 #include "surrogatemodel_kriging/kernels/ErrorFree.h"
 
 namespace fenn::estimation
@@ -44,9 +43,9 @@ void subtractProduct(double& high, double& low, double a, double b)
 class DualSolution::Refinement
 {
 public:
-    Refinement(const CovarianceSystem& system_, WorkerPool& workers_, std::size_t numOutputs_)
+    Refinement(const CovarianceSystem& system_, ParallelRanges& threads_, std::size_t numOutputs_)
         : system(system_),
-          workers(workers_),
+          threads(threads_),
           numOutputs(numOutputs_),
           numPoints(system_.getNumPoints()),
           numRows(system_.getNumRows()),
@@ -154,7 +153,7 @@ private:
                 calcStrip(strip);
         }
         else
-            shareWork(workers, numPointStrips, calcStrip);
+            threads.run(numPointStrips, 1, [&](std::size_t, std::size_t strip, std::size_t) { calcStrip(strip); });
         calcResidualOfDrift();
     }
 
@@ -217,7 +216,7 @@ private:
     }
 
     const CovarianceSystem& system;
-    WorkerPool& workers;
+    ParallelRanges& threads;
     const std::size_t numOutputs;
     const std::size_t numPoints;
     const std::size_t numRows;
@@ -230,13 +229,13 @@ private:
     std::vector<double> residual; // likewise; after a solve the correction
 };
 
-DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& parts, WorkerPool& workers,
+DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& parts, ParallelRanges& threads,
                            const std::vector<double>& driftMagnitudes, double tolerance)
     : numPoints(system.getNumPoints()), numDriftTerms(system.getNumDriftTerms())
 {
     const SurrogateModelDataBlock& block = parts.getDataBlock();
     outputs.resize(static_cast<std::size_t>(block.getNumOutputVars()));
-    Refinement refinement(system, workers, outputs.size());
+    Refinement refinement(system, threads, outputs.size());
     std::vector<double> values(numPoints);
     for (std::size_t o = 0; o < outputs.size(); ++o)
     {
