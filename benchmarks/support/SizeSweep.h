@@ -57,10 +57,11 @@ public:
             if (besideCube(n) > besideCube(worstStep))
                 worstStep = n;
         }
-        reportAtMost(path + ", beside the next multiple of eight rows", "worst: n = " + std::to_string(worstFill),
-                     besideNextMultiple(worstFill), "x", 1.4);
-        reportAtMost(path + ", beside the cube from eight rows fewer", "worst: n = " + std::to_string(worstStep),
-                     besideCube(worstStep), "x", 1.3);
+        std::printf("worst: n = %zu and n = %zu\n", worstFill, worstStep);
+        reportAtMost(path + " of every size", "cost beside that of the next multiple of eight rows",
+                     besideNextMultiple(worstFill), "times", 1.4);
+        reportAtMost(path + " of every size", "cost beside the cube from eight rows fewer", besideCube(worstStep),
+                     "times", 1.3);
     }
 
 private:
