@@ -8,20 +8,10 @@
 #include <limits>
 #include <string>
 
-#include <time.h>
-
 #include "benchmarks/support/Bars.h"
 
 namespace fenn::benchmarks
 {
-
-/// Seconds of processor time that this thread has used: other processes on the machine do not count.
-inline double threadSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
 
 /// Systems of every number of rows, for what their cost ought not to do: jump from one number to the next.
 class SizeSweep
