@@ -19,6 +19,12 @@ function(fenn_configure_target target)
     # A project that embeds this one brings its own compiler: what it warns about must not break that build.
     if(PROJECT_IS_TOP_LEVEL)
         target_compile_options(${target} PRIVATE
-            $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror>)
+            $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow>)
+    endif()
+    # Off unless asked for: a packager's compiler may know warnings that ours does not.
+    if(FENN_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE
+            $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Werror>
+            $<$<CXX_COMPILER_ID:MSVC>:/WX>)
     endif()
 endfunction()

@@ -2,12 +2,17 @@
 
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# Debian packages, by the groups of script/bootstrap.
 build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev"
-test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db parallel python3"
+test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db help2man parallel python3"
 benchmark_packages="libbenchmark-dev libopenblas-dev gnuplot-nox python3"
 peer_packages="python3 python3-scipy python3-openturns r-cran-gstat r-base-core"
 abi_packages="abigail-tools"
 fuzz_packages="clang libclang-rt-14-dev llvm"
+coverage_packages="gcovr"
+mutation_packages="ccache git python3"
+lint_packages="clang-format clang-tidy"
+arm_packages="g++-aarch64-linux-gnu qemu-user libhwy-dev:arm64 qtbase5-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64"
 
 heading() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
@@ -37,6 +42,9 @@ require_packages() {
     fi
     for name in "$@"; do is_installed "$name" || missing+=("$name"); done
     [ ${#missing[@]} -gt 0 ] || return 0
+    case " ${missing[*]} " in
+    *:arm64\ *) dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64 ;;
+    esac
     heading "Installing ${missing[*]}"
     as_root apt-get update -q &&
         as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}" ||

@@ -1,0 +1,108 @@
+#include "host/model/ModelOptions.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <gmock/gmock.h>
+
+#include "host/text/HostErrors.h"
+#include "tests/host/TemporaryFolder.h"
+
+using krige::ModelOptions;
+using krige::UsageError;
+using krige::test::messageOf;
+using krige::test::TemporaryFolder;
+using testing::ElementsAre;
+
+namespace
+{
+
+/// The options of a command line that goes on after `samples.csv --inputs x,y --outputs z`.
+ModelOptions parsed(std::vector<std::string> more)
+{
+    std::vector<std::string> words{"samples.csv", "--inputs", "x,y", "--outputs", "z"};
+    words.insert(words.end(), more.begin(), more.end());
+    CLI::App app;
+    ModelOptions options;
+    krige::addModelOptions(app, options);
+    std::reverse(words.begin(), words.end()); // the parser takes the last one first
+    app.parse(words);
+    return options;
+}
+
+} // namespace
+
+TEST(ModelOptionsTest, WithoutOptionsTheSettingsAreTheModelsDefaults)
+{
+    const ModelOptions options = parsed({});
+
+    EXPECT_EQ(options.samplesPath, "samples.csv");
+    EXPECT_THAT(options.inputNames, ElementsAre("x", "y"));
+    EXPECT_THAT(options.outputNames, ElementsAre("z"));
+    EXPECT_TRUE(options.settings == fenn::estimation::ModelSettings());
+}
+
+TEST(ModelOptionsTest, EverySettingHasAnOption)
+{
+    const ModelOptions options = parsed({"--duplicate-tolerance", "0", "--scale", "1,2", "--drift", "1", "--range",
+                                         "0.5", "--nugget", "0.25", "--nearest", "8"});
+
+    EXPECT_EQ(options.settings.duplicateTolerance, 0.0);
+    EXPECT_THAT(options.settings.scaleFactors, ElementsAre(1.0, 2.0));
+    EXPECT_EQ(options.settings.driftOrder, 1);
+    EXPECT_EQ(options.settings.rangeFraction, 0.5);
+    EXPECT_EQ(options.settings.nugget, 0.25);
+    EXPECT_EQ(options.settings.numNearestPoints, 8);
+}
+
+TEST(ModelOptionsTest, AnOptionWinsOverTheSettingsFileWhereverItStands)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("best.toml", "drift = 1\nnugget = 0.5\n");
+
+    for (const std::vector<std::string>& words :
+         std::vector<std::vector<std::string>>{{"--config", path, "--drift", "2"}, {"--drift", "2", "--config", path}})
+    {
+        const ModelOptions options = parsed(words);
+        EXPECT_EQ(options.settings.driftOrder, 2);
+        EXPECT_EQ(options.settings.nugget, 0.5);
+    }
+}
+
+TEST(ModelOptionsTest, AMalformedSettingNamesItsOption)
+{
+    EXPECT_EQ(messageOf<UsageError>([] { parsed({"--nugget", "much"}); }), "--nugget: 'much' is not a number");
+}
+
+TEST(ModelOptionsTest, NamesWithCommasStandInQuotes)
+{
+    EXPECT_THAT(krige::parseNames("--inputs", "x,\"a,b\""), ElementsAre("x", "a,b"));
+}
+
+TEST(ModelOptionsTest, EmptyNamesAreRefused)
+{
+    EXPECT_EQ(messageOf<UsageError>([] { krige::parseNames("--inputs", ""); }),
+              "--inputs: needs the name of at least one column");
+    EXPECT_EQ(messageOf<UsageError>([] { krige::parseNames("--inputs", "x,"); }), "--inputs: 'x,' holds an empty name");
+}
+
+TEST(ModelOptionsTest, AColumnThatIsNamedTwiceIsRefused)
+{
+    ModelOptions options = parsed({});
+    options.outputNames = {"x"};
+
+    EXPECT_EQ(messageOf<UsageError>([&] { krige::checkModelOptions(options); }),
+              "--inputs and --outputs: the column 'x' is named twice");
+}
+
+TEST(ModelOptionsTest, ScaleFactorsAreOnePerInputOrNone)
+{
+    ModelOptions options = parsed({});
+    EXPECT_NO_THROW(krige::checkModelOptions(options));
+    options.settings.scaleFactors = {1.0};
+
+    EXPECT_EQ(messageOf<UsageError>([&] { krige::checkModelOptions(options); }),
+              "--scale: 1 factor for 2 inputs; give one each");
+}

@@ -1,0 +1,83 @@
+#include "host/model/SettingKeys.h"
+
+#include <gmock/gmock.h>
+
+#include "host/text/HostErrors.h"
+#include "tests/host/TemporaryFolder.h"
+
+using fenn::estimation::ModelSettings;
+using krige::applySetting;
+using krige::UsageError;
+using krige::test::messageOf;
+
+namespace
+{
+
+std::string faultOf(const std::string& key, const std::string& text)
+{
+    ModelSettings settings;
+    return messageOf<UsageError>([&] { applySetting(settings, key, text); });
+}
+
+} // namespace
+
+TEST(SettingKeysTest, EveryKeySetsItsOwnField)
+{
+    ModelSettings settings;
+    applySetting(settings, "duplicate-tolerance", "0.25");
+    applySetting(settings, "scale", "1,-2");
+    applySetting(settings, "drift", "3");
+    applySetting(settings, "range", "0.5");
+    applySetting(settings, "nugget", "0.125");
+    applySetting(settings, "nearest", "32");
+
+    ModelSettings expected;
+    expected.duplicateTolerance = 0.25;
+    expected.scaleFactors = {1.0, -2.0};
+    expected.driftOrder = 3;
+    expected.rangeFraction = 0.5;
+    expected.nugget = 0.125;
+    expected.numNearestPoints = 32;
+    EXPECT_TRUE(settings == expected);
+    EXPECT_EQ(krige::settingKeys().size(), 6u);
+}
+
+TEST(SettingKeysTest, AnUnknownKeyIsAnsweredWithThoseThereAre)
+{
+    EXPECT_EQ(faultOf("drfit", "1"), "'drfit' is no setting; the settings are duplicate-tolerance, scale, drift, "
+                                     "range, nugget, nearest");
+}
+
+TEST(SettingKeysTest, AValueOutOfBoundsIsAnsweredWithTheBounds)
+{
+    EXPECT_EQ(faultOf("drift", "5"), "drift: must be a whole number from 0 to 4, not '5'");
+    EXPECT_EQ(faultOf("drift", "1.0"), "drift: must be a whole number from 0 to 4, not '1.0'");
+    EXPECT_EQ(faultOf("range", "-1"), "range: must be at least 0, not '-1'");
+    EXPECT_EQ(faultOf("nugget", "1.5"), "nugget: must be between 0 and 1, not '1.5'");
+    EXPECT_EQ(faultOf("nearest", "-3"), "nearest: must be a whole number of at least 0, not '-3'");
+}
+
+TEST(SettingKeysTest, WhatIsNoFiniteNumberIsRefused)
+{
+    EXPECT_EQ(faultOf("nugget", "small"), "nugget: 'small' is not a number");
+    EXPECT_EQ(faultOf("range", "inf"), "range: needs a finite number, not 'inf'");
+    EXPECT_EQ(faultOf("scale", "1,,2"), "scale: needs a finite number, not ''");
+    EXPECT_EQ(faultOf("scale", ""), "scale: needs one number per input");
+}
+
+TEST(SettingKeysTest, ARefusedValueLeavesTheSettingAlone)
+{
+    ModelSettings settings;
+    settings.driftOrder = 2;
+
+    EXPECT_THROW(applySetting(settings, "drift", "9"), UsageError);
+    EXPECT_EQ(settings.driftOrder, 2);
+}
+
+TEST(SettingKeysTest, TheMessageBeginsWithTheNameThatWasTyped)
+{
+    ModelSettings settings;
+    const krige::SettingKey& drift = krige::settingKeys()[2];
+
+    EXPECT_THAT(messageOf<UsageError>([&] { drift.apply(settings, "--drift", "x"); }), testing::StartsWith("--drift:"));
+}
