@@ -5,8 +5,10 @@
 // Compares the bits first and refuses to time anything else; then takes the best of several runs of each and prints the
 // ratios to the fastest of OpenBLAS's kernels. Pin it to one core.
 //
-// Sizes: 12 to 33 are the systems of local Kriging with 8 to 32 neighbours, 65 to 513 global ones of usual sample sizes
-// plus a constant, 1000 to 4000 large ones. The plain loops are left out above 2000 rows, where they take minutes.
+// Every number of rows up to 80, to see that none costs much more than its neighbours: it is the systems of local
+// Kriging that have them. Sizes beside LAPACK: 12 to 33 are the systems of local Kriging with 8 to 32 neighbours, 65 to
+// 513 global ones of usual sample sizes plus a constant, 1000 to 4000 large ones. The plain loops are left out above
+// 2000 rows, where they take minutes.
 
 #include <algorithm>
 #include <chrono>
@@ -14,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <string>
 #include <thread>
@@ -22,6 +25,7 @@
 #include <benchmark/benchmark.h>
 
 #include "benchmarks/support/Bars.h"
+#include "benchmarks/support/SizeSweep.h"
 #include "benchmarks/support/Yardstick.h"
 #include "surrogatemodel_kriging/ElementStore.h"
 #include "surrogatemodel_kriging/kernels/LuKernels.h"
@@ -188,6 +192,34 @@ void printRatios(std::size_t n)
                                         timeOnce(system, &System::factorisePlainly) / kernels.best(), "x", 25.0);
 }
 
+/// Seconds a factorisation of n rows takes, the best of some runs over several copies of a matrix. The workspace holds
+/// denormal leftovers, as a used heap may.
+double secondsOfSmallFactorisation(std::size_t n)
+{
+    constexpr std::size_t numCopies = 32;
+    constexpr int numRuns = 8;
+    fenn::ElementStore elements, workspace;
+    elements.allocate(numCopies * n * n);
+    workspace.allocate(fenn::kernels::luWorkspaceSize(n));
+    std::vector<double*> rows(numCopies * n);
+    std::vector<int> pivots(n);
+    double best = std::numeric_limits<double>::infinity();
+    for (int run = 0; run < numRuns; ++run)
+    {
+        std::mt19937_64 engine(n);
+        for (std::size_t i = 0; i < numCopies * n * n; ++i)
+            elements.data()[i] = static_cast<double>(engine() >> 11) * 0x1p-53 - 0.5;
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            rows[i] = elements.data() + i * n;
+        std::fill_n(workspace.data(), fenn::kernels::luWorkspaceSize(n), 3e-310);
+        const double begin = fenn::benchmarks::threadSeconds();
+        for (std::size_t copy = 0; copy < numCopies; ++copy)
+            fenn::kernels::factoriseLu(rows.data() + copy * n, n, pivots.data(), workspace.data());
+        best = std::min(best, (fenn::benchmarks::threadSeconds() - begin) / static_cast<double>(numCopies));
+    }
+    return best;
+}
+
 void factoriseMatrix(benchmark::State& state, void (System::*operation)())
 {
     System system(static_cast<std::size_t>(state.range(0)));
@@ -226,6 +258,7 @@ int main(int argc, char** argv)
             return EXIT_FAILURE;
         }
     }
+    fenn::benchmarks::SizeSweep(2, secondsOfSmallFactorisation).print("factorisation");
     for (const std::size_t n : sizes)
         printRatios(n);
     std::printf("\n");

@@ -1,4 +1,4 @@
-// The exhaustive search for one target at a time, and the one of a request of many targets.
+// The exhaustive search for the points nearest to one target.
 //
 //     taskset -c 1 ./NearestNeighborBenchmark
 //
@@ -17,7 +17,6 @@
 #include "benchmarks/support/Bars.h"
 #include "benchmarks/support/ScatteredSamples.h"
 #include "surrogatemodel_kriging/NearestNeighborSearch.h"
-#include "surrogatemodel_kriging/RequestNeighborSearch.h"
 
 namespace
 {
@@ -30,7 +29,7 @@ struct Case
     std::size_t numVars;
     std::size_t numPts;
     int numNearest;
-    double bar; // ns a point for a single target; 0 without
+    double bar; // ns a point; 0 without
 };
 
 constexpr Case cases[] = {
@@ -66,7 +65,6 @@ public:
         : samples(shape.numVars, shape.numPts, numTargets, isSorted),
           numNearest(shape.numNearest),
           search(samples.block.get(), static_cast<int>(shape.numVars), 1),
-          requestSearch(*samples.block, search, numNearest, static_cast<int>(numTargets)),
           found(static_cast<std::size_t>(numNearest))
     {
         for (std::size_t t = 0; t < numTargets; ++t)
@@ -78,37 +76,22 @@ public:
         for (std::size_t t = 0; t < 4; ++t)
         {
             const std::vector<SourcePointRef> expected = nearestByFullSort(samples, targets[t], numNearest);
-            search.findNearestPts(targets[t], numNearest, found);
-            if (found != expected)
-                return false;
-            requestSearch.findNearestPts(targets[t], found);
+            findNearest(t);
             if (found != expected)
                 return false;
         }
         return true;
     }
 
-    void searchSingly(std::size_t t)
+    void findNearest(std::size_t t)
     {
         search.findNearestPts(targets[t], numNearest, found);
-    }
-
-    void searchForRequest(std::size_t t)
-    {
-        requestSearch.findNearestPts(targets[t], found);
-    }
-
-    void prepareRequest()
-    {
-        const fenn::RequestNeighborSearch prepared(*samples.block, search, numNearest, static_cast<int>(numTargets));
-        benchmark::DoNotOptimize(&prepared);
     }
 
 private:
     ScatteredSamples samples;
     int numNearest;
     NearestNeighborSearch search;
-    fenn::RequestNeighborSearch requestSearch;
     std::vector<std::vector<double>> targets;
     std::vector<SourcePointRef> found;
 };
@@ -143,37 +126,33 @@ bool printCase(const Case& shape, bool isSorted)
         return false;
     }
     const int numRepeats = shape.numPts > 100000 ? 40 : 200;
-    const auto single = timePerTarget(numRepeats, [&](std::size_t t) { searches.searchSingly(t); });
-    const auto request = timePerTarget(numRepeats, [&](std::size_t t) { searches.searchForRequest(t); });
-    const RunTime preparation(20, [&] { searches.prepareRequest(); });
+    const auto time = timePerTarget(numRepeats, [&](std::size_t t) { searches.findNearest(t); });
     const double perPoint = 1e9 / static_cast<double>(shape.numPts);
-    std::printf("%2zu %8zu %4d %7s %9.2f %9.3f %9.3f %6.2f %9.2f %9.3f %9.3f %9.1f\n", shape.numVars, shape.numPts,
-                shape.numNearest, isSorted ? "sorted" : "random", 1e6 * single.first, single.first * perPoint,
-                single.second * perPoint, shape.bar, 1e6 * request.first, request.first * perPoint,
-                request.second * perPoint, 1e6 * preparation.best);
+    std::printf("%2zu %8zu %4d %7s %9.2f %9.3f %9.3f %6.2f\n", shape.numVars, shape.numPts, shape.numNearest,
+                isSorted ? "sorted" : "random", 1e6 * time.first, time.first * perPoint, time.second * perPoint,
+                shape.bar);
     if (shape.bar > 0.0 && !isSorted)
         fenn::benchmarks::reportAtMost("scan for the nearest, single call",
                                        "d = " + std::to_string(shape.numVars) + ", " + std::to_string(shape.numPts) +
                                            " points, N = " + std::to_string(shape.numNearest),
-                                       single.first * perPoint, "ns a point", shape.bar);
+                                       time.first * perPoint, "ns a point", shape.bar);
     return true;
 }
 
-void searchNearest(benchmark::State& state, void (Searches::*run)(std::size_t))
+void findNearest(benchmark::State& state)
 {
     Searches searches(cases[state.range(0)], false);
     std::size_t t = 0;
     for (auto iteration : state)
     {
         static_cast<void>(iteration);
-        (searches.*run)(t++ % numTargets);
+        searches.findNearest(t++ % numTargets);
     }
 }
 
 } // namespace
 
-BENCHMARK_CAPTURE(searchNearest, single, &Searches::searchSingly)->DenseRange(0, 4);
-BENCHMARK_CAPTURE(searchNearest, request, &Searches::searchForRequest)->DenseRange(0, 4);
+BENCHMARK(findNearest)->DenseRange(0, 4);
 
 int main(int argc, char** argv)
 {
@@ -181,10 +160,8 @@ int main(int argc, char** argv)
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return EXIT_FAILURE;
 
-    std::printf("per target: us, ns a point (median) and bar of a single search; the same in a request; us to prepare "
-                "a request\n");
-    std::printf("%2s %8s %4s %7s %9s %9s %9s %6s %9s %9s %9s %9s\n", "d", "points", "N", "order", "us", "ns/point",
-                "(median)", "bar", "us", "ns/point", "(median)", "prepare");
+    std::printf("a target: us, ns a point (median) and its bar\n");
+    std::printf("%2s %8s %4s %7s %9s %9s %9s %6s\n", "d", "points", "N", "order", "us", "ns/point", "(median)", "bar");
     for (const Case& shape : cases)
     {
         if (!printCase(shape, false) || !printCase(shape, true))

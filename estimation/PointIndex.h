@@ -3,9 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
-#include <memory>
 #include <vector>
+
+#include "surrogatemodel_kriging/ElementStore.h"
+#include "surrogatemodel_kriging/kernels/PointTreeKernels.h"
 
 namespace fenn::estimation
 {
@@ -15,7 +16,7 @@ namespace fenn::estimation
 /// Squared distances are sums over the variables, ascending, of (target - point)^2, every operation rounded once: those
 /// of NearestNeighborSearch with a scale of 1. Nearer is the lower distance and, at equal distance, the lower position.
 /// Points whose squared distance is not finite, and all points for a target that is not, are never found. The tree only
-/// tells which points need not be looked at, with room for the roundings of its own distances.
+/// tells which points need not be looked at.
 ///
 /// Copies the coordinates. Immutable after construction: any number of threads may search, each with neighbours of its
 /// own.
@@ -34,8 +35,8 @@ public:
         }
     };
 
-    /// The at most maxPts nearest points of one search, nearest first. Reused from search to search, one allocates
-    /// nothing.
+    /// The at most maxPts nearest points of one search, nearest first, and what searches work in: reused, one allocates
+    /// nothing for an index of as many variables.
     class Neighbours
     {
     public:
@@ -53,20 +54,19 @@ public:
     private:
         friend class PointIndex;
 
-        void clear();
-        void offer(const Neighbour& neighbour);
+        void makeRoom(std::size_t numVars);
 
         std::size_t maxPts;
         std::size_t numFound = 0;
-        double bound = 0.0; // no point farther away is wanted
         std::vector<Neighbour> found;
+        std::vector<double> distances;
+        std::vector<std::uint32_t> places;
+        std::size_t workspaceSize = 0;
+        ElementStore workspace;
     };
 
     /// coords: one array per variable, each of numPts values, at most 2^32 - 1. Throws std::bad_alloc.
-    PointIndex(const std::vector<const double*>& coords, std::size_t numPts_);
-    PointIndex(const PointIndex& other) = delete;
-    PointIndex& operator=(const PointIndex& other) = delete;
-    ~PointIndex();
+    PointIndex(const std::vector<const double*>& coords, std::size_t numPts);
 
     /// target: one coordinate per variable.
     void find(const double* target, Neighbours& nearest) const;
@@ -76,18 +76,20 @@ public:
     const std::vector<std::uint32_t>& getOrder() const;
 
 private:
-    class Tree;
-    template <int kNumVars>
-    class TreeOf;
-    class Collector;
+    struct Key;
+    using Coords = std::vector<const double*>;
 
-    double squaredDistance(const double* target, std::size_t place) const;
+    void divide(const Coords& coords, std::size_t firstLeaf, std::size_t endLeaf, std::vector<Key>& keys);
+    void fillLeaves(const Coords& coords);
+    double getCoordinate(std::size_t v, std::size_t place) const;
+    void searchTree(const double* target, Neighbours& nearest) const;
     void lookAtEveryPoint(const double* target, Neighbours& nearest) const;
 
     std::size_t numVars;
     std::vector<std::uint32_t> order;
-    std::vector<double> coordinates; // of place k: entries k * numVars to (k + 1) * numVars - 1
-    std::unique_ptr<Tree> tree;      // null where its arithmetic could overflow, and without variables
+    ElementStore leaves; // coordinates as PointTree has them
+    std::vector<kernels::PointTree::Node> nodes;
+    bool isSearchable = false; // no sum of squares can overflow unless the target is too far away
 };
 
 } // namespace fenn::estimation

@@ -1,6 +1,6 @@
-// Blocks of samples, made awkward: duplicate removal and output statistics bit for bit, the nearest-neighbour searches
-// of a target and of a request entry for entry, against naive versions; the vector kernels of the search against their
-// scalar definitions. On every instruction set of the processor.
+// Blocks of samples, made awkward: duplicate removal and output statistics bit for bit and the nearest-neighbour search
+// entry for entry, against naive versions; the vector kernels of the search against their scalar definitions. On every
+// instruction set of the processor.
 //
 // Left out because the caller answers for it: blocks of unequal numbers of variables, arrays shorter than announced, no
 // block at all, a second removal, and a search without input variables.
@@ -8,13 +8,11 @@
 #include <algorithm>
 #include <limits>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "fuzz/InputBytes.h"
 #include "surrogatemodel_kriging/NearestNeighborSearch.h"
-#include "surrogatemodel_kriging/RequestNeighborSearch.h"
 #include "surrogatemodel_kriging/kernels/DistanceKernels.h"
 #include "surrogatemodel_kriging/kernels/ScalarDistanceKernels.h"
 #include "tests/support/Bits.h"
@@ -132,98 +130,65 @@ void compareSearches(const SampleBlocks& samples, const Lists& targets, std::siz
 {
     const SurrogateModelDataBlock& block = samples.block();
     const NearestNeighborSearch search(&block, block.getNumInputVars(), block.getNumBlocks());
-    const int numNearest = std::max(maxPts, 1);
-    fenn::RequestNeighborSearch small(block, search, numNearest, 1);
-    fenn::RequestNeighborSearch large(block, search, numNearest, 1000); // from a copy in single precision
     for (std::size_t t = 0; t < numTargets; ++t)
     {
         std::vector<double> target;
         for (const std::vector<double>& variable : targets)
             target.push_back(variable[t]);
-        const auto compare = [&](int count, int mostPts, const Points& found, const std::string& name)
-        {
-            Points expected = naiveNearestPts(samples, target, mostPts);
-            check(count == static_cast<int>(expected.size()), "number of nearest points: " + name);
-            expected.resize(found.size(), untouched);
-            check(found == expected, "nearest points: " + name);
-        };
-        const Points nothing(static_cast<std::size_t>(numNearest) + 2, untouched);
-        Points found = nothing;
-        int count = search.findNearestPts(target, maxPts, found);
-        compare(count, maxPts, found, "one target");
-        found = nothing;
-        count = small.findNearestPts(target, found);
-        compare(count, numNearest, found, "a small request");
-        found = nothing;
-        count = large.findNearestPts(target, found);
-        compare(count, numNearest, found, "a large request");
+        Points found(static_cast<std::size_t>(std::max(maxPts, 0)) + 2, untouched);
+        Points expected = naiveNearestPts(samples, target, maxPts);
+        check(search.findNearestPts(target, maxPts, found) == static_cast<int>(expected.size()),
+              "number of nearest points");
+        expected.resize(found.size(), untouched);
+        check(found == expected, "nearest points");
     }
 }
 
-/// The kernels of one block over coordinates of type T.
-template <typename T>
-void compareKernels(const Lists& points, std::size_t numPts, const std::vector<double>& target, std::size_t groupSize,
-                    double radius, std::size_t limit)
+/// The kernels of one block.
+void compareKernels(const Lists& points, std::size_t numPts, const std::vector<double>& target, double scale,
+                    std::size_t groupSize, double threshold, std::size_t limit)
 {
     using namespace fenn::kernels;
-    using Position = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
-    constexpr T infinity = std::numeric_limits<T>::infinity();
-    const auto toT = [](double value)
-    {
-        return static_cast<T>(std::fabs(value) <= static_cast<double>(std::numeric_limits<T>::max()) ? value : NAN);
-    };
-    std::vector<std::vector<T>> arrays;
-    std::vector<const T*> coords;
-    std::vector<T> place;
-    for (std::size_t v = 0; v < points.size(); ++v)
-    {
-        arrays.emplace_back(numPts);
-        std::transform(points[v].begin(), points[v].end(), arrays[v].begin(), toT);
-        place.push_back(toT(target[v]));
-    }
-    for (const std::vector<T>& array : arrays)
-        coords.push_back(array.data());
+    std::vector<const double*> coords;
+    for (const std::vector<double>& variable : points)
+        coords.push_back(variable.data());
+    const TargetAndPoints input{target.data(), scale, coords.size(), coords.data(), numPts};
 
     const std::size_t numGroups = (numPts + groupSize - 1) / groupSize;
     const std::size_t numFolded = 2;
-    std::vector<T> minima((numGroups + 1) * minimaPerGroup, T(-1));
-    std::vector<T> folded(numFolded * minimaPerGroup, infinity);
-    std::vector<T> scalarMinima = minima;
-    std::vector<T> scalarFolded = folded;
-    groupMinima(coords.data(), coords.size(), numPts, place.data(), groupSize, minima.data(), folded.data(), 1,
-                numFolded);
-    scalar::groupMinima(coords.data(), coords.size(), numPts, place.data(), groupSize, scalarMinima.data(),
-                        scalarFolded.data(), 1, numFolded);
-    check(minima == scalarMinima && folded == scalarFolded, "minima of the groups");
+    std::vector<double> ofGroups((numGroups + 1) * minimaPerGroup, -1.0);
+    std::vector<double> folded(numFolded * minimaPerGroup, std::numeric_limits<double>::infinity());
+    std::vector<double> scalarOfGroups = ofGroups;
+    std::vector<double> scalarFolded = folded;
+    const GroupMinima minima{groupSize, ofGroups.data(), folded.data(), numFolded, limit % 2};
+    groupMinima(input, minima);
+    scalar::groupMinima(input, {groupSize, scalarOfGroups.data(), scalarFolded.data(), numFolded, limit % 2});
+    check(ofGroups == scalarOfGroups && folded == scalarFolded, "minima of the groups");
 
-    std::vector<T> distances(limit + groupSize + 1);
-    std::vector<Position> positions(distances.size());
-    std::vector<T> scalarDistances = distances;
-    std::vector<Position> scalarPositions = positions;
-    const T* const fromGroups = scalarMinima.data() + minimaPerGroup;
-    const T threshold = toT(radius * radius);
+    std::vector<Candidate> candidates(limit + groupSize + 1);
+    std::vector<Candidate> scalarCandidates = candidates;
     for (std::size_t first = 0; first < numPts;)
     {
-        std::size_t numHits = 0;
-        std::size_t numScalarHits = 0;
-        const std::size_t next =
-            collectPtsWithin(coords.data(), coords.size(), first, numPts, place.data(), threshold, groupSize,
-                             fromGroups, distances.data(), positions.data(), numHits, limit);
-        const std::size_t scalarNext =
-            scalar::collectPtsWithin(coords.data(), coords.size(), first, numPts, place.data(), threshold, groupSize,
-                                     fromGroups, scalarDistances.data(), scalarPositions.data(), numScalarHits, limit);
-        check(next == scalarNext && numHits == numScalarHits, "number of points within a distance");
-        check(std::equal(distances.begin(), distances.begin() + static_cast<std::ptrdiff_t>(numHits),
-                         scalarDistances.begin()),
-              "distances within a distance");
-        check(std::equal(positions.begin(), positions.begin() + static_cast<std::ptrdiff_t>(numHits),
-                         scalarPositions.begin()),
-              "points within a distance");
-        if (numHits > 0)
+        CandidateList list{candidates.data(), 0, limit};
+        CandidateList scalarList{scalarCandidates.data(), 0, limit};
+        const std::size_t next = collectPtsWithin(input, minima, threshold, first, 1, list);
+        check(next == scalar::collectPtsWithin(input, minima, threshold, first, 1, scalarList) &&
+                  list.count == scalarList.count,
+              "number of points within a distance");
+        std::vector<double> distances;
+        for (std::size_t i = 0; i < list.count; ++i)
         {
-            const std::size_t rank = 1 + limit % numHits;
-            check(boundOfNearest(distances.data(), numHits, rank) ==
-                      scalar::boundOfNearest(distances.data(), numHits, rank),
+            const Candidate& expected = scalarCandidates[i];
+            distances.push_back(expected.distance);
+            check(candidates[i].distance == expected.distance && candidates[i].block == expected.block &&
+                      candidates[i].point == expected.point,
+                  "points within a distance");
+        }
+        if (!distances.empty())
+        {
+            const std::size_t rank = 1 + limit % distances.size();
+            check(boundOfNearest(distances.data(), distances.size(), rank) ==
+                      scalar::boundOfNearest(distances.data(), distances.size(), rank),
                   "bound of the nearest");
         }
         first = next;
@@ -271,7 +236,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const std::vector<double>& variable : targets)
         target.push_back(variable[0]);
     const std::size_t numPts = samples[0].inputs[0].size();
-    compareKernels<float>(samples[0].inputs, numPts, target, groupSize, radius, limit);
-    compareKernels<double>(samples[0].inputs, numPts, target, groupSize, radius, limit);
+    compareKernels(samples[0].inputs, numPts, target, normalizers[0].getScale(), groupSize, radius * radius, limit);
     return 0;
 }

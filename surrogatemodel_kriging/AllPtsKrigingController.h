@@ -7,20 +7,17 @@
 
 #include "surrogatemodel_kriging/KrigingControllerAbstract.h"
 #include "surrogatemodel_kriging/KrigingMatrix.h"
+#include "surrogatemodel_kriging/PoolGuard.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
 
-namespace fenn
-{
-class WorkerPool;
-}
-
+class QThreadPool;
 class SemivariogramInterface;
 
 /// Global Kriging: one system over all unblanked points, factorised at construction; the targets of a request are
 /// divided into contiguous ranges that a pool of this controller's own evaluates in parallel.
 ///
 /// Where the system refuses the pool its threads, the calling thread does their work: to the same bits and failures,
-/// and without waiting for them for more than a moment; see WorkerPool.
+/// and without waiting for them for more than a moment; see PoolGuard.
 ///
 /// Refers to the data block and the semivariogram, which must outlive it. Several threads may run requests at once.
 class AllPtsKrigingController : public KrigingControllerAbstract
@@ -45,7 +42,8 @@ public:
 private:
     KrigingMatrix krigingMatrix;           // factorised, read-only after construction
     std::vector<SourcePointRef> sourcePts; // entry i owns row i of the system
-    std::unique_ptr<fenn::WorkerPool> workers;
+    std::unique_ptr<QThreadPool> threadPool;
+    fenn::PoolGuard poolGuard; // of that pool
 };
 
 #endif

@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace fenn
+{
+
 namespace
 {
 
-using fenn::kernels::maxGroupStrips;
-using fenn::kernels::stripWidth;
+using kernels::maxGroupStrips;
+using kernels::stripWidth;
 
 constexpr int laneCount = static_cast<int>(stripWidth);
 constexpr int groupTargets = static_cast<int>(maxGroupStrips * stripWidth);
@@ -30,41 +33,26 @@ std::size_t numStripsFor(int numTargets)
 }
 
 /// Where entry 0 of a target of a group stands; the next ones follow stripWidth apart.
-double* laneOf(const fenn::kernels::StripGroup& group, int t)
+double* laneOf(const kernels::StripGroup& group, int t)
 {
     return group.strips + group.stride * toIndex(t / laneCount) + toIndex(t % laneCount);
 }
 
 } // namespace
 
-BatchEstimator::BatchEstimator(const KrigingMatrix& krigingMatrix_, const std::vector<SourcePointRef>& sourcePts,
-                               const std::set<int>& outputVars,
-                               const std::function<const Normalizer&(int)>& normalizerOf, bool wantsVariances_,
+BatchEstimator::BatchEstimator(const KrigingMatrix& krigingMatrix_, const BatchInputs& inputs_, bool wantsVariances_,
                                int maxTargets)
     : krigingMatrix(krigingMatrix_),
+      inputs(inputs_),
       dimension(toIndex(krigingMatrix_.getDimension())),
       wantsVariances(wantsVariances_),
       hasTinyDiagonal(krigingMatrix_.hasTinyDiagonal()),
-      isCentred(std::make_unique<bool[]>(outputVars.size())),
+      lanes(inputs_.points.getNumInputVars() * stripWidth),
+      target(inputs_.points.getNumInputVars()),
       column(dimension),
-      sums(outputVars.size() * maxGroupStrips * stripWidth)
+      scratch(inputs_.points.getNumInputVars() * stripWidth),
+      sums(inputs_.outputs.size() * maxGroupStrips * stripWidth)
 {
-    krigingMatrix.calcRowOrder(rowOrder);
-    krigingMatrix.gatherCoordinates(sourcePts, points);
-    target.resize(points.getNumInputVars());
-    lanes.resize(points.getNumInputVars() * stripWidth);
-    scratch.resize(points.getNumInputVars() * stripWidth);
-
-    outputStore.resize(outputVars.size() * points.getNumPts());
-    for (const int outputVar : outputVars)
-    {
-        const double reference = normalizerOf(outputVar).getOffset();
-        double* values = outputStore.data() + outputs.size() * points.getNumPts();
-        krigingMatrix.gatherOutputs(outputVar, reference, sourcePts, values);
-        isCentred[outputs.size()] = KrigingMatrix::isCentred(reference);
-        references.push_back(reference);
-        outputs.push_back(values);
-    }
     layOutGroups(maxTargets);
 }
 
@@ -125,14 +113,14 @@ void BatchEstimator::fill(Group& group, const Arrays& targetCoords)
     }
     for (int first = 0; first < group.numTargets; first += laneCount)
     {
-        for (std::size_t v = 0; v < points.getNumInputVars(); ++v)
+        for (std::size_t v = 0; v < inputs.points.getNumInputVars(); ++v)
         {
             // Lanes without a target repeat the last one: what is computed there is thrown away.
             for (int t = 0; t < laneCount; ++t)
                 lanes[v * stripWidth + toIndex(t)] =
                     targetCoords[v][group.firstTarget + std::min(first + t, group.numTargets - 1)];
         }
-        krigingMatrix.buildRightHandSides(laneOf(group.rightHandSides, first), lanes.data(), points, scratch);
+        krigingMatrix.buildRightHandSides(laneOf(group.rightHandSides, first), lanes.data(), inputs.points, scratch);
     }
 }
 
@@ -144,7 +132,7 @@ void BatchEstimator::fillSingly(Group& group, const Arrays& targetCoords)
         group.numTargets = t; // should this one throw
         for (std::size_t v = 0; v < target.size(); ++v)
             target[v] = targetCoords[v][group.firstTarget + t];
-        krigingMatrix.buildRightHandSide(column.data(), target.data(), points, scratch);
+        krigingMatrix.buildRightHandSide(column.data(), target.data(), inputs.points, scratch);
         double* lane = laneOf(group.rightHandSides, t);
         for (std::size_t j = 0; j < dimension; ++j)
             lane[j * stripWidth] = column[j];
@@ -156,7 +144,7 @@ void BatchEstimator::permute(Group& group)
 {
     group.rightHandSides.numStrips = numStripsFor(group.numTargets);
     group.solutions.numStrips = group.rightHandSides.numStrips;
-    fenn::kernels::permuteRows(rowOrder.data(), dimension, group.rightHandSides, group.solutions);
+    kernels::permuteRows(inputs.rowOrder.data(), dimension, group.rightHandSides, group.solutions);
 
     // The single solve skips a right-hand side's leading zeros, which with an infinite or NaN factor, or a zero of
     // negative sign, is not the same as multiplying them.
@@ -179,19 +167,19 @@ void BatchEstimator::write(const Group& group, const Arrays& values, const Array
     const std::size_t rowLength = group.solutions.numStrips * stripWidth;
     if (rowLength == 0)
         return;
-    fenn::kernels::sumWeighted(group.solutions, points.getNumPts(), outputs.data(), isCentred.get(), outputs.size(),
-                               sums.data());
-    for (std::size_t o = 0; o < outputs.size(); ++o)
+    kernels::sumWeighted(group.solutions, inputs.points.getNumPts(), inputs.outputs.data(), inputs.isCentred.get(),
+                         inputs.outputs.size(), sums.data());
+    for (std::size_t o = 0; o < inputs.outputs.size(); ++o)
     {
         const double* sum = sums.data() + o * rowLength;
         double* target_ = values[o] + group.firstTarget;
         for (std::size_t t = 0; t < toIndex(group.numTargets); ++t)
-            target_[t] = isCentred[o] ? sum[t] + references[o] : sum[t];
+            target_[t] = inputs.isCentred[o] ? sum[t] + inputs.references[o] : sum[t];
     }
     if (!wantsVariances)
         return;
-    fenn::kernels::sumProducts(group.solutions, group.rightHandSides, dimension, varianceSums.data());
-    for (std::size_t o = 0; o < outputs.size(); ++o)
+    kernels::sumProducts(group.solutions, group.rightHandSides, dimension, varianceSums.data());
+    for (std::size_t o = 0; o < inputs.outputs.size(); ++o)
         std::copy_n(varianceSums.data(), group.numTargets, variances[o] + group.firstTarget);
 }
 
@@ -207,16 +195,18 @@ void BatchEstimator::solveSingly(const Group& group, const Arrays& values, const
         double variance = column[0] * rightHandSide[0];
         for (std::size_t j = 1; j < dimension; ++j)
             variance += column[j] * rightHandSide[j * stripWidth];
-        for (std::size_t o = 0; o < outputs.size(); ++o)
+        for (std::size_t o = 0; o < inputs.outputs.size(); ++o)
         {
-            double sum = column[0] * outputs[o][0];
-            if (isCentred[o])
+            double sum = column[0] * inputs.outputs[o][0];
+            if (inputs.isCentred[o])
                 sum = 0.0 + sum;
-            for (std::size_t j = 1; j < points.getNumPts(); ++j)
-                sum += column[j] * outputs[o][j];
-            values[o][group.firstTarget + t] = isCentred[o] ? sum + references[o] : sum;
+            for (std::size_t j = 1; j < inputs.points.getNumPts(); ++j)
+                sum += column[j] * inputs.outputs[o][j];
+            values[o][group.firstTarget + t] = inputs.isCentred[o] ? sum + inputs.references[o] : sum;
             if (wantsVariances)
                 variances[o][group.firstTarget + t] = variance;
         }
     }
 }
+
+} // namespace fenn

@@ -11,12 +11,19 @@
 #include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SourcePointRef.h"
+#include "surrogatemodel_kriging/TaskTicket.h"
+
+namespace fenn
+{
+struct BatchInputs;
+}
 
 /// One contiguous range of a request's targets, evaluated against a factorised system on one thread: a pool's, or,
 /// where the pool has none, the request's own.
 ///
-/// Refers to everything it is given, which must outlive it; owns its function object only. Tasks of one request write
-/// to different targets and share the rest read-only. A pool that is given a task deletes it after running it.
+/// Refers to everything it is given, which must outlive it; owns its function object and its scratch only. Tasks of one
+/// request write to different targets and share the rest read-only. A pool that is given a task deletes it after
+/// running it.
 class InterpolationTask : public QRunnable
 {
 public:
@@ -29,12 +36,24 @@ public:
                       std::exception_ptr* failure_ = nullptr);
     ~InterpolationTask() override;
 
+    /// Whether a task of so many targets evaluates batches; the others need nothing that is gathered.
+    static bool needsBatchInputs(int numTaskTargets);
+
+    /// What the tasks of a request share. A task that needs it and is not given it, or null, gathers for itself.
+    void setBatchInputs(const fenn::BatchInputs* batchInputs_);
+
+    /// For a task of a guarded pool: it runs only where the ticket lets it.
+    void setTicket(fenn::TaskTicket ticket_);
+
     /// Evaluates the targets in ascending order, up to the first whose solve fails; those before it have their values.
+    /// Without targets nothing is read.
     void run() override;
 
 private:
     void evaluateTargets();
     void evaluateTargetsKeepingFailure();
+    void evaluateSingly();
+    void evaluateBatches(const fenn::BatchInputs& inputs);
 
     std::function<const Normalizer&(int)> normalizerOf;
     const KrigingMatrix* krigingMatrix;
@@ -46,6 +65,9 @@ private:
     std::vector<double*>* values;
     std::vector<double*>* variances;
     std::exception_ptr* failure;
+    std::vector<double> scratch; // coordinate differences
+    const fenn::BatchInputs* batchInputs = nullptr;
+    fenn::TaskTicket ticket;
 };
 
 #endif

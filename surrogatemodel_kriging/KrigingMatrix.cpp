@@ -9,7 +9,6 @@
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/DriftTerms.h"
 #include "surrogatemodel_kriging/SemivariogramInterface.h"
-#include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace
@@ -75,8 +74,7 @@ KrigingMatrix::KrigingMatrix(const SurrogateModelDataBlock& block, int numPts_,
       numPts(numPts_),
       semivariogram(semivariogram_),
       driftOrder(driftOrder_),
-      numInputVars(block.getNumInputVars()),
-      isSpherical(dynamic_cast<const SphericalSemivariogram*>(semivariogram_) != nullptr)
+      numInputVars(block.getNumInputVars())
 {
     allocate(systemDimension(block, numPts, driftOrder));
     assembledPts.resize(numInputVars, numPts);
@@ -150,8 +148,8 @@ void KrigingMatrix::assembleRow(int i, std::vector<double>& scratch)
     double* row = getRow(i);
     row[i] = 0.0; // never evaluated: the model gives its nugget at a zero separation
     const std::size_t point = toIndex(i);
-    const ColumnPointers self(assembledPts, point);
-    const ColumnPointers following(assembledPts, point + 1);
+    const fenn::ColumnPointers self(assembledPts, point);
+    const fenn::ColumnPointers following(assembledPts, point + 1);
     semivariogram->evaluatePairs(following.getArrays(toIndex(numPts) - point - 1), self.getArrays(1), row + i + 1, 1);
     for (std::size_t v = 0; v < toIndex(numInputVars); ++v)
         pointCoordinates[v] = assembledPts.getColumn(v)[i];
@@ -167,12 +165,12 @@ void KrigingMatrix::writeConstraints(double* out, const double* target, std::vec
     *next = 1.0;
 }
 
-const PointColumns& KrigingMatrix::getAssembledPts() const
+const fenn::PointColumns& KrigingMatrix::getAssembledPts() const
 {
     return assembledPts;
 }
 
-void KrigingMatrix::gatherCoordinates(const std::vector<SourcePointRef>& points, PointColumns& columns) const
+void KrigingMatrix::gatherCoordinates(const std::vector<SourcePointRef>& points, fenn::PointColumns& columns) const
 {
     columns.resize(numInputVars, numPts);
     for (std::size_t j = 0; j < toIndex(numPts); ++j)
@@ -199,20 +197,20 @@ bool KrigingMatrix::isCentred(double reference)
     return reference < -centringThreshold() || reference > centringThreshold();
 }
 
-void KrigingMatrix::buildRightHandSide(double* out, const double* target, const PointColumns& points,
+void KrigingMatrix::buildRightHandSide(double* out, const double* target, const fenn::PointColumns& points,
                                        std::vector<double>& scratch) const
 {
-    const ColumnPointers sources(points, 0);
-    const ColumnPointers self(target, toIndex(numInputVars), 1, 0);
+    const fenn::ColumnPointers sources(points, 0);
+    const fenn::ColumnPointers self(target, toIndex(numInputVars), 1, 0);
     semivariogram->evaluatePairs(sources.getArrays(points.getNumPts()), self.getArrays(1), out, 1);
     writeConstraints(out + points.getNumPts(), target, scratch);
 }
 
-void KrigingMatrix::buildRightHandSides(double* strip, const double* targets, const PointColumns& points,
+void KrigingMatrix::buildRightHandSides(double* strip, const double* targets, const fenn::PointColumns& points,
                                         std::vector<double>& scratch) const
 {
-    const ColumnPointers sources(points, 0);
-    const ColumnPointers lanes(targets, toIndex(numInputVars), stripWidth, 0);
+    const fenn::ColumnPointers sources(points, 0);
+    const fenn::ColumnPointers lanes(targets, toIndex(numInputVars), stripWidth, 0);
     semivariogram->evaluatePairs(sources.getArrays(points.getNumPts()), lanes.getArrays(stripWidth), strip, stripWidth);
     double* next = strip + points.getNumPts() * stripWidth;
     if (driftOrder > 0)
@@ -223,7 +221,7 @@ void KrigingMatrix::buildRightHandSides(double* strip, const double* targets, co
 
 bool KrigingMatrix::evaluatesInBulk() const
 {
-    return isSpherical;
+    return semivariogram->neverThrows();
 }
 
 void KrigingMatrix::buildRightHandSide(double* out, int first, const std::vector<double>& target,

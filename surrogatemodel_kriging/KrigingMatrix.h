@@ -57,9 +57,9 @@ public:
     // right-hand side, belong to one list. What is gathered does not follow later changes of the host's arrays.
 
     /// The coordinates of the first n points as the last assemble gathered them.
-    const PointColumns& getAssembledPts() const;
+    const fenn::PointColumns& getAssembledPts() const;
 
-    void gatherCoordinates(const std::vector<SourcePointRef>& points, PointColumns& columns) const;
+    void gatherCoordinates(const std::vector<SourcePointRef>& points, fenn::PointColumns& columns) const;
 
     /// Outputs of the first n points, less the reference where estimateCentered would centre on it.
     void gatherOutputs(int outputVar, double reference, const std::vector<SourcePointRef>& points,
@@ -68,16 +68,16 @@ public:
     static bool isCentred(double reference);
 
     /// A whole right-hand side. target: one raw coordinate per input variable. Allocates nothing.
-    void buildRightHandSide(double* out, const double* target, const PointColumns& points,
+    void buildRightHandSide(double* out, const double* target, const fenn::PointColumns& points,
                             std::vector<double>& scratch) const;
 
     /// Those of eight targets, entry j of target t to strip[8 * j + t]. Coordinate v of target t is targets[8 * v + t];
     /// scratch: at least eight entries per input variable.
-    void buildRightHandSides(double* strip, const double* targets, const PointColumns& points,
+    void buildRightHandSides(double* strip, const double* targets, const fenn::PointColumns& points,
                              std::vector<double>& scratch) const;
 
-    /// Whether buildRightHandSides may be used at all: the semivariogram is one that never throws. Others are asked
-    /// target by target, so that one that throws leaves the targets before it complete.
+    /// Whether buildRightHandSides may be used at all: the semivariogram never throws. Another is asked target by
+    /// target, so that the targets before the one that it throws at are complete.
     bool evaluatesInBulk() const;
 
     /// Sum over the points of weights[j] times output outputVar of point j, ascending, starting with the first product.
@@ -108,8 +108,7 @@ private:
     const SemivariogramInterface* semivariogram;
     int driftOrder;
     int numInputVars;
-    bool isSpherical;
-    PointColumns assembledPts;
+    fenn::PointColumns assembledPts;
     std::vector<double> pointCoordinates; // of the point whose row is assembled
 };
 

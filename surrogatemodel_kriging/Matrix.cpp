@@ -10,6 +10,9 @@
 namespace
 {
 
+using fenn::effectivelyInfinite;
+using fenn::effectivelyZero;
+
 bool isEffectivelyZero(double value)
 {
     return value > -effectivelyZero && value < effectivelyZero;
@@ -55,7 +58,7 @@ void Matrix::luDecompose()
         throw SurrogateModelInterface::Error("Singular matrix");
 }
 
-void Matrix::luDecompose(int numPieces, const SideBySide& runSideBySide)
+void Matrix::luDecompose(int numPieces, const Executor& execute)
 {
     if (numPieces < 2 || dimension < minSharedDimension)
         return luDecompose();
@@ -67,7 +70,7 @@ void Matrix::luDecompose(int numPieces, const SideBySide& runSideBySide)
     workspace.allocate(fenn::kernels::luWorkspaceSize(size, maxPieces));
     fenn::kernels::SharedLu shared;
     fenn::kernels::prepareSharedLu(shared, rowTable, size, pivotTable, workspace.data(), maxPieces);
-    runSideBySide([&shared] { fenn::kernels::workOnSharedLu(shared); });
+    execute([&shared] { fenn::kernels::workOnSharedLu(shared); });
     if (shared.singular)
         throw SurrogateModelInterface::Error("Singular matrix");
 }
@@ -93,6 +96,7 @@ void Matrix::luSolve(double* b) const
     {
         // DELIBERATE: ascending k, the most recently found component first. The column-oriented form would subtract
         // the products in another order and change bits.
+        // Test: LuSolveTest.BackSubstitutionSubtractsInAscendingOrder
         const double* row = rowTable[i];
         double sum = b[i];
         for (int k = i + 1; k < dimension; ++k)

@@ -54,14 +54,14 @@ public:
     /// Throws Error "Singular matrix" when a row has no element of non-zero magnitude; the matrix is then unchanged.
     void luDecompose();
 
-    /// Runs the piece of work that it is given, on the calling thread and on as many others at the same time as it can;
-    /// returns when no run is left. It is to run it at least once.
-    using SideBySide = std::function<void(const std::function<void()>& piece)>;
+    /// Calls piece() on this thread and concurrently on up to numPieces - 1 others; returns after every call has
+    /// returned.
+    using Executor = std::function<void(const std::function<void()>& piece)>;
 
-    /// The same, to the bit, by up to numPieces threads, which runSideBySide gives. Some of them may come late or
-    /// never: each run takes the work that is left, and a single one does all of it. Small matrices are factorised
-    /// without runSideBySide. What that throws is passed on; the matrix is then undefined.
-    void luDecompose(int numPieces, const SideBySide& runSideBySide);
+    /// The same, to the bit, in up to numPieces pieces. A call of piece() takes the work that is left: a single call
+    /// does all of it, a late one nothing. Small matrices are factorised without the executor. What it throws is passed
+    /// on; the matrix is then undefined.
+    void luDecompose(int numPieces, const Executor& execute);
 
     /// Replaces the right-hand side b, dimension entries, by the solution. Only after luDecompose.
     /// Throws Error "Singular matrix" when a diagonal factor lies inside +-1e-150 and "Value overflow" when a component

@@ -7,6 +7,9 @@
 #include "surrogatemodel_kriging/MagnitudeGuards.h"
 #include "surrogatemodel_kriging/Matrix.h"
 
+using fenn::effectivelyInfinite;
+using fenn::effectivelyZero;
+
 void Matrix::calcRowOrder(std::vector<int>& order) const
 {
     order.resize(static_cast<std::size_t>(dimension));

@@ -1,6 +1,5 @@
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
 
-#include "surrogatemodel_kriging/RequestNeighborSearch.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 NPtsKrigingController::NPtsKrigingController(const SurrogateModelDataBlock* dataBlock_,
@@ -23,7 +22,6 @@ void NPtsKrigingController::interpolate(const std::vector<double*>& targetCoords
     std::vector<double> rhsCopy(variances.empty() ? 0 : dimension);
     // Entries that a search does not fill keep what they hold and are used: the first point, or the last target's.
     std::vector<SourcePointRef> neighbours(static_cast<std::size_t>(numNeighbours));
-    fenn::RequestNeighborSearch requestSearch(*dataBlock, neighbourSearch, numNeighbours, numTargets);
     std::vector<double> coords(numInputVars);
     std::vector<double> scratch(numInputVars);
 
@@ -31,7 +29,7 @@ void NPtsKrigingController::interpolate(const std::vector<double*>& targetCoords
     {
         for (std::size_t v = 0; v < numInputVars; ++v)
             coords[v] = targetCoords[v][t];
-        requestSearch.findNearestPts(coords, neighbours);
+        neighbourSearch.findNearestPts(coords, numNeighbours, neighbours);
         krigingMatrix.assemble(neighbours, scratch);
         krigingMatrix.luDecompose();
         krigingMatrix.buildRightHandSide(rhs.data(), coords.data(), krigingMatrix.getAssembledPts(), scratch);

@@ -1,32 +1,162 @@
 #include "surrogatemodel_kriging/NearestNeighborSearch.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
 #include <limits>
+#include <memory>
 
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
+#include "surrogatemodel_kriging/kernels/DistanceKernels.h"
 
 namespace
 {
+
+using fenn::kernels::Candidate;
+using fenn::kernels::minimaPerGroup;
+
+// More groups than this only make their minima overflow the cache: groups then grow.
+constexpr std::size_t maxNumGroups = 1024;
+
+// DELIBERATE: the largest double itself is too far. Test:
+// NearestNeighborSearchTest.APointAtTheLargestFiniteDistanceIsNeverFound
+constexpr double largestDistance = 0x1.ffffffffffffep1023;
 
 std::size_t toIndex(int i)
 {
     return static_cast<std::size_t>(i);
 }
 
-int writeNearest(const std::vector<NearestNeighborSearch::Candidate>& ranked, int maxPts,
-                 std::vector<SourcePointRef>& nearestPts)
+/// DELIBERATE: ties go to the point that stands first, by block and index. Which points a local system is built from
+/// relies on it. Tests: NearestNeighborSearchTest.OfEquallyDistantPointsTheOneMetFirstIsKept,
+/// OfEquallyDistantPointsTheOneOfTheLowerBlockIsKept
+struct IsNearer // a function would not be inlined into the sort
 {
-    const std::size_t count = std::min(ranked.size(), toIndex(maxPts));
-    for (std::size_t i = 0; i < count; ++i)
-        nearestPts[i] = {ranked[i].block, ranked[i].point};
-    return static_cast<int>(count);
-}
+    bool operator()(const Candidate& a, const Candidate& b) const
+    {
+        if (a.distance != b.distance)
+            return a.distance < b.distance;
+        return a.block != b.block ? a.block < b.block : a.point < b.point;
+    }
+};
+
+/// The scan for one target. The smallest distances in groups of points tell a bound that about as many points as are
+/// asked for do not exceed; the few groups that reach it are looked at again for these points.
+class Scan
+{
+public:
+    Scan(const SurrogateModelDataBlock& dataBlock_, int numInputVars, int numBlocks_, const double* target)
+        : dataBlock(dataBlock_), numBlocks(numBlocks_)
+    {
+        const std::vector<Normalizer>& normalizers = dataBlock.getInputVarNormalizers();
+        points.target = target;
+        // DELIBERATE: the scale of input variable 0 serves every variable. Which points a local system is built from
+        // relies on it. Test: NearestNeighborSearchTest.EveryVariableUsesTheScaleOfTheFirst
+        points.scale = normalizers.empty() ? 0.0 : normalizers[0].getScale(); // without variables all points coincide
+        points.numVars = toIndex(numInputVars);
+        forEachBlock([this](int) { numPts += points.numPts; });
+    }
+
+    /// Writes the at most maxPts nearest points, nearest first, and returns their number. Once for each object.
+    int findNearest(int maxPts, std::vector<SourcePointRef>& nearestPts)
+    {
+        numNearest = std::min(toIndex(maxPts), numPts);
+        makeRoom();
+        forEachBlock([this](int) { fenn::kernels::groupMinima(points, minima); });
+        // Blanked points have minima too: the more there are, the more points must be within the bound.
+        const auto numUnblanked = toIndex(std::max(dataBlock.getTotalNumUnblankedPoints(), 1));
+        std::size_t rank = numNearest * numPts / numUnblanked + 1;
+        for (; rank <= folded.size() / 2 && list.count < numNearest; rank *= 4)
+            collect(fenn::kernels::boundOfNearest(folded.data(), folded.size(), rank));
+        if (list.count < numNearest)
+            collect(largestDistance);
+        std::sort(list.candidates, list.candidates + list.count, IsNearer());
+        const std::size_t count = std::min(list.count, numNearest);
+        for (std::size_t i = 0; i < count; ++i)
+            nearestPts[i] = {list.candidates[i].block, list.candidates[i].point};
+        return static_cast<int>(count);
+    }
+
+private:
+    /// Of a block without points nothing is read: it need not have arrays.
+    template <typename Visit>
+    void forEachBlock(Visit visit)
+    {
+        std::size_t firstGroup = 0;
+        for (int b = 0; b < numBlocks; ++b)
+        {
+            if (dataBlock.getNumPtsInBlock(b) < 1)
+                continue;
+            points.numPts = toIndex(dataBlock.getNumPtsInBlock(b));
+            points.coords = dataBlock.getInputValueArraysForBlock(b).data();
+            minima.ofGroups = minimaStore.get() + firstGroup * minimaPerGroup;
+            minima.firstFolded = firstGroup % minima.numFolded;
+            visit(b);
+            firstGroup += (points.numPts + minima.groupSize - 1) / minima.groupSize;
+        }
+    }
+
+    void makeRoom()
+    {
+        while (numPts / minima.groupSize > maxNumGroups)
+            minima.groupSize *= 2;
+        const std::size_t maxGroups = numPts / minima.groupSize + toIndex(numBlocks);
+        minimaStore.reset(new double[maxGroups * minimaPerGroup]); // a vector would write zeros, to no use
+        // Eight times as many minima as points are asked for: then few of those points share one.
+        minima.numFolded = std::min(maxGroups, numNearest / 2 + 2);
+        folded.assign(minima.numFolded * minimaPerGroup, std::numeric_limits<double>::infinity());
+        minima.folded = folded.data();
+        list.limit = 3 * numNearest + 32;
+        candidateStore.reset(new Candidate[list.limit + minima.groupSize + 1]);
+        list.candidates = candidateStore.get();
+    }
+
+    /// Collects the unblanked points within the bound; where there are too many for the list, the nearest of them.
+    void collect(double bound)
+    {
+        double threshold = std::min(bound, largestDistance);
+        list.count = 0;
+        forEachBlock(
+            [&](int b)
+            {
+                const std::vector<bool>& isUnblanked = dataBlock.getIncludePtArrayForBlock(b);
+                for (std::size_t first = 0; first < points.numPts;)
+                {
+                    Candidate* const collected = list.candidates + list.count;
+                    first = fenn::kernels::collectPtsWithin(points, minima, threshold, first, b, list);
+                    Candidate* const end =
+                        std::remove_if(collected, list.candidates + list.count,
+                                       [&](const Candidate& point) { return !isUnblanked[toIndex(point.point)]; });
+                    list.count = static_cast<std::size_t>(end - list.candidates);
+                    if (list.count > list.limit)
+                        threshold = keepNearest();
+                }
+            });
+    }
+
+    /// Drops all but the nearest points and returns the distance of the last of them.
+    double keepNearest()
+    {
+        Candidate* const last = list.candidates + numNearest - 1;
+        std::nth_element(list.candidates, last, list.candidates + list.count, IsNearer());
+        list.count = numNearest;
+        return last->distance;
+    }
+
+    const SurrogateModelDataBlock& dataBlock;
+    int numBlocks;
+    fenn::kernels::TargetAndPoints points{}; // of the block that is visited
+    std::size_t numPts = 0;                  // of all blocks
+    std::size_t numNearest = 0;
+
+    fenn::kernels::GroupMinima minima{fenn::kernels::distanceGroup, nullptr, nullptr, 1, 0}; // likewise of one block
+    std::unique_ptr<double[]> minimaStore;
+    std::vector<double> folded;
+    fenn::kernels::CandidateList list{};
+    std::unique_ptr<Candidate[]> candidateStore;
+};
 
 } // namespace
-
-NearestNeighborSearch::Buffers::Buffers(int maxPts) : candidates(toIndex(maxPts)) {}
 
 NearestNeighborSearch::NearestNeighborSearch(const SurrogateModelDataBlock* dataBlock_, int numInputVars_,
                                              int numBlocks_)
@@ -41,149 +171,5 @@ int NearestNeighborSearch::findNearestPts(const std::vector<double>& target, int
 {
     if (maxPts < 1)
         return 0;
-    // More than there are need no buffers.
-    Buffers buffers(totalNumPts() > maxPts ? maxPts : 1);
-    return findNearestPts(target, maxPts, nearestPts, buffers);
-}
-
-int NearestNeighborSearch::findNearestPts(const std::vector<double>& target, int maxPts,
-                                          std::vector<SourcePointRef>& nearestPts, Buffers& buffers) const
-{
-    std::vector<Candidate>& ranked = buffers.ranked;
-    ranked.clear();
-    if (totalNumPts() > maxPts && collectCandidates(target, maxPts, buffers.candidates))
-    {
-        for (std::size_t i = 0; i < buffers.candidates.size(); ++i)
-        {
-            const std::size_t position = buffers.candidates.getPosition(i);
-            ranked.push_back({0.0, static_cast<int>(position >> 32), static_cast<int>(position & 0xffffffffU)});
-        }
-        return rankNearest(target, maxPts, nearestPts, buffers);
-    }
-    rankEveryPoint(target, toIndex(maxPts), ranked);
-    return writeNearest(ranked, maxPts, nearestPts);
-}
-
-int NearestNeighborSearch::rankNearest(const std::vector<double>& target, int maxPts,
-                                       std::vector<SourcePointRef>& nearestPts, Buffers& buffers) const
-{
-    const double scale = getScale();
-    for (Candidate& candidate : buffers.ranked)
-        candidate.distance = squaredDistance(target, candidate.block, candidate.point, scale);
-    std::sort(buffers.ranked.begin(), buffers.ranked.end());
-    return writeNearest(buffers.ranked, maxPts, nearestPts);
-}
-
-double NearestNeighborSearch::squaredDistance(const std::vector<double>& target, int block, int point,
-                                              double scale) const
-{
-    const std::vector<double*>& inputs = dataBlock->getInputValueArraysForBlock(block);
-    double sum = 0.0;
-    for (std::size_t j = 0; j < toIndex(numInputVars); ++j)
-    {
-        const double difference = (target[j] - inputs[j][point]) * scale;
-        sum += difference * difference;
-    }
-    return sum;
-}
-
-double NearestNeighborSearch::getScale() const
-{
-    // DELIBERATE: the scale of input variable 0 serves every variable. Which points a local system is built from relies
-    // on it. Test: NearestNeighborSearchTest.EveryVariableUsesTheScaleOfTheFirst
-    const std::vector<Normalizer>& normalizers = dataBlock->getInputVarNormalizers();
-    return normalizers.empty() ? 0.0 : normalizers[0].getScale(); // without input variables all points coincide
-}
-
-bool NearestNeighborSearch::isOrdinaryScale(double scale)
-{
-    return std::fabs(scale) >= 0x1p-200 && std::fabs(scale) <= 0x1p200;
-}
-
-/// False when distances without the scale cannot tell: the points must then be compared one by one.
-bool NearestNeighborSearch::collectCandidates(const std::vector<double>& target, int maxPts,
-                                              fenn::NearestCandidates<double>& candidates) const
-{
-    if (!isOrdinaryScale(getScale()))
-        return false;
-    // Each of the two distances has at most numInputVars + 5 roundings of 2^-53 in its square, which its root halves.
-    // What underflow adds is below 2^-520 in the unscaled distance and, divided by the scale, below 2^-320 in the
-    // other. Up to the limit no square overflows, scaled or not.
-    const auto numPts = static_cast<std::size_t>(totalNumPts());
-    candidates.begin(numPts, toIndex(numBlocks), 0x1p500, (numInputVars + 5) * 0x1p-52, 0x1p-250);
-    const auto numVars = toIndex(numInputVars);
-    const auto coordsOf = [&](int b)
-    {
-        return dataBlock->getInputValueArraysForBlock(b).data();
-    };
-    const auto numPtsOf = [&](int b)
-    {
-        return toIndex(std::max(dataBlock->getNumPtsInBlock(b), 0));
-    };
-    for (int b = 0; b < numBlocks; ++b)
-        candidates.measure(coordsOf(b), numVars, numPtsOf(b), target.data());
-
-    // Blanked points count among the measured ones: the more there are, the more must be looked at.
-    const auto numUnblanked = toIndex(std::max(dataBlock->getTotalNumUnblankedPoints(), 1));
-    for (std::size_t rank = toIndex(maxPts) * numPts / numUnblanked + 1;; rank *= 4)
-    {
-        const bool isGuess = candidates.startCollection(rank);
-        for (int b = 0; b < numBlocks; ++b)
-        {
-            const std::vector<bool>& isUnblanked = dataBlock->getIncludePtArrayForBlock(b);
-            const auto blockBits = static_cast<std::uint64_t>(b) << 32;
-            const auto admit = [&](std::uint64_t& position)
-            {
-                const bool takesPart = isUnblanked[position];
-                position |= blockBits;
-                return takesPart;
-            };
-            if (!candidates.collect(coordsOf(b), numVars, numPtsOf(b), target.data(), admit))
-                return false;
-        }
-        if (candidates.isComplete())
-            return true;
-        if (!isGuess)
-            return false;
-    }
-}
-
-/// The definition: every point by the distance that counts, the best kept in a heap.
-void NearestNeighborSearch::rankEveryPoint(const std::vector<double>& target, std::size_t maxPts,
-                                           std::vector<Candidate>& ranked) const
-{
-    const double scale = getScale();
-    double bound = std::numeric_limits<double>::max(); // ranked: the best so far, the farthest in front
-    for (int b = 0; b < numBlocks; ++b)
-    {
-        const std::vector<bool>& isUnblanked = dataBlock->getIncludePtArrayForBlock(b);
-        for (int p = 0; p < dataBlock->getNumPtsInBlock(b); ++p)
-        {
-            if (!isUnblanked[toIndex(p)])
-                continue;
-            const double distance = squaredDistance(target, b, p, scale);
-            // DELIBERATE: strict. Of equally distant points the one met first stays.
-            // Test: NearestNeighborSearchTest.OfEquallyDistantPointsTheOneMetFirstIsKept
-            if (!(distance < bound))
-                continue;
-            ranked.push_back({distance, b, p});
-            std::push_heap(ranked.begin(), ranked.end());
-            if (ranked.size() > maxPts)
-            {
-                std::pop_heap(ranked.begin(), ranked.end());
-                ranked.pop_back();
-            }
-            if (ranked.size() == maxPts)
-                bound = ranked.front().distance;
-        }
-    }
-    std::sort_heap(ranked.begin(), ranked.end());
-}
-
-std::int64_t NearestNeighborSearch::totalNumPts() const
-{
-    std::int64_t total = 0;
-    for (int b = 0; b < numBlocks; ++b)
-        total += std::max(dataBlock->getNumPtsInBlock(b), 0);
-    return total;
+    return Scan(*dataBlock, numInputVars, numBlocks, target.data()).findNearest(maxPts, nearestPts);
 }

@@ -7,6 +7,9 @@
 
 #include "surrogatemodel_kriging/SemivariogramInterface.h"
 
+namespace fenn
+{
+
 /// Raw coordinates of some points, variable by variable, so that loops run over contiguous memory. A plain container.
 class PointColumns
 {
@@ -75,5 +78,7 @@ private:
     std::array<const double*, 32> few;
     std::vector<const double*> many;
 };
+
+} // namespace fenn
 
 #endif

@@ -2,8 +2,8 @@
 
 SemivariogramInterface::~SemivariogramInterface() = default;
 
-void SemivariogramInterface::evaluatePairs(const PointArrays& sources, const PointArrays& targets, double* values,
-                                           std::size_t stride) const
+void SemivariogramInterface::evaluatePairs(const fenn::PointArrays& sources, const fenn::PointArrays& targets,
+                                           double* values, std::size_t stride) const
 {
     const auto numInputVars = static_cast<std::size_t>(sources.numInputVars);
     std::vector<double> separation(numInputVars);
@@ -16,4 +16,9 @@ void SemivariogramInterface::evaluatePairs(const PointArrays& sources, const Poi
             values[s * stride + t] = evaluate(separation);
         }
     }
+}
+
+bool SemivariogramInterface::neverThrows() const
+{
+    return false;
 }

@@ -4,6 +4,9 @@
 #include <cstddef>
 #include <vector>
 
+namespace fenn
+{
+
 /// Points for a bulk evaluation: coordinate v of point i is coordinates[v][i], raw units. Refers, does not own.
 struct PointArrays
 {
@@ -11,6 +14,8 @@ struct PointArrays
     int numInputVars = 0;
     std::size_t numPts = 0;
 };
+
+} // namespace fenn
 
 /// A semivariogram model: the expected dissimilarity of two outputs, half their mean squared difference, as a function
 /// of the points' separation, with sill 1. Models are immutable after construction: any number of threads may evaluate.
@@ -29,8 +34,12 @@ public:
     /// values[s * stride + t] = evaluate(source s - target t) for every source s and target t; stride is at least the
     /// number of targets, and entries beyond it are left alone. An override gives the same bits as this default, which
     /// calls evaluate exactly once per pair, source by source.
-    virtual void evaluatePairs(const PointArrays& sources, const PointArrays& targets, double* values,
+    virtual void evaluatePairs(const fenn::PointArrays& sources, const fenn::PointArrays& targets, double* values,
                                std::size_t stride) const;
+
+    /// Whether no evaluation throws, short of memory at most. Then several targets are worked on at a time; else one
+    /// after the other, so that those before the one that throws are complete. The default is false.
+    virtual bool neverThrows() const;
 };
 
 #endif

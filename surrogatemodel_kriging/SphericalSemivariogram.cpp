@@ -50,8 +50,8 @@ double SphericalSemivariogram::evaluate(const std::vector<double>& separation) c
     return std::sqrt(lagSquared) * m_shapeCoefficient * (m_threeRangeSquared - lagSquared) + m_nugget;
 }
 
-void SphericalSemivariogram::evaluatePairs(const PointArrays& sources, const PointArrays& targets, double* values,
-                                           std::size_t stride) const
+void SphericalSemivariogram::evaluatePairs(const fenn::PointArrays& sources, const fenn::PointArrays& targets,
+                                           double* values, std::size_t stride) const
 {
     std::array<double, 32> scales;
     const std::size_t numScales = numDims > 0 ? static_cast<std::size_t>(numDims) : 0;
@@ -71,4 +71,9 @@ fenn::kernels::SphericalModel SphericalSemivariogram::getKernelModel(double* sca
     for (std::size_t v = 0; v < numScales; ++v)
         scales[v] = (*normalizers)[v].getScale();
     return {scales, numScales, m_rangeSquared, m_nugget, m_shapeCoefficient, m_threeRangeSquared};
+}
+
+bool SphericalSemivariogram::neverThrows() const
+{
+    return true;
 }

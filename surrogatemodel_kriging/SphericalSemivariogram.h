@@ -45,8 +45,9 @@ public:
     /// nugget. Never throws.
     double evaluate(const std::vector<double>& separation) const override;
 
-    void evaluatePairs(const PointArrays& sources, const PointArrays& targets, double* values,
+    void evaluatePairs(const fenn::PointArrays& sources, const fenn::PointArrays& targets, double* values,
                        std::size_t stride) const override;
+    bool neverThrows() const override;
 
     /// The constants in the form that the kernels take. scales: room for one scale per input variable, which the result
     /// refers to.

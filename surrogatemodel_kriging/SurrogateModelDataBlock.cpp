@@ -5,6 +5,8 @@
 namespace
 {
 
+using fenn::effectivelyInfinite;
+
 std::size_t toIndex(int i)
 {
     return static_cast<std::size_t>(i);

@@ -1,19 +1,31 @@
 #ifndef FENN_SURROGATEMODEL_KRIGING_TASKHANDOVER_H
 #define FENN_SURROGATEMODEL_KRIGING_TASKHANDOVER_H
 
+#if defined(__SANITIZE_THREAD__)
+#define FENN_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define FENN_THREAD_SANITIZER 1
+#endif
+#endif
+
+#ifdef FENN_THREAD_SANITIZER
 #include <atomic>
+#endif
 
 namespace fenn
 {
 
-/// Orders what a requesting thread writes before what its pool tasks read, and what they write before what it reads.
+/// Tells a thread sanitizer that what a requesting thread writes comes before what its pool tasks read, and what they
+/// write before what it reads. In every other build it is nothing.
 ///
-/// The pool orders both already. It is not instrumented, though, and a thread sanitizer that cannot see its locks would
-/// report every hand-over as a race: these two calls say the same in a form that it understands. Call give() before
-/// starting a task and at the end of its run, take() at the start of its run and after waiting for it.
+/// The pool orders both, but its locks are in Qt, which is not instrumented: every hand-over would be reported as a
+/// race. Call give() before starting a task and at the end of its run, take() at the start of its run and after waiting
+/// for it.
 class TaskHandOver
 {
 public:
+#ifdef FENN_THREAD_SANITIZER
     static void give()
     {
         // A read-modify-write: it continues the release sequences of all threads that gave before.
@@ -31,8 +43,14 @@ private:
         static std::atomic<unsigned> handOvers{0};
         return handOvers;
     }
+#else
+    static void give() {}
+    static void take() {}
+#endif
 };
 
 } // namespace fenn
+
+#undef FENN_THREAD_SANITIZER
 
 #endif

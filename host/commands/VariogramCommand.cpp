@@ -82,16 +82,16 @@ void VariogramCommand::run(std::ostream& out, Console& console) const
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const auto parts = fenn::estimation::makeModelParts(sampleSet, options.settings);
                      const double limit = maxLag == 0.0 ? fenn::analysis::defaultMaxLag(*parts) : maxLag;
-                     std::string dump;
+                     std::vector<fenn::LagGroup> groups;
                      std::vector<fenn::analysis::LagBin> bins;
                      if (numLags == 0)
-                         dump = dumpOfModel(*parts, samples.path);
+                         groups = lagGroupsOfModel(*parts, samples.path);
                      if (numLags > 0 || !plotPath.empty())
                          bins = fenn::analysis::binnedSemivariogram(*parts, 0, numLags > 0 ? numLags : numLagsInPicture,
                                                                     limit);
-                     write(out, numLags > 0 ? csvOfBins(bins) : dump);
+                     write(out, numLags > 0 ? csvOfBins(bins) : dumpOfGroups(*parts, groups));
                      if (!plotPath.empty())
-                         drawVariogram(plotPath, samples.outputNames[0], dump, bins, curveOfModel(*parts, limit));
+                         drawVariogram(plotPath, samples.outputNames[0], groups, bins, curveOfModel(*parts, limit));
                  });
 }
 

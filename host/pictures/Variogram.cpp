@@ -1,21 +1,12 @@
 #include "host/pictures/Variogram.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <memory>
-#include <sstream>
-#include <system_error>
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include "host/model/ModelMemory.h"
 #include "host/pictures/Gnuplot.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
-#include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
@@ -45,72 +36,21 @@ void checkMemory(const SurrogateModelDataBlock& block, const std::string& path)
                          " left; add --lags 15 to bin them");
 }
 
-/// A file without a name, in memory: the dump ignores write errors, and a disk may be full.
-class MemoryFile
-{
-public:
-    MemoryFile() : descriptor(::memfd_create("krige", 0))
-    {
-        if (descriptor < 0)
-            throw InputError("a file in memory cannot be made: " + std::generic_category().message(errno));
-    }
-
-    MemoryFile(const MemoryFile& other) = delete;
-    MemoryFile& operator=(const MemoryFile& other) = delete;
-
-    ~MemoryFile()
-    {
-        ::close(descriptor);
-    }
-
-    std::string getPath() const
-    {
-        return "/proc/self/fd/" + std::to_string(descriptor);
-    }
-
-    std::string readAll() const
-    {
-        std::string text;
-        char bytes[65536];
-        for (ssize_t count = 0;
-             (count = ::pread(descriptor, bytes, sizeof bytes, static_cast<off_t>(text.size()))) > 0;)
-            text.append(bytes, static_cast<std::size_t>(count));
-        return text;
-    }
-
-private:
-    int descriptor;
-};
-
-/// Lags and empirical values of a dump.
-std::vector<std::vector<double>> pointsOfDump(const std::string& dump)
-{
-    std::vector<std::vector<double>> columns(2);
-    std::istringstream lines(dump);
-    for (std::string line; std::getline(lines, line);)
-    {
-        double lag = 0.0;
-        double empirical = 0.0;
-        if (line.empty() || line[0] == '#' || std::sscanf(line.c_str(), "%lf %lf", &lag, &empirical) != 2)
-            continue;
-        columns[0].push_back(lag);
-        columns[1].push_back(empirical);
-    }
-    return columns;
-}
-
 } // namespace
 
-std::string dumpOfModel(const fenn::ModelParts& parts, const std::string& path)
+std::vector<fenn::LagGroup> lagGroupsOfModel(const fenn::ModelParts& parts, const std::string& path)
 {
     const SurrogateModelDataBlock& block = parts.getDataBlock();
     checkMemory(block, path);
-    // The smallest system: the dump looks at the points and the semivariogram only.
-    const KrigingMatrix matrix(block, block.getNumInputVars() + 1, &parts.getSemivariogram(), 0);
-    const MemoryFile file;
-    if (!matrix.writeSemivariogramDump(file.getPath().c_str(), 0))
-        throw InputError("the semivariogram cannot be written to memory: /proc is needed for it");
-    return file.readAll();
+    return fenn::groupPairsByLag(block, parts.getSemivariogram(), 0);
+}
+
+std::string dumpOfGroups(const fenn::ModelParts& parts, const std::vector<fenn::LagGroup>& groups)
+{
+    std::string text = fenn::dumpHeader(parts.getDataBlock().getOutputVarSampleVariance(0));
+    for (const fenn::LagGroup& group : groups)
+        text += fenn::dumpLine(group);
+    return text;
 }
 
 std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins)
@@ -144,7 +84,7 @@ VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag)
     return curve;
 }
 
-void drawVariogram(const std::string& path, const std::string& outputName, const std::string& dump,
+void drawVariogram(const std::string& path, const std::string& outputName, const std::vector<fenn::LagGroup>& groups,
                    const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve)
 {
     Picture picture;
@@ -157,9 +97,14 @@ void drawVariogram(const std::string& path, const std::string& outputName, const
         heights.push_back(bin.semivariance);
     }
     std::string dots;
-    if (!dump.empty())
+    if (!groups.empty())
     {
-        const std::vector<std::vector<double>> points = pointsOfDump(dump);
+        std::vector<std::vector<double>> points(2);
+        for (const fenn::LagGroup& group : groups)
+        {
+            points[0].push_back(group.lag);
+            points[1].push_back(group.empirical);
+        }
         // A few pairs far above all others would press the rest against the axis.
         std::vector<double> sorted = points[1];
         std::sort(sorted.begin(), sorted.end());

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "analysis/BinnedSemivariogram.h"
+#include "surrogatemodel_kriging/SemivariogramDump.h"
 
 namespace fenn
 {
@@ -21,9 +22,12 @@ struct VariogramCurve
     std::vector<double> values; // times the output's sample variance
 };
 
-/// The library's own dump for the first output: "distance empirical modelled count" a line, after two header lines.
-/// path is for messages. Throws InputError where the records of all pairs would not fit into memory.
-std::string dumpOfModel(const fenn::ModelParts& parts, const std::string& path);
+/// The library's own dump for the first output. path is for messages. Throws InputError where the records of all pairs
+/// would not fit into memory.
+std::vector<fenn::LagGroup> lagGroupsOfModel(const fenn::ModelParts& parts, const std::string& path);
+
+/// "distance empirical modelled count" a line, after two header lines.
+std::string dumpOfGroups(const fenn::ModelParts& parts, const std::vector<fenn::LagGroup>& groups);
 
 /// CSV text with a header row.
 std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins);
@@ -31,8 +35,8 @@ std::string csvOfBins(const std::vector<fenn::analysis::LagBin>& bins);
 /// From just above lag 0 to maxLag.
 VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag);
 
-/// dump: empty, or the text of dumpOfModel, drawn as small dots behind the bins. Throws as Picture::save.
-void drawVariogram(const std::string& path, const std::string& outputName, const std::string& dump,
+/// groups: may be empty; drawn as small dots behind the bins. Throws as Picture::save.
+void drawVariogram(const std::string& path, const std::string& outputName, const std::vector<fenn::LagGroup>& groups,
                    const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve);
 
 } // namespace krige

@@ -2,45 +2,65 @@
 #define FENN_SURROGATEMODEL_KRIGING_KERNELS_DISTANCEKERNELS_H
 
 #include <cstddef>
-#include <cstdint>
 
-/// Unscaled squared distances q(p) of points p from a target: the sum over the variables v, ascending, of
-/// (target[v] - coords[v][p])^2, every operation rounded once; 0 without variables. Points are taken in groups of
-/// groupSize, a multiple of distanceGroup: point p belongs to group p / groupSize, and the last group may be short.
+/// The scan for the points nearest to a target. Squared distance q(p) of point p: the sum over the variables v,
+/// ascending, of ((target[v] - coords[v][p]) * scale)^2, every operation rounded once; 0 without variables.
 namespace fenn::kernels
 {
+
+/// The points of one block and the target. Refers, does not own.
+struct TargetAndPoints
+{
+    const double* target;
+    double scale;
+    std::size_t numVars;
+    const double* const* coords; // coordinate v of point p is coords[v][p]
+    std::size_t numPts;
+};
 
 constexpr std::size_t distanceGroup = 128;
 constexpr std::size_t minimaPerGroup = 16;
 
-/// minima[(firstGroup + g) * minimaPerGroup + j] is the smallest q of the points of group g whose index is j modulo
-/// minimaPerGroup, NaN passed over; infinity where there is none. folded: numFoldedGroups times minimaPerGroup values
-/// that are lowered to the smallest minima of the groups firstGroup + g with the same remainder by numFoldedGroups.
-void groupMinima(const float* const* coords, std::size_t numVars, std::size_t count, const float* target,
-                 std::size_t groupSize, float* minima, float* folded, std::size_t firstGroup,
-                 std::size_t numFoldedGroups);
-void groupMinima(const double* const* coords, std::size_t numVars, std::size_t count, const double* target,
-                 std::size_t groupSize, double* minima, double* folded, std::size_t firstGroup,
-                 std::size_t numFoldedGroups);
+/// The smallest distances in groups of points. Point p belongs to group p / groupSize, where groupSize is a multiple of
+/// distanceGroup and the last group may be short.
+struct GroupMinima
+{
+    std::size_t groupSize;
+    double* ofGroups; // minimaPerGroup of each group of the block
+    // A summary of all blocks, a few values for boundOfNearest: entry f holds the smaller ones of several groups.
+    double* folded; // minimaPerGroup of each entry
+    std::size_t numFolded;
+    std::size_t firstFolded; // the entry of the block's first group; the next groups belong to the next ones, in turn
+};
 
-/// Appends q(p) and p, for the points p >= first with q(p) <= threshold, to distances and positions from entry numHits
-/// on and raises numHits: group by group, in a group by index modulo minimaPerGroup, then ascending. Only columns whose
-/// minimum (groups numbered from 0) is within the threshold are looked at. Ends when numHits exceeds limit after a
-/// group, and returns the point after the last group looked at, or count.
-///
-/// first is a multiple of groupSize; distances and positions have room for limit + groupSize + 1 entries, and those
-/// after numHits may be overwritten.
-std::size_t collectPtsWithin(const float* const* coords, std::size_t numVars, std::size_t first, std::size_t count,
-                             const float* target, float threshold, std::size_t groupSize, const float* minima,
-                             float* distances, std::uint32_t* positions, std::size_t& numHits, std::size_t limit);
-std::size_t collectPtsWithin(const double* const* coords, std::size_t numVars, std::size_t first, std::size_t count,
-                             const double* target, double threshold, std::size_t groupSize, const double* minima,
-                             double* distances, std::uint64_t* positions, std::size_t& numHits, std::size_t limit);
+/// A point and its distance.
+struct Candidate
+{
+    double distance;
+    int block;
+    int point;
+};
 
-/// One of the distances, or a value between two of them, that at least numNearest of them do not exceed and hardly
-/// more: at most numNearest / 8 more, unless several equal the last one. Found by halving the interval of bit patterns
-/// between the smallest and the largest. 1 <= numNearest <= count; distances are neither negative nor NaN.
-float boundOfNearest(const float* distances, std::size_t count, std::size_t numNearest);
+/// Candidates in an array of limit + groupSize + 1 entries, of which those from count on may be overwritten.
+struct CandidateList
+{
+    Candidate* candidates;
+    std::size_t count;
+    std::size_t limit;
+};
+
+/// Minimum j of a group is the smallest q of its points whose index is j modulo minimaPerGroup, NaN passed over;
+/// infinity where there is none. Entries of folded are lowered to the minima of their groups.
+void groupMinima(const TargetAndPoints& points, const GroupMinima& minima);
+
+/// Appends the points p >= first with q(p) <= threshold: group by group, in a group by index modulo minimaPerGroup,
+/// then ascending. Only points whose minimum is within the threshold are looked at. Ends when the count exceeds the
+/// limit after a group, and returns the point after the last group, or numPts. first is a multiple of groupSize.
+std::size_t collectPtsWithin(const TargetAndPoints& points, const GroupMinima& minima, double threshold,
+                             std::size_t first, int block, CandidateList& list);
+
+/// A value b not exceeded by at least numNearest distances, and by at most numNearest/8 more except for ties; by
+/// bisection of bit patterns. 1 <= numNearest <= count; distances are neither negative nor NaN.
 double boundOfNearest(const double* distances, std::size_t count, std::size_t numNearest);
 
 } // namespace fenn::kernels

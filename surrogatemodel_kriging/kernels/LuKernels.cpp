@@ -10,9 +10,9 @@
 #define HWY_TARGET_INCLUDE "surrogatemodel_kriging/kernels/LuKernels.cpp"
 #include "hwy/foreach_target.h"
 
-#include "surrogatemodel_kriging/kernels/LuBlocks-inl.h"
 #include "surrogatemodel_kriging/kernels/LuPanel-inl.h"
 #include "surrogatemodel_kriging/kernels/LuSmall-inl.h"
+#include "surrogatemodel_kriging/kernels/LuTrailingUpdate-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
@@ -22,22 +22,25 @@ namespace HWY_NAMESPACE
 
 using namespace lu;
 
+std::size_t getMaxSmallRows()
+{
+    return maxSmallRows(kUnit);
+}
+
+template <std::size_t kStrips = 1>
+bool factoriseByStrips(double** rows, std::size_t n, int* pivots, double* cells, double* spareRow)
+{
+    if constexpr (kStrips * stripWidth < maxSmallRows(kUnit))
+    {
+        if (n > kStrips * stripWidth)
+            return factoriseByStrips<kStrips + 1>(rows, n, pivots, cells, spareRow);
+    }
+    return SmallLu<kStrips>(rows, n, cells, spareRow).factorise(pivots);
+}
+
 bool factoriseSmallMatrix(double** rows, std::size_t n, int* pivots, double* cells, double* spareRow)
 {
-    static_assert(kMaxSmallRows == 5 * kStrip);
-    switch ((n + kStrip - 1) / kStrip)
-    {
-    case 1:
-        return SmallLu<1>(rows, n, cells, spareRow).factorise(pivots);
-    case 2:
-        return SmallLu<2>(rows, n, cells, spareRow).factorise(pivots);
-    case 3:
-        return SmallLu<3>(rows, n, cells, spareRow).factorise(pivots);
-    case 4:
-        return SmallLu<4>(rows, n, cells, spareRow).factorise(pivots);
-    default:
-        return SmallLu<5>(rows, n, cells, spareRow).factorise(pivots);
-    }
+    return factoriseByStrips(rows, n, pivots, cells, spareRow);
 }
 
 bool scaleSomeRows(double* const* rows, std::size_t n, std::size_t begin, std::size_t end, double* scale)
@@ -91,6 +94,7 @@ namespace fenn::kernels
 namespace
 {
 
+HWY_EXPORT(getMaxSmallRows);
 HWY_EXPORT(factoriseSmallMatrix);
 HWY_EXPORT(scaleSomeRows);
 HWY_EXPORT(factorisePanelOfMatrix);
@@ -98,6 +102,11 @@ HWY_EXPORT(updateColumns);
 
 using Progress = std::atomic<std::size_t>;
 static_assert(sizeof(Progress) <= sizeof(double));
+
+bool isSmall(std::size_t n)
+{
+    return n <= HWY_DYNAMIC_DISPATCH(getMaxSmallRows)();
+}
 
 /// One thread's view of a shared factorisation.
 class Piece
@@ -210,7 +219,7 @@ void prepareSharedLu(SharedLu& shared, double** rows, std::size_t n, int* pivots
     shared.n = n;
     shared.pivots = pivots;
     shared.workspace = workspace;
-    shared.maxPieces = n > kMaxSmallRows ? numPieces : n > 0 ? 1 : 0;
+    shared.maxPieces = isSmall(n) ? std::min<std::size_t>(n, 1) : numPieces;
     const LuPlan plan(n, numPieces);
     for (std::size_t chunk = 0; chunk < plan.numChunks(); ++chunk)
         new (workspace + plan.progressOffset() + chunk) Progress(0);
@@ -221,7 +230,7 @@ void workOnSharedLu(SharedLu& shared)
     const std::size_t piece = shared.numPieces.fetch_add(1, std::memory_order_relaxed);
     if (piece >= shared.maxPieces)
         return;
-    if (shared.n <= kMaxSmallRows)
+    if (isSmall(shared.n))
     {
         const LuPlan plan(shared.n, 1);
         const bool regular = HWY_DYNAMIC_DISPATCH(factoriseSmallMatrix)(shared.rows, shared.n, shared.pivots,

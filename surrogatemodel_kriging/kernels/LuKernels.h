@@ -7,7 +7,8 @@
 namespace fenn::kernels
 {
 
-/// Number of doubles that the factorisation of n rows by up to numPieces pieces wants as workspace.
+/// Number of doubles that the factorisation of n rows by up to numPieces pieces wants as workspace. A piece is what one
+/// thread does of it.
 std::size_t luWorkspaceSize(std::size_t n, std::size_t numPieces = 1);
 
 /// LU factorisation in place of the n x n matrix whose row i starts at rows[i], by Crout's method with implicit

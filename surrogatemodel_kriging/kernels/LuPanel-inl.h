@@ -6,12 +6,14 @@
 #define FENN_KERNELS_LU_PANEL_INL_H
 #endif
 
+#include <algorithm>
 #include <cstddef>
-#include <limits>
+#include <type_traits>
 #include <utility>
 
-#include "surrogatemodel_kriging/MagnitudeGuards.h"
-#include "surrogatemodel_kriging/kernels/LuTile-inl.h"
+#include "surrogatemodel_kriging/kernels/MicroKernel-inl.h"
+#include "surrogatemodel_kriging/kernels/PivotRule-inl.h"
+#include "surrogatemodel_kriging/kernels/Transpose-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
@@ -22,8 +24,12 @@ namespace lu
 {
 
 /// Columns of the matrix copied out, with all rows from the first column's diagonal down, in strips of eight rows.
-/// Rows are exchanged for good here; in the matrix only the row table is. Rows past numRows fill the last strip with
-/// zeros, and their scale is NaN so that none becomes a pivot.
+/// Rows are exchanged for good here; in the matrix only the row table is.
+///
+/// Rows past numRows fill the last strip, columns past numColumns the last eight: with zeros, which the elimination
+/// leaves zeros. What the workspace held before could be denormal, and on many processors a product with a denormal
+/// number takes a hundred times as long.
+/// Test: LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
 struct Panel
 {
     double* cells; // row r, column c at cells[(r / 8 * columnStride + c) * 8 + r % 8]
@@ -31,55 +37,29 @@ struct Panel
     std::size_t numRows;
     std::size_t numColumns;
     double** rows;  // the row table from the panel's first row
-    double* scale;  // the rows' scale factors; NaN once the row is done
+    double* scale;  // the rows' scale factors
     int* pivots;    // the pivot table from the panel's first column
     int firstRow;   // of the panel, in the matrix
     double* strips; // room for numColumns x numColumns: the rows beside a triangle, in strips of columns
 
     std::size_t getNumStrips() const
     {
-        return (numRows + kStrip - 1) / kStrip;
+        return (numRows + stripWidth - 1) / stripWidth;
     }
     double* line(std::size_t strip, std::size_t column) const
     {
-        return cells + (strip * columnStride + column) * kStrip;
+        return cells + (strip * columnStride + column) * stripWidth;
     }
     double& cell(std::size_t row, std::size_t column) const
     {
-        return line(row / kStrip, column)[row % kStrip];
+        return line(row / stripWidth, column)[row % stripWidth];
     }
 };
 
-/// Best row so far in each lane; -1 where none was taken.
-struct BestRows
-{
-    Vec merit;
-    Vec row;
-};
-
-// DELIBERATE: >= lets the last of equally good rows win, and lets a row of merit 0 replace an earlier one of merit 0.
-// The pivot order, and with it the last bits of every result, relies on it. A NaN merit is never >= and never wins.
-HWY_INLINE void takeBetter(BestRows& best, Vec merit, Vec row)
-{
-    const auto better = hn::Ge(merit, best.merit);
-    best.merit = hn::IfThenElse(better, merit, best.merit);
-    best.row = hn::IfThenElse(better, row, best.row);
-}
-
-/// The row of the greatest merit over all lanes, the last one among equals; -1 if none was taken.
-HWY_INLINE double lastOfBestRows(const BestRows& even, const BestRows& odd)
-{
-    const Tag d;
-    const Vec greatest = hn::MaxOfLanes(d, hn::Max(even.merit, odd.merit));
-    const Vec none = hn::Set(d, -1.0);
-    const Vec evenRow = hn::IfThenElse(hn::Eq(even.merit, greatest), even.row, none);
-    const Vec oddRow = hn::IfThenElse(hn::Eq(odd.merit, greatest), odd.row, none);
-    return hn::GetLane(hn::MaxOfLanes(d, hn::Max(evenRow, oddRow)));
-}
-
 /// One pass over all strips from the given one, for column first + kStep: scales column first + kStep - 1 by
 /// reciprocal into multipliers, subtracts the products of the kStep earlier columns with above[0..kStep) in ascending
-/// order, and returns the row with the greatest scale * |value|.
+/// order, and returns the row with the greatest scaled magnitude. Not looked at: in the first strip its kStep finished
+/// rows, in the last one what only fills it.
 template <std::size_t kStep>
 HWY_NOINLINE double sweepColumn(const Panel& panel, std::size_t firstStrip, std::size_t first, double reciprocal,
                                 const double* above)
@@ -92,34 +72,45 @@ HWY_NOINLINE double sweepColumn(const Panel& panel, std::size_t firstStrip, std:
     for (std::size_t k = 0; k < kStep; ++k)
         factors[k] = hn::Set(d, above[k]);
 
-    BestRows best[2] = {{hn::Zero(d), hn::Set(d, -1.0)}, {hn::Zero(d), hn::Set(d, -1.0)}};
-    Vec row = hn::Iota(d, static_cast<double>(firstStrip * kStrip));
+    BestRows best[2] = {noRows(), noRows()};
+    Vec row = hn::Iota(d, static_cast<double>(firstStrip * stripWidth));
     const Vec nextRow = hn::Set(d, static_cast<double>(kLanes));
+    const Vec firstRow = hn::Set(d, static_cast<double>(first + kStep));
+    const Vec endRow = hn::Set(d, static_cast<double>(panel.numRows));
 
-    const auto sweepVec = [&](double* lines, const double* scale, BestRows& bestRows) HWY_ATTR
+    const auto sweepVec = [&](double* lines, const double* scale, BestRows& bestRows, auto isEndStrip) HWY_ATTR
     {
-        Vec value = hn::Load(d, lines + kStrip * kStep);
+        Vec value = hn::Load(d, lines + stripWidth * kStep);
         if constexpr (kStep > 0)
         {
             FENN_UNROLL
             for (std::size_t k = 0; k + 1 < kStep; ++k)
-                value = hn::Sub(value, hn::Mul(hn::Load(d, lines + kStrip * k), factors[k]));
-            const Vec multiplier = hn::Mul(hn::Load(d, lines + kStrip * (kStep - 1)), factor);
-            hn::Store(multiplier, d, lines + kStrip * (kStep - 1));
+                value = hn::Sub(value, hn::Mul(hn::Load(d, lines + stripWidth * k), factors[k]));
+            const Vec multiplier = hn::Mul(hn::Load(d, lines + stripWidth * (kStep - 1)), factor);
+            hn::Store(multiplier, d, lines + stripWidth * (kStep - 1));
             value = hn::Sub(value, hn::Mul(multiplier, factors[kStep - 1]));
-            hn::Store(value, d, lines + kStrip * kStep);
+            hn::Store(value, d, lines + stripWidth * kStep);
         }
-        takeBetter(bestRows, hn::Mul(hn::Load(d, scale), hn::Abs(value)), row);
+        Vec magnitude = scaledMagnitude(hn::Load(d, scale), value);
+        if constexpr (isEndStrip())
+            magnitude = hn::IfThenElse(hn::And(hn::Ge(row, firstRow), hn::Lt(row, endRow)), magnitude,
+                                       hn::Set(d, kNoCandidate));
+        takeBetter(bestRows, magnitude, row);
         row = hn::Add(row, nextRow);
     };
-    for (std::size_t strip = firstStrip; strip < numStrips; ++strip)
+    const auto sweepStrip = [&](std::size_t strip, auto isEndStrip) HWY_ATTR
     {
         double* lines = panel.line(strip, first);
-        const double* scale = panel.scale + strip * kStrip;
+        const double* scale = panel.scale + strip * stripWidth;
         FENN_UNROLL
         for (std::size_t v = 0; v < kVecsPerStrip; ++v)
-            sweepVec(lines + kLanes * v, scale + kLanes * v, best[(strip ^ v) & 1]);
-    }
+            sweepVec(lines + kLanes * v, scale + kLanes * v, best[(strip ^ v) & 1], isEndStrip);
+    };
+    sweepStrip(firstStrip, std::true_type());
+    for (std::size_t strip = firstStrip + 1; strip + 1 < numStrips; ++strip)
+        sweepStrip(strip, std::false_type());
+    if (firstStrip + 1 < numStrips)
+        sweepStrip(numStrips - 1, std::true_type());
     return lastOfBestRows(best[0], best[1]);
 }
 
@@ -154,7 +145,7 @@ HWY_INLINE void exchangeCells(const Panel& panel, std::size_t rowA, std::size_t 
     double* a = &panel.cell(rowA, 0);
     double* b = &panel.cell(rowB, 0);
     for (std::size_t c = begin; c < end; ++c)
-        std::swap(a[c * kStrip], b[c * kStrip]);
+        std::swap(a[c * stripWidth], b[c * stripWidth]);
 }
 
 /// Factorises the columns [first, first + count), count at most eight and first a multiple of eight. Finished rows
@@ -162,9 +153,9 @@ HWY_INLINE void exchangeCells(const Panel& panel, std::size_t rowA, std::size_t 
 HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::size_t count)
 {
     const Tag d;
-    const std::size_t topStrip = first / kStrip;
-    double done[kStrip][kStrip] = {}; // finished rows: multipliers, pivot, elements above the later columns
-    double above[kStrip] = {};
+    const std::size_t topStrip = first / stripWidth;
+    double done[stripWidth][stripWidth] = {}; // finished rows: multipliers, pivot, elements above the later columns
+    double above[stripWidth] = {};
     double reciprocal = 0.0;
 
     for (std::size_t step = 0; step < count; ++step)
@@ -177,9 +168,9 @@ HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::siz
         double* finished = done[step];
         const double* pivotCells = &panel.cell(pivot, first);
         for (std::size_t c = 0; c < count; ++c)
-            finished[c] = pivotCells[c * kStrip];
-        if (finished[step] > -effectivelyZero && finished[step] < effectivelyZero)
-            finished[step] = effectivelyZero;
+            finished[c] = pivotCells[c * stripWidth];
+        if (isTinyPivot(finished[step]))
+            finished[step] = leastPivot;
         reciprocal = 1.0 / finished[step];
         for (std::size_t c = step + 1; c < count; ++c)
         {
@@ -199,11 +190,10 @@ HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::siz
             double* to = &panel.cell(pivot, first);
             const double* from = &panel.cell(column, first);
             for (std::size_t c = 0; c < count; ++c)
-                to[c * kStrip] = from[c * kStrip];
+                to[c * stripWidth] = from[c * stripWidth];
             exchangeCells(panel, column, pivot, 0, first);
             exchangeCells(panel, column, pivot, first + count, panel.numColumns);
         }
-        panel.scale[column] = std::numeric_limits<double>::quiet_NaN();
     }
 
     const Vec factor = hn::Set(d, reciprocal);
@@ -218,81 +208,88 @@ HWY_INLINE void factoriseColumns(const Panel& panel, std::size_t first, std::siz
             panel.cell(first + step, first + c) = done[step][c];
 }
 
-/// Carries the finished columns [first, first + depth) into the columns [first + depth, end) of the panel.
-HWY_INLINE void updateWithin(const Panel& panel, std::size_t first, std::size_t depth, std::size_t end)
+/// The triangular solve and the trailing update (see LuPlan) inside the panel: of the columns [first + depth, end) by
+/// the finished columns [first, first + depth).
+HWY_INLINE void updateInsidePanel(const Panel& panel, std::size_t first, std::size_t depth, std::size_t end)
 {
     const std::size_t begin = first + depth;
-    const std::size_t topStrip = first / kStrip;
-    const std::size_t firstStrip = begin / kStrip;
-    const std::size_t numColumnStrips = (end - begin + kStrip - 1) / kStrip;
-    const std::size_t factorStride = panel.columnStride * kStrip;
+    const std::size_t topStrip = first / stripWidth;
+    const std::size_t firstStrip = begin / stripWidth;
+    const std::size_t numColumnStrips = (end - begin + stripWidth - 1) / stripWidth;
+    const std::size_t factorStride = panel.columnStride * stripWidth;
 
     for (std::size_t s = 0; s < numColumnStrips; ++s)
     {
-        double* strip = panel.strips + s * depth * kStrip;
-        const std::size_t column = begin + s * kStrip;
-        for (std::size_t k = 0; k < depth; k += kStrip)
-            transposeStrip(StripTarget{panel.line(topStrip + k / kStrip, column)}, StripTarget{strip + k * kStrip});
+        double* strip = panel.strips + s * depth * stripWidth;
+        const std::size_t column = begin + s * stripWidth;
+        for (std::size_t k = 0; k < depth; k += stripWidth)
+            transposeStrip(StripLines{panel.line(topStrip + k / stripWidth, column)},
+                           StripLines{strip + k * stripWidth});
         solveUnitLower(panel.line(topStrip, first), factorStride, strip, depth);
-        for (std::size_t k = 0; k < depth; k += kStrip)
-            transposeStrip(StripTarget{strip + k * kStrip}, StripTarget{panel.line(topStrip + k / kStrip, column)});
+        for (std::size_t k = 0; k < depth; k += stripWidth)
+            transposeStrip(StripLines{strip + k * stripWidth},
+                           StripLines{panel.line(topStrip + k / stripWidth, column)});
     }
     for (std::size_t s = 0; s < numColumnStrips; s += 3)
     {
-        const std::size_t numFactors = kStrip * std::min<std::size_t>(3, numColumnStrips - s);
-        const double* strips = panel.strips + s * depth * kStrip;
+        const std::size_t numFactors = stripWidth * std::min<std::size_t>(3, numColumnStrips - s);
+        const double* strips = panel.strips + s * depth * stripWidth;
         for (std::size_t strip = firstStrip; strip < panel.getNumStrips(); ++strip)
-            subtractTile(StripTarget{panel.line(strip, begin + s * kStrip)}, strips, depth * kStrip,
-                         panel.line(strip, first), depth, numFactors);
+            updateTile(StripLines{panel.line(strip, begin + s * stripWidth)}, strips, depth * stripWidth,
+                       panel.line(strip, first), depth, numFactors);
     }
 }
 
-/// Factorises the columns [first, first + count) of the panel: halves, down to eight columns.
+/// Factorises the columns [first, first + count) of the panel, as LuPlan shows it for the matrix: the left half, its
+/// update of the right half, the right half; down to eight columns.
 inline void factorisePanel(const Panel& panel, std::size_t first, std::size_t count)
 {
-    if (count <= kStrip)
+    if (count <= stripWidth)
         return factoriseColumns(panel, first, count);
 
-    const std::size_t left = (count / 2 + kStrip - 1) / kStrip * kStrip;
+    const std::size_t left = (count / 2 + stripWidth - 1) / stripWidth * stripWidth;
     factorisePanel(panel, first, left);
-    updateWithin(panel, first, left, first + count);
+    updateInsidePanel(panel, first, left, first + count);
     factorisePanel(panel, first + left, count - left);
 }
 
-/// Copies columns [firstColumn, firstColumn + numColumns) of the matrix into the panel.
+/// Copies columns [firstColumn, firstColumn + numColumns) of the matrix into the panel and fills its last strip and its
+/// last eight columns.
 HWY_INLINE void packPanel(const Panel& panel, std::size_t firstColumn)
 {
-    const std::size_t wholeRows = panel.numRows / kStrip * kStrip;
-    const std::size_t wholeColumns = panel.numColumns / kStrip * kStrip;
-    for (std::size_t r = 0; r < wholeRows; r += kStrip)
+    const std::size_t wholeRows = panel.numRows / stripWidth * stripWidth;
+    const std::size_t wholeColumns = panel.numColumns / stripWidth * stripWidth;
+    const std::size_t numLines = roundUpToStrip(panel.numColumns);
+    for (std::size_t r = 0; r < wholeRows; r += stripWidth)
     {
-        for (std::size_t c = 0; c < wholeColumns; c += kStrip)
-            transposeStrip(RowTarget{panel.rows + r, firstColumn + c, 0}, StripTarget{panel.line(r / kStrip, c)});
+        for (std::size_t c = 0; c < wholeColumns; c += stripWidth)
+            transposeStrip(RowLines{panel.rows + r, firstColumn + c, 0}, StripLines{panel.line(r / stripWidth, c)});
         for (std::size_t c = wholeColumns; c < panel.numColumns; ++c)
-            for (std::size_t i = 0; i < kStrip; ++i)
-                panel.line(r / kStrip, c)[i] = panel.rows[r + i][firstColumn + c];
+            for (std::size_t i = 0; i < stripWidth; ++i)
+                panel.line(r / stripWidth, c)[i] = panel.rows[r + i][firstColumn + c];
+        std::fill(panel.line(r / stripWidth, panel.numColumns), panel.line(r / stripWidth, numLines), 0.0);
     }
-    for (std::size_t r = wholeRows; r < panel.getNumStrips() * kStrip; ++r)
-    {
+    if (wholeRows == panel.numRows)
+        return;
+    std::fill(panel.line(wholeRows / stripWidth, 0), panel.line(wholeRows / stripWidth, numLines), 0.0);
+    std::fill_n(panel.scale + panel.numRows, wholeRows + stripWidth - panel.numRows, 1.0);
+    for (std::size_t r = wholeRows; r < panel.numRows; ++r)
         for (std::size_t c = 0; c < panel.numColumns; ++c)
-            panel.cell(r, c) = r < panel.numRows ? panel.rows[r][firstColumn + c] : 0.0;
-        if (r >= panel.numRows)
-            panel.scale[r] = std::numeric_limits<double>::quiet_NaN();
-    }
+            panel.cell(r, c) = panel.rows[r][firstColumn + c];
 }
 
 /// Copies the panel back to where the row table now says.
 HWY_INLINE void unpackPanel(const Panel& panel, std::size_t firstColumn)
 {
-    const std::size_t wholeRows = panel.numRows / kStrip * kStrip;
-    const std::size_t wholeColumns = panel.numColumns / kStrip * kStrip;
-    for (std::size_t r = 0; r < wholeRows; r += kStrip)
+    const std::size_t wholeRows = panel.numRows / stripWidth * stripWidth;
+    const std::size_t wholeColumns = panel.numColumns / stripWidth * stripWidth;
+    for (std::size_t r = 0; r < wholeRows; r += stripWidth)
     {
-        for (std::size_t c = 0; c < wholeColumns; c += kStrip)
-            transposeStrip(StripTarget{panel.line(r / kStrip, c)}, RowTarget{panel.rows + r, firstColumn + c, 0});
+        for (std::size_t c = 0; c < wholeColumns; c += stripWidth)
+            transposeStrip(StripLines{panel.line(r / stripWidth, c)}, RowLines{panel.rows + r, firstColumn + c, 0});
         for (std::size_t c = wholeColumns; c < panel.numColumns; ++c)
-            for (std::size_t i = 0; i < kStrip; ++i)
-                panel.rows[r + i][firstColumn + c] = panel.line(r / kStrip, c)[i];
+            for (std::size_t i = 0; i < stripWidth; ++i)
+                panel.rows[r + i][firstColumn + c] = panel.line(r / stripWidth, c)[i];
     }
     for (std::size_t r = wholeRows; r < panel.numRows; ++r)
         for (std::size_t c = 0; c < panel.numColumns; ++c)

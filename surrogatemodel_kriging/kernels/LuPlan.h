@@ -4,28 +4,29 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "surrogatemodel_kriging/kernels/Strips.h"
+
 namespace fenn::kernels
 {
 
-/// Rows of a panel, and columns of the rows beside it, are packed in strips of eight whatever the width of a vector:
-/// a strip holds, for ascending k, its eight values contiguously and aligned.
-constexpr std::size_t kStrip = 8;
-
-/// Up to here a matrix is factorised as a whole from a copy by columns (Zen 4: ahead of panels up to 40 rows, 3.6
-/// against 4.2 us, behind from 48).
-constexpr std::size_t kMaxSmallRows = 40;
-
-constexpr std::size_t roundUpToStrip(std::size_t count)
-{
-    return (count + kStrip - 1) / kStrip * kStrip;
-}
-
 /// How a matrix of n rows is cut, which work follows which, and where everything lies in the workspace.
 ///
-/// Columns form panels of one width, the last one what is left; each is cut into two chunks. The work is one list that
-/// pieces take from in order: parts of the rows to scale; panel 0; then for each panel p its updates, one chunk of the
-/// columns to its right each, with the factorisation of panel p + 1 among them. Whatever a task waits for stands before
-/// it in the list, so the first unfinished one can always go on.
+/// Columns form panels of one width, the last one what is left. When panel p's turn comes, its rows are cut likewise:
+///
+///     +-----+---------+
+///     | A11 |   A12   |   1. panel              A11 over A21, all rows from its diagonal down, becomes
+///     +-----+---------+                         L11 and U11 over L21; rows are exchanged
+///     |     |         |   2. triangular solve   A12 becomes U12 with L11 U12 = A12
+///     | A21 |   A22   |   3. trailing update    A22 becomes A22 - L21 U12
+///     |     |         |
+///     +-----+---------+   and A22 holds the panels to come.
+///
+/// Each element's products are subtracted in ascending order all the same, for panels follow each other in that order.
+///
+/// The columns of A12 and A22 are cut into chunks, two to a panel. The work is one list that pieces take from in order:
+/// parts of the rows to scale; panel 0; then for each panel p the solve and the update of one chunk after the other,
+/// with the factorisation of panel p + 1 among them. Whatever a task waits for stands before it in the list, so the
+/// first unfinished one can always go on.
 class LuPlan
 {
 public:
@@ -51,7 +52,7 @@ public:
           width(chooseWidth(n)),
           numPanels((n + width - 1) / width),
           // An odd number of strips' lines from one strip to the next spreads a column over all sets of the caches.
-          columnStride(width % (2 * kStrip) == 0 ? width + kStrip : width),
+          columnStride(width % (2 * stripWidth) == 0 ? width + stripWidth : width),
           numBuffers(maxPieces > 1 ? 2 : 1)
     {
     }
@@ -168,8 +169,8 @@ private:
     static std::size_t chooseWidth(std::size_t n)
     {
         const std::size_t widest = n <= 384 ? 96 : n <= 1400 ? 128 : 256;
-        const std::size_t count = n <= widest + kStrip ? 1 : (n - kStrip + widest - 1) / widest;
-        return std::max(kStrip, roundUpToStrip((n + count - 1) / count));
+        const std::size_t count = n <= widest + stripWidth ? 1 : (n - stripWidth + widest - 1) / widest;
+        return std::max(stripWidth, roundUpToStrip((n + count - 1) / count));
     }
 };
 

@@ -6,11 +6,11 @@
 #define FENN_KERNELS_LU_SMALL_INL_H
 #endif
 
+#include <algorithm>
 #include <cstddef>
-#include <utility>
 
-#include "surrogatemodel_kriging/MagnitudeGuards.h"
-#include "surrogatemodel_kriging/kernels/LuTile-inl.h"
+#include "surrogatemodel_kriging/kernels/PivotRule-inl.h"
+#include "surrogatemodel_kriging/kernels/Transpose-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
@@ -21,7 +21,7 @@ namespace lu
 {
 
 /// Where lines of a matrix copied out by columns lie: eight rows of column i.
-struct ColumnTarget
+struct ColumnLines
 {
     double* cells;
     std::size_t stride;
@@ -40,6 +40,10 @@ class SmallLu
 public:
     SmallLu(double** rows_, std::size_t n_, double* cells_, double* spareRow) : rows(rows_), n(n_), cells(cells_)
     {
+        // Rows that only fill the last strip are multiplied like the others. Zeros stay zeros; what the workspace held
+        // before could be denormal, and such a product takes a hundred times as long on many processors.
+        // Test: LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
+        std::fill_n(spareRow, kRows, 0.0);
         for (std::size_t i = 0; i < kRows; ++i)
         {
             places[i] = i < n ? rows[i] : spareRow;
@@ -59,19 +63,18 @@ public:
         for (std::size_t v = 0; v < kVecs; ++v)
             open[v] = hn::Lt(hn::Iota(d, static_cast<double>(v * kLanes)), hn::Set(d, static_cast<double>(n)));
 
-        Vec merit[kVecs];
+        Vec magnitudes[kVecs];
         FENN_UNROLL
         for (std::size_t v = 0; v < kVecs; ++v)
-            merit[v] = meritOf(scale[v], hn::Load(d, column(0) + v * kLanes), open[v]);
-
-        for (std::size_t j = 0; j < n; ++j)
+            magnitudes[v] = candidates(scale[v], hn::Load(d, column(0) + v * kLanes), open[v]);
+        std::size_t pivot = bestCandidate(magnitudes, atPosition, 0, n);
+        for (std::size_t j = 0;; ++j)
         {
-            const std::size_t pivot = choosePivot(merit, j);
             pivots[j] = positionOf[pivot];
             exchangePositions(j, pivot);
             double& pivotValue = column(j)[pivot];
-            if (pivotValue > -effectivelyZero && pivotValue < effectivelyZero)
-                pivotValue = effectivelyZero;
+            if (isTinyPivot(pivotValue))
+                pivotValue = leastPivot;
             if (j + 1 == n)
                 break;
 
@@ -86,7 +89,18 @@ public:
                 multipliers[v] = hn::IfThenElse(open[v], hn::Mul(values, reciprocal), values);
                 hn::Store(multipliers[v], d, column(j) + v * kLanes);
             }
-            for (std::size_t c = j + 1; c < n; ++c)
+            const Vec aboveNext = hn::Set(d, column(j + 1)[pivot]);
+            FENN_UNROLL
+            for (std::size_t v = 0; v < kVecs; ++v)
+            {
+                const Vec values = hn::Load(d, column(j + 1) + v * kLanes);
+                const Vec updated =
+                    hn::IfThenElse(open[v], hn::Sub(values, hn::Mul(multipliers[v], aboveNext)), values);
+                hn::Store(updated, d, column(j + 1) + v * kLanes);
+                magnitudes[v] = candidates(scale[v], updated, open[v]);
+            }
+            const std::size_t nextPivot = bestCandidate(magnitudes, atPosition, j + 1, n);
+            for (std::size_t c = j + 2; c < n; ++c)
             {
                 double* lines = column(c);
                 const Vec above = hn::Set(d, lines[pivot]);
@@ -97,30 +111,21 @@ public:
                     const Vec updated =
                         hn::IfThenElse(open[v], hn::Sub(values, hn::Mul(multipliers[v], above)), values);
                     hn::Store(updated, d, lines + v * kLanes);
-                    if (c == j + 1)
-                        merit[v] = meritOf(scale[v], updated, open[v]);
                 }
             }
+            pivot = nextPivot;
         }
         copyOut();
         return true;
     }
 
 private:
-    static constexpr std::size_t kRows = kStrips * kStrip;
+    static constexpr std::size_t kRows = kStrips * stripWidth;
     static constexpr std::size_t kVecs = kStrips * kVecsPerStrip;
 
     double* column(std::size_t c) const
     {
         return cells + c * kRows;
-    }
-
-    /// NaN and rows that have been a pivot become -1, below every merit.
-    static Vec meritOf(Vec scale, Vec values, hn::Mask<Tag> openRows)
-    {
-        const Tag d;
-        const Vec merit = hn::Mul(scale, hn::Abs(values));
-        return hn::IfThenElse(hn::And(openRows, hn::Ge(merit, hn::Zero(d))), merit, hn::Set(d, -1.0));
     }
 
     bool scaleRows(Vec (&scale)[kVecs]) const
@@ -145,50 +150,9 @@ private:
             const auto used = hn::Lt(hn::Iota(d, static_cast<double>(v * kLanes)), hn::Set(d, static_cast<double>(n)));
             if (!hn::AllFalse(d, hn::And(used, hn::Eq(big[v], hn::Zero(d)))))
                 return false;
-            scale[v] = hn::Div(hn::Set(d, 1.0), big[v]);
+            scale[v] = hn::Div(hn::Set(d, 1.0), hn::IfThenElse(used, big[v], hn::Set(d, 1.0)));
         }
         return true;
-    }
-
-    // DELIBERATE: the last of equally good rows wins, in the order of the row table, also among rows of merit 0, and
-    // NaN never wins. The pivot order, and with it the last bits of every result, relies on it.
-    std::size_t choosePivot(const Vec (&merit)[kVecs], std::size_t j) const
-    {
-        const Tag d;
-        Vec greatest = merit[0];
-        FENN_UNROLL
-        for (std::size_t v = 1; v < kVecs; ++v)
-            greatest = hn::Max(greatest, merit[v]);
-        greatest = hn::MaxOfLanes(d, greatest);
-
-        std::size_t numEqual = 0;
-        std::size_t found = 0;
-        FENN_UNROLL
-        for (std::size_t v = 0; v < kVecs; ++v)
-        {
-            const auto equal = hn::Eq(merit[v], greatest);
-            const auto first = hn::FindFirstTrue(d, equal);
-            found = first >= 0 ? v * kLanes + static_cast<std::size_t>(first) : found;
-            numEqual += hn::CountTrue(d, equal);
-        }
-        if (numEqual == 1)
-            return found;
-        return chooseAmongEquals(merit, greatest, j);
-    }
-
-    HWY_NOINLINE std::size_t chooseAmongEquals(const Vec (&merit)[kVecs], Vec greatest, std::size_t j) const
-    {
-        const Tag d;
-        const double best = hn::GetLane(greatest);
-        if (best < 0.0)
-            return static_cast<std::size_t>(atPosition[j]);
-        HWY_ALIGN double merits[kRows];
-        for (std::size_t v = 0; v < kVecs; ++v)
-            hn::Store(merit[v], d, merits + v * kLanes);
-        std::size_t position = n - 1;
-        while (merits[atPosition[position]] != best)
-            --position;
-        return static_cast<std::size_t>(atPosition[position]);
     }
 
     void exchangePositions(std::size_t j, std::size_t pivot)
@@ -203,36 +167,36 @@ private:
 
     void copyIn() const
     {
-        if (n < kStrip)
+        if (n < stripWidth)
         {
             for (std::size_t c = 0; c < n; ++c)
                 for (std::size_t i = 0; i < kRows; ++i)
                     column(c)[i] = i < n ? places[i][c] : 0.0;
             return;
         }
-        for (std::size_t c = 0; c < n; c += kStrip)
+        for (std::size_t c = 0; c < n; c += stripWidth)
         {
-            const std::size_t first = std::min(c, n - kStrip); // the last eight columns overlap those before
+            const std::size_t first = std::min(c, n - stripWidth); // the last eight columns overlap those before
             for (std::size_t s = 0; s < kStrips; ++s)
-                transposeStrip(RowTarget{places + s * kStrip, first, 0},
-                               ColumnTarget{column(first) + s * kStrip, kRows});
+                transposeStrip(RowLines{places + s * stripWidth, first, 0},
+                               ColumnLines{column(first) + s * stripWidth, kRows});
         }
     }
 
     void copyOut() const
     {
-        if (n < kStrip)
+        if (n < stripWidth)
         {
             for (std::size_t c = 0; c < n; ++c)
                 for (std::size_t i = 0; i < n; ++i)
                     places[i][c] = column(c)[i];
         }
-        for (std::size_t c = 0; n >= kStrip && c < n; c += kStrip)
+        for (std::size_t c = 0; n >= stripWidth && c < n; c += stripWidth)
         {
-            const std::size_t first = std::min(c, n - kStrip);
+            const std::size_t first = std::min(c, n - stripWidth);
             for (std::size_t s = 0; s < kStrips; ++s)
-                transposeStrip(ColumnTarget{column(first) + s * kStrip, kRows},
-                               RowTarget{places + s * kStrip, first, 0});
+                transposeStrip(ColumnLines{column(first) + s * stripWidth, kRows},
+                               RowLines{places + s * stripWidth, first, 0});
         }
         for (std::size_t i = 0; i < n; ++i)
             rows[i] = places[atPosition[i]];

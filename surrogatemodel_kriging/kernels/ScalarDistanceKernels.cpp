@@ -1,10 +1,9 @@
 #include "surrogatemodel_kriging/kernels/ScalarDistanceKernels.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
-
-#include "surrogatemodel_kriging/kernels/DistanceKernels.h"
 
 namespace fenn::kernels::scalar
 {
@@ -12,30 +11,30 @@ namespace fenn::kernels::scalar
 namespace
 {
 
-template <typename T>
-T squaredDistance(const T* const* coords, std::size_t numVars, const T* target, std::size_t p)
+double squaredDistance(const TargetAndPoints& points, std::size_t p)
 {
-    T sum = 0;
-    for (std::size_t v = 0; v < numVars; ++v)
+    double sum = 0.0;
+    for (std::size_t v = 0; v < points.numVars; ++v)
     {
-        const T difference = target[v] - coords[v][p];
+        const double difference = (points.target[v] - points.coords[v][p]) * points.scale;
         sum += difference * difference;
     }
     return sum;
 }
 
-template <typename T>
-void minimaOf(const T* const* coords, std::size_t numVars, std::size_t count, const T* target, std::size_t groupSize,
-              T* minima, T* folded, std::size_t firstGroup, std::size_t numFoldedGroups)
+} // namespace
+
+void groupMinima(const TargetAndPoints& points, const GroupMinima& minima)
 {
-    const std::size_t numGroups = (count + groupSize - 1) / groupSize;
-    std::fill_n(minima + firstGroup * minimaPerGroup, numGroups * minimaPerGroup, std::numeric_limits<T>::infinity());
-    for (std::size_t p = 0; p < count; ++p)
+    const std::size_t numGroups = (points.numPts + minima.groupSize - 1) / minima.groupSize;
+    std::fill_n(minima.ofGroups, numGroups * minimaPerGroup, std::numeric_limits<double>::infinity());
+    for (std::size_t p = 0; p < points.numPts; ++p)
     {
-        const T q = squaredDistance(coords, numVars, target, p);
-        const std::size_t group = firstGroup + p / groupSize;
-        T& minimum = minima[group * minimaPerGroup + p % minimaPerGroup];
-        T& foldedMinimum = folded[group % numFoldedGroups * minimaPerGroup + p % minimaPerGroup];
+        const double q = squaredDistance(points, p);
+        const std::size_t group = p / minima.groupSize;
+        const std::size_t entry = (minima.firstFolded + group) % minima.numFolded;
+        double& minimum = minima.ofGroups[group * minimaPerGroup + p % minimaPerGroup];
+        double& foldedMinimum = minima.folded[entry * minimaPerGroup + p % minimaPerGroup];
         if (q < minimum)
             minimum = q;
         if (q < foldedMinimum)
@@ -43,51 +42,45 @@ void minimaOf(const T* const* coords, std::size_t numVars, std::size_t count, co
     }
 }
 
-template <typename T, typename Position>
-std::size_t collect(const T* const* coords, std::size_t numVars, std::size_t first, std::size_t count, const T* target,
-                    T threshold, std::size_t groupSize, const T* minima, T* distances, Position* positions,
-                    std::size_t& numHits, std::size_t limit)
+std::size_t collectPtsWithin(const TargetAndPoints& points, const GroupMinima& minima, double threshold,
+                             std::size_t first, int block, CandidateList& list)
 {
-    for (std::size_t p = first; p < count; p += groupSize)
+    for (std::size_t p = first; p < points.numPts; p += minima.groupSize)
     {
-        if (numHits > limit)
+        if (list.count > list.limit)
             return p;
-        const std::size_t groupEnd = std::min(p + groupSize, count);
+        const std::size_t groupEnd = std::min(p + minima.groupSize, points.numPts);
         for (std::size_t j = 0; j < minimaPerGroup; ++j)
         {
-            if (!(minima[p / groupSize * minimaPerGroup + j] <= threshold))
+            if (!(minima.ofGroups[p / minima.groupSize * minimaPerGroup + j] <= threshold))
                 continue;
             for (std::size_t q = p + j; q < groupEnd; q += minimaPerGroup)
             {
-                const T distance = squaredDistance(coords, numVars, target, q);
-                if (!(distance <= threshold))
-                    continue;
-                distances[numHits] = distance;
-                positions[numHits] = static_cast<Position>(q);
-                ++numHits;
+                const double distance = squaredDistance(points, q);
+                if (distance <= threshold)
+                    list.candidates[list.count++] = {distance, block, static_cast<int>(q)};
             }
         }
     }
-    return count;
+    return points.numPts;
 }
 
-template <typename T, typename Bits>
-T bound(const T* distances, std::size_t count, std::size_t numNearest)
+double boundOfNearest(const double* distances, std::size_t count, std::size_t numNearest)
 {
-    const T smallest = *std::min_element(distances, distances + count);
-    const T largest = *std::max_element(distances, distances + count);
-    Bits low = 0;
-    Bits high = 0;
+    const double smallest = *std::min_element(distances, distances + count);
+    const double largest = *std::max_element(distances, distances + count);
+    std::uint64_t low = 0;
+    std::uint64_t high = 0;
     std::memcpy(&low, &smallest, sizeof low);
     std::memcpy(&high, &largest, sizeof high);
-    T threshold = largest;
+    double bound = largest;
     std::size_t numWithin = count;
     while (low < high && numWithin > numNearest + numNearest / 8)
     {
-        const Bits middle = low + (high - low) / 2;
-        std::memcpy(&threshold, &middle, sizeof threshold);
+        const std::uint64_t middle = low + (high - low) / 2;
+        std::memcpy(&bound, &middle, sizeof bound);
         const auto within = static_cast<std::size_t>(
-            std::count_if(distances, distances + count, [&](T distance) { return distance <= threshold; }));
+            std::count_if(distances, distances + count, [&](double distance) { return distance <= bound; }));
         if (within >= numNearest)
         {
             high = middle;
@@ -96,50 +89,8 @@ T bound(const T* distances, std::size_t count, std::size_t numNearest)
         else
             low = middle + 1;
     }
-    std::memcpy(&threshold, &high, sizeof threshold);
-    return threshold;
-}
-
-} // namespace
-
-void groupMinima(const float* const* coords, std::size_t numVars, std::size_t count, const float* target,
-                 std::size_t groupSize, float* minima, float* folded, std::size_t firstGroup,
-                 std::size_t numFoldedGroups)
-{
-    minimaOf(coords, numVars, count, target, groupSize, minima, folded, firstGroup, numFoldedGroups);
-}
-
-std::size_t collectPtsWithin(const float* const* coords, std::size_t numVars, std::size_t first, std::size_t count,
-                             const float* target, float threshold, std::size_t groupSize, const float* minima,
-                             float* distances, std::uint32_t* positions, std::size_t& numHits, std::size_t limit)
-{
-    return collect(coords, numVars, first, count, target, threshold, groupSize, minima, distances, positions, numHits,
-                   limit);
-}
-
-float boundOfNearest(const float* distances, std::size_t count, std::size_t numNearest)
-{
-    return bound<float, std::uint32_t>(distances, count, numNearest);
-}
-
-void groupMinima(const double* const* coords, std::size_t numVars, std::size_t count, const double* target,
-                 std::size_t groupSize, double* minima, double* folded, std::size_t firstGroup,
-                 std::size_t numFoldedGroups)
-{
-    minimaOf(coords, numVars, count, target, groupSize, minima, folded, firstGroup, numFoldedGroups);
-}
-
-std::size_t collectPtsWithin(const double* const* coords, std::size_t numVars, std::size_t first, std::size_t count,
-                             const double* target, double threshold, std::size_t groupSize, const double* minima,
-                             double* distances, std::uint64_t* positions, std::size_t& numHits, std::size_t limit)
-{
-    return collect(coords, numVars, first, count, target, threshold, groupSize, minima, distances, positions, numHits,
-                   limit);
-}
-
-double boundOfNearest(const double* distances, std::size_t count, std::size_t numNearest)
-{
-    return bound<double, std::uint64_t>(distances, count, numNearest);
+    std::memcpy(&bound, &high, sizeof bound);
+    return bound;
 }
 
 } // namespace fenn::kernels::scalar

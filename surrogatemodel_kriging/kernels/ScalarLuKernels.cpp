@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-#include "surrogatemodel_kriging/MagnitudeGuards.h"
+#include "surrogatemodel_kriging/kernels/PivotRule.h"
 
 namespace fenn::kernels::scalar
 {
@@ -38,18 +38,15 @@ bool factoriseLu(double** rows, std::size_t n, int* pivots, double* scale)
         for (std::size_t i = 0; i < j; ++i)
             rows[i][j] = subtractProducts(rows[i][j], rows[i], rows, j, i);
 
-        double bestMerit = 0.0;
+        double best = leastScaledMagnitude;
         std::size_t pivot = j;
         for (std::size_t i = j; i < n; ++i)
         {
             rows[i][j] = subtractProducts(rows[i][j], rows[i], rows, j, j);
-            const double merit = scale[i] * std::abs(rows[i][j]);
-            // DELIBERATE: >= lets the last of equally good rows win, and lets a row of merit 0 replace an earlier one
-            // of merit 0. The pivot order, and with it the last bits of every result, relies on it. A NaN merit is
-            // never >= and never wins.
-            if (merit >= bestMerit)
+            const double scaledMagnitude = scale[i] * std::abs(rows[i][j]);
+            if (isBetterPivot(scaledMagnitude, best))
             {
-                bestMerit = merit;
+                best = scaledMagnitude;
                 pivot = i;
             }
         }
@@ -60,9 +57,8 @@ bool factoriseLu(double** rows, std::size_t n, int* pivots, double* scale)
         }
         pivots[j] = static_cast<int>(pivot);
 
-        // DELIBERATE: a tiny negative pivot becomes positive too. A singular system goes on instead of failing.
-        if (rows[j][j] > -effectivelyZero && rows[j][j] < effectivelyZero)
-            rows[j][j] = effectivelyZero;
+        if (isTinyPivot(rows[j][j]))
+            rows[j][j] = leastPivot;
         if (j + 1 < n)
         {
             const double reciprocal = 1.0 / rows[j][j];

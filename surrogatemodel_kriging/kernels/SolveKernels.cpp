@@ -6,8 +6,6 @@
 #define HWY_TARGET_INCLUDE "surrogatemodel_kriging/kernels/SolveKernels.cpp"
 #include "hwy/foreach_target.h"
 
-#include "hwy/highway.h"
-
 #include "surrogatemodel_kriging/kernels/SolveMixed-inl.h"
 #include "surrogatemodel_kriging/kernels/SolveTiles-inl.h"
 
@@ -17,13 +15,15 @@ namespace fenn::kernels
 namespace HWY_NAMESPACE
 {
 
+using namespace solve;
+
 void substituteForward(const double* const* rows, std::size_t n, const StripGroup& forward)
 {
-    const std::size_t numTiledRows = n / kTileRows * kTileRows;
-    for (std::size_t first = 0; first < numTiledRows; first += kTileRows)
+    const std::size_t numTiledRows = n / kForwardRows * kForwardRows;
+    for (std::size_t first = 0; first < numTiledRows; first += kForwardRows)
     {
         for (std::size_t s = 0; s < forward.numStrips; ++s)
-            forwardRows<kTileRows>(rows, first, forward.strips + forward.stride * s, 0);
+            forwardRows<kForwardRows>(rows, first, forward.strips + forward.stride * s, 0);
     }
     substituteTail(rows, numTiledRows, n, forward);
 }
@@ -39,21 +39,24 @@ bool substituteBack(const double* const* rows, std::size_t n, const StripGroup& 
     return !hn::AllFalse(Tag(), isBeyond);
 }
 
-// Mixing pays once a group no longer stays in the first-level cache (Zen 4, GFlop/s, apart and mixed: n = 129 41 and
-// 40, 257 39 and 42, 500 38 and 43, 2000 29 and 38), and needs 32 registers.
-#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
-constexpr std::size_t kMixedFrom = 160;
-#endif
+/// A template, so that shapes which never mix do without that class.
+template <std::size_t kMixedFrom, std::size_t kStrips>
+bool substituteBoth(const double* const* rows, std::size_t n, const StripGroup& back, const StripGroup& forward,
+                    double limit)
+{
+    if constexpr (kMixedFrom != 0)
+    {
+        if (n >= kMixedFrom && back.numStrips == kStrips && forward.numStrips > 0)
+            return MixedSubstitution<kStrips>(rows, n, back, forward, limit).run();
+    }
+    HWY_NAMESPACE::substituteForward(rows, n, forward);
+    return HWY_NAMESPACE::substituteBack(rows, n, back, limit);
+}
 
 bool substituteBothWays(const double* const* rows, std::size_t n, const StripGroup& back, const StripGroup& forward,
                         double limit)
 {
-#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
-    if (n >= kMixedFrom && back.numStrips == kBackStrips && forward.numStrips > 0)
-        return MixedSubstitution(rows, n, back, forward, limit).run();
-#endif
-    HWY_NAMESPACE::substituteForward(rows, n, forward);
-    return HWY_NAMESPACE::substituteBack(rows, n, back, limit);
+    return substituteBoth<kSubstitution.mixedFrom, kBackStrips>(rows, n, back, forward, limit);
 }
 
 void permuteRows(const int* order, std::size_t n, const StripGroup& from, const StripGroup& to)

@@ -3,11 +3,10 @@
 
 #include <cstddef>
 
+#include "surrogatemodel_kriging/kernels/Strips.h"
+
 namespace fenn::kernels
 {
-
-/// Targets in a strip: entry j of target t of a strip stands at strip[stripWidth * j + t].
-constexpr std::size_t stripWidth = 8;
 
 /// Strips that a group may hold.
 constexpr std::size_t maxGroupStrips = 4;

@@ -13,13 +13,12 @@
 
 #include "surrogatemodel_kriging/kernels/SolveTiles-inl.h"
 
-// Elsewhere there are not enough registers for both.
-#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
-
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
 {
 namespace HWY_NAMESPACE
+{
+namespace solve
 {
 
 /// The back substitution of one group mixed, instruction by instruction, with the forward substitution of another.
@@ -27,8 +26,14 @@ namespace HWY_NAMESPACE
 /// A row of the back substitution begins only when the row before it has ended, so it reads all it needs anew: one
 /// vector per product, from the second-level cache as soon as a group is larger than the first. A forward tile reads
 /// little and computes much. Mixed, both together take hardly longer than the slower one. Needs 32 registers.
+///
+/// kStrips strips of the first group, at most as many of the other: then the forward substitution, which has fewer
+/// products to mix (n^2/8 - n steps against n^2/8 - 5n/8), ends first.
+template <std::size_t kStrips>
 class MixedSubstitution
 {
+    static_assert(kStrips == 4 && kVecsPerStrip == 1 && kForwardVecs == 1);
+
 public:
     MixedSubstitution(const double* const* rows_, std::size_t n_, const StripGroup& back_, const StripGroup& forward_,
                       double limit_)
@@ -38,10 +43,10 @@ public:
 
     bool run()
     {
-        const std::size_t numTiledRows = n / kTileRows * kTileRows;
+        const std::size_t numTiledRows = n / kForwardRows * kForwardRows;
         backRow = n - 1;
         backNext = n;
-        while (backRow > 0 && first < numTiledRows)
+        while (first < numTiledRows)
         {
             const std::size_t steps = std::min((n - backNext) / kBackSteps, (first - forwardNext) / kForwardSteps);
             if (steps > 0 && n >= kPrefetchFrom)
@@ -53,13 +58,13 @@ public:
             if (forwardNext == first)
                 turnTile();
         }
-        finishForward(numTiledRows);
-        backRows<kBackStrips>(rows, n, back.strips, back.stride, limit, backRow, backNext, isBeyond);
+        substituteTail(rows, numTiledRows, n, forward);
+        backRows<kStrips>(rows, n, back.strips, back.stride, limit, backRow, backNext, isBeyond);
         return !hn::AllFalse(Tag(), isBeyond);
     }
 
 private:
-    // Products per step: kBackSteps x kBackStrips against kForwardSteps x kTileRows, as many of one as of the other.
+    // Products per step: kBackSteps x kStrips against kForwardSteps x kForwardRows, as many of one as of the other.
     static constexpr std::size_t kBackSteps = 4;
     static constexpr std::size_t kForwardSteps = 2;
 
@@ -73,22 +78,21 @@ private:
         // What comes next, should it have to come from beyond the second-level cache: the row before this one, and two
         // rows of the next tile; its others' turns come with the other strips.
         const double* nextBackFactors = rows[backRow - 1] + backNext;
-        const std::size_t nextRow = std::min(first + kTileRows + strip % 4 * 2, n - 2);
+        const std::size_t nextRow = std::min(first + kForwardRows + strip % 4 * 2, n - 2);
         const double* nextFactors[] = {rows[nextRow] + forwardNext, rows[nextRow + 1] + forwardNext};
         const double* HWY_RESTRICT backFactors = rows[backRow] + backNext;
         // The strips' places from two pointers and a distance: four pointers more would not fit the registers.
-        static_assert(kBackStrips == 4 && kVecsPerStrip == 1 && kTileVecs == 1);
         std::size_t stride = back.stride;
         const double* near = back.strips + stripWidth * backNext;
         const double* far = near + 3 * stride;
         double* lanes = forward.strips + forward.stride * strip;
         const double* solvedForward = lanes + stripWidth * forwardNext;
-        const double* factors[kTileRows];
-        Vec sums[kTileRows];
-        StripRow<kBackStrips> row;
+        const double* factors[kForwardRows];
+        Vec sums[kForwardRows];
+        StripRow<kStrips> row;
         row.load(back.strips, stride, backRow);
         FENN_UNROLL
-        for (std::size_t i = 0; i < kTileRows; ++i)
+        for (std::size_t i = 0; i < kForwardRows; ++i)
         {
             factors[i] = rows[first + i] + forwardNext;
             sums[i] = hn::Load(d, lanes + stripWidth * (first + i));
@@ -102,7 +106,7 @@ private:
                 const Vec factor = hn::Set(d, backFactors[q]);
                 const double* places[] = {near, near + stride, near + 2 * stride, far};
                 FENN_UNROLL
-                for (std::size_t s = 0; s < kBackStrips; ++s)
+                for (std::size_t s = 0; s < kStrips; ++s)
                     row.sums[s][0] = hn::Sub(row.sums[s][0], hn::Mul(factor, hn::Load(d, places[s] + stripWidth * q)));
             }
             Vec solved[kForwardSteps];
@@ -110,7 +114,7 @@ private:
             for (std::size_t q = 0; q < kForwardSteps; ++q)
                 solved[q] = hn::Load(d, solvedForward + stripWidth * q);
             FENN_UNROLL
-            for (std::size_t i = 0; i < kTileRows; ++i)
+            for (std::size_t i = 0; i < kForwardRows; ++i)
             {
                 FENN_UNROLL
                 for (std::size_t q = 0; q < kForwardSteps; ++q)
@@ -128,22 +132,21 @@ private:
         }
         row.store(back.strips, stride, backRow);
         FENN_UNROLL
-        for (std::size_t i = 0; i < kTileRows; ++i)
+        for (std::size_t i = 0; i < kForwardRows; ++i)
             hn::Store(sums[i], d, lanes + stripWidth * (first + i));
         backNext += steps * kBackSteps;
         forwardNext += steps * kForwardSteps;
     }
 
-    /// Ends the row at hand and begins the next one with what is not a multiple of kBackSteps.
+    /// Ends the row at hand, of which nothing is left to subtract, and begins the next one with what is not a multiple
+    /// of kBackSteps.
     HWY_NOINLINE void turnBackRow()
     {
-        StripRow<kBackStrips> row;
+        StripRow<kStrips> row;
         row.load(back.strips, back.stride, backRow);
-        for (; backNext < n; ++backNext)
-            row.subtract(rows[backRow][backNext], back.strips, back.stride, backNext);
         row.divide(rows[backRow][backRow], limit, isBeyond);
         row.store(back.strips, back.stride, backRow);
-        const StripRow<kBackStrips> solved = row;
+        const StripRow<kStrips> solved = row;
         backNext = backRow + 1;
         --backRow;
         row.load(back.strips, back.stride, backRow);
@@ -156,26 +159,12 @@ private:
     /// Ends the tile at hand and goes on to that of the next strip or, after the last, of the next rows.
     HWY_NOINLINE void turnTile()
     {
-        finishRows<kTileRows, kTileVecs>(rows, first, forward.strips + forward.stride * strip);
+        finishRows<kForwardRows, kForwardVecs>(rows, first, forward.strips + forward.stride * strip);
         forwardNext = 0;
         if (++strip < forward.numStrips)
             return;
         strip = 0;
-        first += kTileRows;
-    }
-
-    void finishForward(std::size_t numTiledRows)
-    {
-        for (; first < numTiledRows; first += kTileRows)
-        {
-            for (; strip < forward.numStrips; ++strip)
-            {
-                forwardRows<kTileRows>(rows, first, forward.strips + forward.stride * strip, forwardNext);
-                forwardNext = 0;
-            }
-            strip = 0;
-        }
-        substituteTail(rows, numTiledRows, n, forward);
+        first += kForwardRows;
     }
 
     const double* const* rows;
@@ -192,10 +181,9 @@ private:
     std::size_t forwardNext = 0; // its next product
 };
 
+} // namespace solve
 } // namespace HWY_NAMESPACE
 } // namespace fenn::kernels
 HWY_AFTER_NAMESPACE();
-
-#endif
 
 #endif

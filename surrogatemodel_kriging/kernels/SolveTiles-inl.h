@@ -9,47 +9,26 @@
 #include <cstddef>
 #include <type_traits>
 
-#include "hwy/highway.h"
-
 #include "surrogatemodel_kriging/kernels/SolveKernels.h"
 #include "surrogatemodel_kriging/kernels/Unroll.h"
+#include "surrogatemodel_kriging/kernels/Vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
 {
 namespace HWY_NAMESPACE
 {
+namespace solve
+{
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Tag = hn::CappedTag<double, stripWidth>;
-using Vec = hn::Vec<Tag>;
+using namespace dense;
 
-constexpr std::size_t kLanes = hn::MaxLanes(Tag());
-constexpr std::size_t kVecsPerStrip = stripWidth / kLanes;
-static_assert(stripWidth % kLanes == 0);
-
-// Shapes: rows times vectors of a forward tile, strips side by side in the back substitution. With AVX-512 one vector
-// per row: its multiplications then read the factors from memory themselves, while a factor shared by two vectors is
-// spread into a register first, at the price of an arithmetic slot (Zen 4: 8 x 1 56 GFlop/s, 8 x 2 41, 4 x 6 48).
-#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
-constexpr std::size_t kTileRows = 8;
-constexpr std::size_t kTileVecs = 1;
-constexpr std::size_t kBackStrips = 4;
-#elif HWY_TARGET == HWY_AVX2
-constexpr std::size_t kTileRows = 4;
-constexpr std::size_t kTileVecs = 2;
-constexpr std::size_t kBackStrips = 4;
-#elif HWY_TARGET == HWY_SCALAR
-constexpr std::size_t kTileRows = 4;
-constexpr std::size_t kTileVecs = 2;
-constexpr std::size_t kBackStrips = 1;
-#else
-constexpr std::size_t kTileRows = 4;
-constexpr std::size_t kTileVecs = 2;
-constexpr std::size_t kBackStrips = 2;
-#endif
-static_assert(kVecsPerStrip % kTileVecs == 0);
+constexpr SubstitutionShape kSubstitution = substitutionShape(kUnit);
+constexpr std::size_t kForwardRows = kSubstitution.rows;
+constexpr std::size_t kForwardVecs = kSubstitution.vecs;
+constexpr std::size_t kBackStrips = kSubstitution.backStrips;
 
 /// b -= a c, the product rounded first.
 HWY_INLINE Vec subtractProduct(Vec b, double a, Vec c)
@@ -131,16 +110,16 @@ HWY_INLINE void finishRows(const double* const* factorRows, std::size_t first, d
     }
 }
 
-/// Rows first to first + kRows - 1 of the forward substitution, from product begin on (a multiple of kTileRows).
+/// Rows first to first + kRows - 1 of the forward substitution, from product begin on (a multiple of kForwardRows).
 template <std::size_t kRows>
 HWY_INLINE void forwardRows(const double* const* rows, std::size_t first, double* strip, std::size_t begin)
 {
-    static_assert(kTileRows % 4 == 0);
+    static_assert(kForwardRows % 4 == 0);
     FENN_UNROLL
-    for (std::size_t v = 0; v < kVecsPerStrip; v += kTileVecs)
+    for (std::size_t v = 0; v < kVecsPerStrip; v += kForwardVecs)
     {
-        subtractRows<kRows, kTileVecs, 4>(rows, first, strip + kLanes * v, begin, first);
-        finishRows<kRows, kTileVecs>(rows, first, strip + kLanes * v);
+        subtractRows<kRows, kForwardVecs, 4>(rows, first, strip + kLanes * v, begin, first);
+        finishRows<kRows, kForwardVecs>(rows, first, strip + kLanes * v);
     }
 }
 
@@ -219,7 +198,7 @@ struct StripRow
     }
 };
 
-/// The last rows of the forward substitution, fewer than kTileRows: all strips at once, for one alone would wait for
+/// The last rows of the forward substitution, fewer than kForwardRows: all strips at once, for one alone would wait for
 /// each of its differences.
 template <std::size_t kStrips>
 HWY_INLINE void forwardTail(const double* const* rows, std::size_t first, std::size_t n, double* strips,
@@ -299,6 +278,7 @@ HWY_INLINE void substituteTail(const double* const* rows, std::size_t first, std
                       { forwardTail<numStrips()>(rows, first, n, strips, forward.stride); });
 }
 
+} // namespace solve
 } // namespace HWY_NAMESPACE
 } // namespace fenn::kernels
 HWY_AFTER_NAMESPACE();

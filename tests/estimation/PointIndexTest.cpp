@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/NearestNeighborSearch.h"
+#include "tests/support/RunnableTargets.h"
 #include "tests/support/SampleBlocks.h"
 #include "tests/support/Samples.h"
 
@@ -60,7 +61,7 @@ Positions nearestPts(const Columns& columns, const std::vector<double>& target, 
     return nearestPts(*indexOf(columns), columns, target, maxPts, nearest);
 }
 
-/// Both searches for several numbers of points, around each target.
+/// Both searches for several numbers of points, around each target, on every instruction set.
 void expectWhatTheExhaustiveSearchFinds(const Columns& columns, const Columns& targets,
                                         const std::vector<int>& numbers = {1, 2, 7, 16, 33})
 {
@@ -69,22 +70,29 @@ void expectWhatTheExhaustiveSearchFinds(const Columns& columns, const Columns& t
     const std::unique_ptr<PointIndex> index = indexOf(columns);
     for (const int maxPts : numbers)
     {
-        PointIndex::Neighbours nearest(static_cast<std::size_t>(maxPts));
-        std::vector<SourcePointRef> expected(static_cast<std::size_t>(maxPts));
+        std::vector<std::vector<double>> places;
+        std::vector<Positions> expected;
+        std::vector<SourcePointRef> found(static_cast<std::size_t>(maxPts));
         for (std::size_t t = 0; t < targets[0].size(); ++t)
         {
-            std::vector<double> target;
+            places.emplace_back();
             for (const std::vector<double>& column : targets)
-                target.push_back(column[t]);
-            const auto count = static_cast<std::size_t>(search.findNearestPts(target, maxPts, expected));
-            Positions positions;
-            for (std::size_t i = 0; i < count; ++i)
-                positions.push_back(static_cast<std::size_t>(expected[i].second));
-
-            ASSERT_EQ(nearestPts(*index, columns, target, static_cast<std::size_t>(maxPts), nearest), positions)
-                << columns.size() << " variables, " << columns[0].size() << " points, " << maxPts << " wanted, target "
-                << t;
+                places.back().push_back(column[t]);
+            const int count = search.findNearestPts(places.back(), maxPts, found);
+            expected.emplace_back();
+            for (int i = 0; i < count; ++i)
+                expected.back().push_back(static_cast<std::size_t>(found[static_cast<std::size_t>(i)].second));
         }
+        PointIndex::Neighbours nearest(static_cast<std::size_t>(maxPts));
+        forEachRunnableTarget(
+            [&](const char* name)
+            {
+                for (std::size_t t = 0; t < places.size(); ++t)
+                    ASSERT_EQ(nearestPts(*index, columns, places[t], static_cast<std::size_t>(maxPts), nearest),
+                              expected[t])
+                        << name << ", " << columns.size() << " variables, " << columns[0].size() << " points, "
+                        << maxPts << " wanted, target " << t;
+            });
     }
 }
 

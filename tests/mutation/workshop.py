@@ -21,7 +21,10 @@ suites = {
         ["fenn_tests", "fenn_reliability_tests"], ["tests/fenn_tests", "tests/reliability/fenn_reliability_tests"]
     ),
     "analysis": Suite(["fenn_analysis_tests"], ["tests/analysis/fenn_analysis_tests"]),
-    "estimation": Suite(["fenn_estimation_tests"], ["tests/estimation/fenn_estimation_tests"]),
+    "estimation": Suite(
+        ["fenn_estimation_tests", "fenn_calling_thread_tests"],
+        ["tests/estimation/fenn_estimation_tests", "tests/estimation/fenn_calling_thread_tests"],
+    ),
     "host": Suite(["fenn_host_tests"], ["tests/host/fenn_host_tests"]),
     # Each in a process of its own: threads that were made once leave memory that no limit counts.
     "threads": Suite(["fenn_no_threads_tests"], pattern="^(NoThreads|MemoryLimit)Test[.]", is_limited=False),

@@ -1,6 +1,8 @@
 // The system refuses to make threads: from the first on, from a later one on, or for a while.
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -18,9 +20,9 @@
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
-#include "surrogatemodel_kriging/WorkerPool.h"
 #include "tests/support/BitComparison.h"
 #include "tests/support/FunctionSemivariogram.h"
+#include "tests/support/GuardedPool.h"
 #include "tests/support/Meeting.h"
 #include "tests/support/ModelSample.h"
 #include "tests/support/RequestArrays.h"
@@ -76,7 +78,7 @@ protected:
 };
 
 /// The threads that the pieces of a job run on.
-std::set<std::thread::id> runnersOf(fenn::WorkerPool& pool, int numPieces)
+std::set<std::thread::id> runnersOf(GuardedPool& pool, int numPieces)
 {
     std::mutex mutex;
     std::set<std::thread::id> runners;
@@ -148,7 +150,7 @@ TEST_F(NoThreadsTest, APoolThatCannotBeWaitedForLeavesNoThreadRunning)
 {
     std::atomic<int> numSeen{0};
     {
-        fenn::WorkerPool pool(3);
+        GuardedPool pool(3);
         const ThreadRefusal refusal(2);
         pool.run(3,
                  [&](int)
@@ -257,7 +259,7 @@ TEST_F(NoThreadsTest, TheExportedModelNeedsNoThreads)
 
 TEST_F(NoThreadsTest, APoolThatWasRefusedAThreadIsNotAskedAgain)
 {
-    fenn::WorkerPool pool(2);
+    GuardedPool pool(2);
     {
         const ThreadRefusal refusal(0);
         EXPECT_EQ(runnersOf(pool, 2), thisThreadOnly());
@@ -268,7 +270,7 @@ TEST_F(NoThreadsTest, APoolThatWasRefusedAThreadIsNotAskedAgain)
 
 TEST_F(NoThreadsTest, APoolThatWasRefusedOneOfItsThreadsIsNotAskedAgain)
 {
-    fenn::WorkerPool pool(3);
+    GuardedPool pool(3);
     {
         const ThreadRefusal refusal(1);
         pool.run(3,
@@ -284,11 +286,11 @@ TEST_F(NoThreadsTest, APoolThatWasRefusedOneOfItsThreadsIsNotAskedAgain)
 
 TEST_F(NoThreadsTest, DuringAShortageOtherPoolsAskForNoThreadsOfQt)
 {
-    fenn::WorkerPool first(2);
+    GuardedPool first(2);
     const ThreadRefusal refusal(0);
     EXPECT_EQ(runnersOf(first, 2), thisThreadOnly());
     const int numRefusedFirst = refusal.getNumRefused();
-    fenn::WorkerPool second(2);
+    GuardedPool second(2);
 
     for (int round = 0; round < 3; ++round)
         EXPECT_EQ(runnersOf(second, 2), thisThreadOnly());
@@ -298,8 +300,8 @@ TEST_F(NoThreadsTest, DuringAShortageOtherPoolsAskForNoThreadsOfQt)
 
 TEST_F(NoThreadsTest, AfterAShortageOtherPoolsHaveTheirThreads)
 {
-    fenn::WorkerPool first(2);
-    fenn::WorkerPool second(2);
+    GuardedPool first(2);
+    GuardedPool second(2);
     {
         const ThreadRefusal refusal(0);
         EXPECT_EQ(runnersOf(first, 2), thisThreadOnly());
@@ -311,4 +313,71 @@ TEST_F(NoThreadsTest, AfterAShortageOtherPoolsHaveTheirThreads)
     for (int round = 0; round < 20; ++round)
         numElsewhere += runnersOf(second, 2).count(std::this_thread::get_id()) == 0 ? 1 : 0;
     EXPECT_GT(numElsewhere, 0);
+}
+
+TEST_F(NoThreadsTest, AfterABusyPoolThreadsAreNotTakenForScarce)
+{
+    GuardedPool busy(1);
+    GuardedPool other(1);
+    std::thread second;
+    busy.run(1,
+             [&](int)
+             {
+                 second = std::thread([&] { busy.run(1, [](int) {}); });
+                 std::this_thread::sleep_for(std::chrono::milliseconds(300)); // its caller's patience ends
+             });
+    second.join();
+    const ThreadRefusal refusal(1000);
+
+    other.run(1, [](int) {});
+
+    EXPECT_EQ(refusal.getNumMade(), 1); // none of our own on trial
+}
+
+TEST_F(NoThreadsTest, ATaskThatWasLostBehindOneAtWorkIsDoneByTheCaller)
+{
+    GuardedPool pool(3);
+    const ThreadRefusal refusal(1);
+    std::vector<std::thread::id> runners(3);
+
+    pool.run(3,
+             [&](int piece)
+             {
+                 while (refusal.getNumRefused() == 0) // else the one thread might be there for all pieces
+                     std::this_thread::yield();
+                 runners[static_cast<std::size_t>(piece)] = std::this_thread::get_id();
+             });
+
+    EXPECT_NE(runners[0], std::this_thread::get_id());
+    EXPECT_EQ(runners[1], std::this_thread::get_id());
+    EXPECT_EQ(runners[2], std::this_thread::get_id());
+}
+
+TEST_F(NoThreadsTest, ALostTaskIsNotWaitedForWhileOthersKeepThePoolAtWork)
+{
+    GuardedPool pool(2);
+    std::atomic<bool> isOver{false};
+    Meeting begun(2);
+    const ThreadRefusal refusal(2); // the host's, and the pool's first
+    std::thread host(
+        [&]
+        {
+            pool.run(1,
+                     [&](int)
+                     {
+                         begun.attend();
+                         while (refusal.getNumRefused() == 0)
+                             std::this_thread::yield();
+                     });
+            while (!isOver)
+                pool.run(1, [](int) {});
+        });
+    begun.attend();
+    std::vector<std::thread::id> runners(2);
+
+    pool.run(2, [&](int piece) { runners[static_cast<std::size_t>(piece)] = std::this_thread::get_id(); });
+    isOver = true;
+    host.join();
+
+    EXPECT_EQ(runners[0], std::this_thread::get_id());
 }

@@ -77,6 +77,7 @@ struct Watch
     bool hasFailedOnAnotherThread = false;
     std::size_t numAllocations = 0;
     std::size_t failingAllocation = 0;
+    std::size_t numBytes = 0;
     std::ptrdiff_t numLive = 0;
     std::size_t numFollowed = 0;
     std::size_t numReleased = 0;
@@ -181,6 +182,7 @@ void* allocate(std::size_t size, std::size_t alignment, bool throws, const void*
         const Hold hold;
         live.insert(memory);
         ++watch.numLive;
+        watch.numBytes += size;
     }
     return memory;
 }
@@ -335,6 +337,12 @@ std::ptrdiff_t AllocationWatch::getNumLive() const
 {
     const Hold hold;
     return watch.numLive;
+}
+
+std::size_t AllocationWatch::getNumBytes() const
+{
+    const Hold hold;
+    return watch.numBytes;
 }
 
 bool AllocationWatch::hasFailed() const

@@ -25,6 +25,9 @@ public:
     /// Of the allocations since the start of the watch those that have not been freed.
     std::ptrdiff_t getNumLive() const;
 
+    /// Of all allocations since the start of the watch, freed or not.
+    std::size_t getNumBytes() const;
+
     bool hasFailed() const;
 
     /// Whether it was one of the forms that return null.

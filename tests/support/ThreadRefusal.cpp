@@ -1,5 +1,6 @@
 #include "tests/support/ThreadRefusal.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -38,7 +39,7 @@ extern "C" __attribute__((visibility("default"))) const char* __lsan_default_sup
 namespace fenn::test
 {
 
-ThreadRefusal::ThreadRefusal(int numGranted)
+ThreadRefusal::ThreadRefusal(int numGranted_) : numGranted(numGranted_)
 {
     numRefused = 0;
     numLeft = numGranted;
@@ -52,6 +53,11 @@ ThreadRefusal::~ThreadRefusal()
 int ThreadRefusal::getNumRefused() const
 {
     return numRefused;
+}
+
+int ThreadRefusal::getNumMade() const
+{
+    return numGranted - std::max(numLeft.load(), 0);
 }
 
 } // namespace fenn::test

@@ -9,12 +9,18 @@ namespace fenn::test
 class ThreadRefusal
 {
 public:
-    explicit ThreadRefusal(int numGranted);
+    explicit ThreadRefusal(int numGranted_);
     ~ThreadRefusal();
     ThreadRefusal(const ThreadRefusal& other) = delete;
     ThreadRefusal& operator=(const ThreadRefusal& other) = delete;
 
     int getNumRefused() const;
+
+    /// Threads made since then.
+    int getNumMade() const;
+
+private:
+    int numGranted;
 };
 
 } // namespace fenn::test

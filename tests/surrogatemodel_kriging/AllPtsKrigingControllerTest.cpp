@@ -1,14 +1,20 @@
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <limits>
 #include <memory>
+#include <mutex>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
+#include "tests/support/AllocationWatch.h"
 #include "tests/support/BitComparison.h"
 #include "tests/support/FunctionSemivariogram.h"
+#include "tests/support/Meeting.h"
 #include "tests/support/RequestArrays.h"
 #include "tests/support/ThrownError.h"
 
@@ -212,6 +218,112 @@ TEST(AllPtsKrigingControllerTest, NoTargetsWriteNothing)
 
     EXPECT_EQ(values[0], std::vector<double>(3, unwritten));
     EXPECT_EQ(variances[0], std::vector<double>(3, unwritten));
+}
+
+TEST(AllPtsKrigingControllerTest, WithoutTargetsOutputsMayBeMissing)
+{
+    SphericalSamples given(SampleShape{}, 800, 0.0);
+    AllPtsKrigingController controller(&given.samples.block(), &given.semivariogram, 0, 2);
+    std::vector<double*> none;
+
+    for (const int numTargets : {0, -1})
+        EXPECT_NO_THROW(controller.interpolate(none, {-1, 7, 1000000}, numTargets, none, none));
+}
+
+TEST(AllPtsKrigingControllerTest, OutputsAreGatheredOnceForARequestHoweverManyRanges)
+{
+    constexpr std::size_t numOutputs = 100;
+    constexpr std::size_t numPerRange = 40;
+    const SphericalSamples given(SampleShape{2, numOutputs, {60}, 0.0, 0}, 850, 0.0);
+    constexpr std::size_t gatheredBytes = numOutputs * 60 * sizeof(double);
+    std::set<int> outputVars;
+    for (int o = 0; o < static_cast<int>(numOutputs); ++o)
+        outputVars.insert(o);
+    const auto bytesOfRequest = [&](std::size_t numRanges)
+    {
+        SphericalSemivariogram semivariogram(given.low, given.samples.normalizers, given.low, given.high, 0.5, 0.0);
+        AllPtsKrigingController controller(&given.samples.block(), &semivariogram, 0, static_cast<int>(numRanges));
+        const std::size_t numTargets = numRanges * numPerRange;
+        ValueArrays targets(randomValues(2, numTargets, -1.0, 1.0, 851));
+        ResultArrays values(numOutputs, numTargets);
+        std::vector<double*> none;
+        const AllocationWatch watch;
+        controller.interpolate(targets.arrays(), outputVars, static_cast<int>(numTargets), values.arrays(), none);
+        return watch.getNumBytes();
+    };
+
+    const std::size_t ofOneRange = bytesOfRequest(1);
+
+    EXPECT_GT(ofOneRange, gatheredBytes);
+    EXPECT_LT(bytesOfRequest(8), 8 * ofOneRange - 6 * gatheredBytes);
+}
+
+TEST(AllPtsKrigingControllerTest, ARequestOfOneTargetGathersNothing)
+{
+    constexpr std::size_t numOutputs = 100;
+    SphericalSamples given(SampleShape{2, numOutputs, {60}, 0.0, 0}, 855, 0.0);
+    AllPtsKrigingController controller(&given.samples.block(), &given.semivariogram, 0, 1);
+    std::set<int> outputVars;
+    for (int o = 0; o < static_cast<int>(numOutputs); ++o)
+        outputVars.insert(o);
+    ValueArrays targets(randomValues(2, 1, -1.0, 1.0, 856));
+    ResultArrays values(numOutputs, 1);
+    std::vector<double*> none;
+
+    const AllocationWatch watch;
+    controller.interpolate(targets.arrays(), outputVars, 1, values.arrays(), none);
+
+    EXPECT_LT(watch.getNumBytes(), 4 * 60 * sizeof(double)); // of which the right-hand side takes one
+}
+
+TEST(AllPtsKrigingControllerTest, OverlappingRequestsLeaveAllWorkToThePoolsThreads)
+{
+    const SampleBlocks samples(SampleShape{1, 1, {5}, 0.0, 0}, 860);
+    std::mutex mutex;
+    std::set<std::thread::id> evaluators;
+    std::atomic<bool> isBuilt{false};
+    std::atomic_flag hasBegun = ATOMIC_FLAG_INIT;
+    Meeting begun(2);
+    Meeting mayEnd(2);
+    FunctionSemivariogram semivariogram(
+        [&](const std::vector<double>& separation)
+        {
+            if (isBuilt)
+            {
+                const std::lock_guard<std::mutex> lock(mutex);
+                evaluators.insert(std::this_thread::get_id());
+            }
+            if (isBuilt && !hasBegun.test_and_set())
+            {
+                begun.attend();
+                mayEnd.attend();
+            }
+            return oneSidedModel(separation);
+        });
+    AllPtsKrigingController controller(&samples.block(), &semivariogram, 0, 1);
+    isBuilt = true;
+    ValueArrays targets(randomValues(1, 2, -1.0, 1.0, 861));
+    ResultArrays values(2, 2);
+    const auto requestInto = [&](std::size_t k)
+    {
+        std::vector<double*> value{values.arrays()[k]};
+        std::vector<double*> none;
+        controller.interpolate(targets.arrays(), {0}, 2, value, none);
+    };
+    std::thread first([&] { requestInto(0); });
+    begun.attend(); // the pool's only thread is at work until this test lets it go on
+    std::thread second([&] { requestInto(1); });
+    const std::set<std::thread::id> callers{first.get_id(), second.get_id()};
+
+    std::this_thread::sleep_for(std::chrono::milliseconds(300)); // the second caller's patience ends
+    mayEnd.attend();
+    first.join();
+    second.join();
+
+    EXPECT_FALSE(evaluators.empty());
+    for (const std::thread::id caller : callers)
+        EXPECT_EQ(evaluators.count(caller), 0U);
+    EXPECT_TRUE(sameBits(values[0], values[1]));
 }
 
 TEST(AllPtsKrigingControllerTest, TargetsBeyondTheirNumberAreNotWritten)

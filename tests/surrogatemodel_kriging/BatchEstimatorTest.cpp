@@ -94,7 +94,8 @@ public:
         ValueArrays results(std::vector<std::vector<double>>(4, std::vector<double>(numTargets, unwritten)));
         const std::vector<double*> values{results.arrays()[0], results.arrays()[1]};
         const std::vector<double*> variances{results.arrays()[2], results.arrays()[3]};
-        BatchEstimator estimator(matrix, points, {0, 1}, normalizerOf(), true, static_cast<int>(numTargets));
+        const fenn::BatchInputs inputs(matrix, points, {0, 1}, normalizerOf());
+        fenn::BatchEstimator estimator(matrix, inputs, true, static_cast<int>(numTargets));
         try
         {
             estimator.evaluate(targets.arrays(), 0, static_cast<int>(numTargets), values, variances);
@@ -137,12 +138,12 @@ TEST(BatchEstimatorTest, AsManyTargetsAsAnIntCountsMayBeAnnounced)
     ValueArrays targets(randomValues(2, 1, -1.0, 1.0, 3));
     ValueArrays results(4, 1);
     const std::vector<double*> values{results.arrays()[0], results.arrays()[1]};
-    BatchEstimator estimator(system.matrix, system.points, {0, 1}, system.normalizerOf(), false,
-                             std::numeric_limits<int>::max());
+    const fenn::BatchInputs inputs(system.matrix, system.points, {0, 1}, system.normalizerOf());
+    fenn::BatchEstimator estimator(system.matrix, inputs, false, std::numeric_limits<int>::max());
 
     estimator.evaluate(targets.arrays(), 0, 1, values, {});
 
-    BatchEstimator exact(system.matrix, system.points, {0, 1}, system.normalizerOf(), false, 1);
+    fenn::BatchEstimator exact(system.matrix, inputs, false, 1);
     exact.evaluate(targets.arrays(), 0, 1, {results.arrays()[2], results.arrays()[3]}, {});
     EXPECT_EQ(results[0], results[2]);
     EXPECT_EQ(results[1], results[3]);
@@ -214,7 +215,8 @@ TEST(BatchEstimatorTest, WithoutVariancesTargetsSolvedSinglyHaveTheirEstimates)
     for (std::size_t v = 0; v < 2; ++v)
         targets[v][9] = system.samples.block().getInputValueArraysForBlock(0)[v][0]; // begins with a zero
     ValueArrays values(std::vector<std::vector<double>>(2, std::vector<double>(10, unwritten)));
-    BatchEstimator estimator(system.matrix, system.points, {0, 1}, system.normalizerOf(), false, 10);
+    const fenn::BatchInputs inputs(system.matrix, system.points, {0, 1}, system.normalizerOf());
+    fenn::BatchEstimator estimator(system.matrix, inputs, false, 10);
 
     estimator.evaluate(targets.arrays(), 0, 10, values.arrays(), {});
 

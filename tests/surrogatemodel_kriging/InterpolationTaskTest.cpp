@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "surrogatemodel_kriging/BatchInputs.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "tests/support/BitComparison.h"
 #include "tests/support/FunctionSemivariogram.h"
@@ -135,6 +136,58 @@ TEST(InterpolationTaskTest, AnEmptyRangeWritesNothing)
     EXPECT_EQ(variances[0], std::vector<double>(3, unwritten));
 }
 
+TEST(InterpolationTaskTest, WithoutTargetsNothingIsAskedAndNothingIsRead)
+{
+    const FunctionSemivariogram semivariogram(oneSidedModel);
+    System system(2, 12, 1, semivariogram);
+    const int numEvaluationsBefore = semivariogram.getNumEvaluations();
+    const std::set<int> outputsThatDoNotExist{-1, 3, 1000000};
+    std::vector<double*> none;
+    int numAsked = 0;
+    for (const int count : {0, -5})
+    {
+        InterpolationTask task(
+            [&](int) -> const Normalizer&
+            {
+                ++numAsked;
+                return system.normalizers[0];
+            },
+            &system.matrix, &system.sourcePts, 2, &none, &outputsThatDoNotExist, 0, count, &none, &none);
+
+        task.run();
+    }
+
+    EXPECT_EQ(numAsked, 0);
+    EXPECT_EQ(semivariogram.getNumEvaluations(), numEvaluationsBefore);
+}
+
+TEST(InterpolationTaskTest, InputsSharedWithOtherTasksGiveTheBitsOfItsOwn)
+{
+    System system(2, 30, 1, oneSided());
+    system.normalizers[2].setOffset(-3000.0);
+    const auto normalizerOf = [&](int outputVar) -> const Normalizer&
+    {
+        return system.normalizers[static_cast<std::size_t>(outputVar)];
+    };
+    const std::set<int> outputVars{0, 2};
+    ValueArrays targets(randomValues(2, 40, -1.0, 1.0, 2));
+    ResultArrays values(2, 40);
+    ResultArrays variances(2, 40);
+    const NaiveRequest expected = system.naive(targets, 40, oneSidedModel, 1);
+    const fenn::BatchInputs inputs(system.matrix, system.sourcePts, outputVars, normalizerOf);
+    for (const int first : {0, 15})
+    {
+        InterpolationTask task([](int) -> const Normalizer& { throw std::logic_error("gathered twice"); },
+                               &system.matrix, &system.sourcePts, 2, &targets.arrays(), &outputVars, first,
+                               first == 0 ? 15 : 25, &values.arrays(), &variances.arrays());
+        task.setBatchInputs(&inputs);
+
+        task.run();
+    }
+
+    expectNaiveBits(values, variances, expected);
+}
+
 TEST(InterpolationTaskTest, EstimatesAndVariancesHaveTheBitsOfTheNaiveLoops)
 {
     for (std::size_t numTargets = 0; numTargets <= 40; ++numTargets)
@@ -202,35 +255,43 @@ TEST(InterpolationTaskTest, EachPairOfSourceAndTargetIsEvaluatedOnce)
 
 TEST(InterpolationTaskTest, AnOffsetBeyondTheThresholdCentresThatOutput)
 {
-    System system(2, 30, 1, oneSided());
-    system.normalizers[2].setOffset(-3000.0);
-    ValueArrays targets(randomValues(2, 19, -1.0, 1.0, 2));
-    ResultArrays values(2, 19);
-    ResultArrays variances(2, 19);
-    const NaiveRequest centred = system.naive(targets, 19, oneSidedModel, 1);
+    for (const std::size_t numTargets : {1U, 19U})
+    {
+        SCOPED_TRACE(numTargets);
+        System system(2, 30, 1, oneSided());
+        system.normalizers[2].setOffset(-3000.0);
+        ValueArrays targets(randomValues(2, numTargets, -1.0, 1.0, 2));
+        ResultArrays values(2, numTargets);
+        ResultArrays variances(2, numTargets);
+        const NaiveRequest centred = system.naive(targets, numTargets, oneSidedModel, 1);
 
-    system.run(targets, 0, 19, values, variances);
+        system.run(targets, 0, static_cast<int>(numTargets), values, variances);
 
-    expectNaiveBits(values, variances, centred);
-    system.normalizers[2].setOffset(2896.0);
-    const NaiveRequest plain = system.naive(targets, 19, oneSidedModel, 1);
-    EXPECT_FALSE(sameBits(values[1], plain.values[2]));
-    for (std::size_t t = 0; t < 19; ++t)
-        EXPECT_NEAR(values[1][t], plain.values[2][t], 1e-9); // weights sum to 1 up to rounding, times 3000
+        expectNaiveBits(values, variances, centred);
+        system.normalizers[2].setOffset(2896.0);
+        const NaiveRequest plain = system.naive(targets, numTargets, oneSidedModel, 1);
+        EXPECT_FALSE(sameBits(values[1], plain.values[2]));
+        for (std::size_t t = 0; t < numTargets; ++t)
+            EXPECT_NEAR(values[1][t], plain.values[2][t], 1e-9); // weights sum to 1 up to rounding, times 3000
+    }
 }
 
 TEST(InterpolationTaskTest, ANaNOffsetTakesThePlainSum)
 {
-    System system(2, 30, 1, oneSided());
-    ValueArrays targets(randomValues(2, 19, -1.0, 1.0, 2));
-    ResultArrays values(2, 19);
-    ResultArrays variances(2, 19);
-    const NaiveRequest plain = system.naive(targets, 19, oneSidedModel, 1);
-    system.normalizers[0].setOffset(notANumber);
+    for (const std::size_t numTargets : {1U, 19U})
+    {
+        SCOPED_TRACE(numTargets);
+        System system(2, 30, 1, oneSided());
+        ValueArrays targets(randomValues(2, numTargets, -1.0, 1.0, 2));
+        ResultArrays values(2, numTargets);
+        ResultArrays variances(2, numTargets);
+        const NaiveRequest plain = system.naive(targets, numTargets, oneSidedModel, 1);
+        system.normalizers[0].setOffset(notANumber);
 
-    system.run(targets, 0, 19, values, variances);
+        system.run(targets, 0, static_cast<int>(numTargets), values, variances);
 
-    expectNaiveBits(values, variances, plain);
+        expectNaiveBits(values, variances, plain);
+    }
 }
 
 TEST(InterpolationTaskTest, SumsStartWithTheirFirstProduct)

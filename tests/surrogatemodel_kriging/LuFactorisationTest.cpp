@@ -186,7 +186,7 @@ namespace
 {
 
 /// Runs a piece on the calling thread and on others.
-Matrix::SideBySide onThreads(int numOthers)
+Matrix::Executor onThreads(int numOthers)
 {
     return [numOthers](const std::function<void()>& piece)
     {
@@ -201,7 +201,7 @@ Matrix::SideBySide onThreads(int numOthers)
 
 } // namespace
 
-TEST(SideBySideFactorisationTest, AnyNumberOfThreadsGivesTheBitsOfOne)
+TEST(FactorisationInPiecesTest, AnyNumberOfThreadsGivesTheBitsOfOne)
 {
     for (const std::size_t n : {3U, 255U, 256U, 300U, 700U})
     {
@@ -221,7 +221,7 @@ TEST(SideBySideFactorisationTest, AnyNumberOfThreadsGivesTheBitsOfOne)
     }
 }
 
-TEST(SideBySideFactorisationTest, ARowOfZerosIsSingularAndLeavesTheMatrixUnchanged)
+TEST(FactorisationInPiecesTest, ARowOfZerosIsSingularAndLeavesTheMatrixUnchanged)
 {
     RandomNumbers numbers(1);
     NaiveLinearSystem::Rows rows = randomRows(MatrixKind::uniform, 300, numbers);
@@ -233,7 +233,7 @@ TEST(SideBySideFactorisationTest, ARowOfZerosIsSingularAndLeavesTheMatrixUnchang
     EXPECT_TRUE(sameBits(elementsOf(matrix), elementsOf(rows)));
 }
 
-TEST(SideBySideFactorisationTest, SmallMatricesNeedNoOtherThread)
+TEST(FactorisationInPiecesTest, SmallMatricesNeedNoOtherThread)
 {
     Matrix matrix;
     allocateAndFill(matrix, {{2.0, 1.0}, {1.0, 2.0}});

@@ -9,6 +9,7 @@
 
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "tests/support/BitComparison.h"
+#include "tests/support/BlockSet.h"
 #include "tests/support/FunctionSemivariogram.h"
 #include "tests/support/NaiveSearch.h"
 #include "tests/support/RequestArrays.h"
@@ -55,6 +56,29 @@ NaiveRequest naiveLocalRequest(const SampleBlocks& samples, const NaiveSemivario
             std::copy(found.begin(), found.end(), neighbours.begin());
             return NaiveKriging(samples, neighbours, semivariogram, driftOrder).evaluate(target, references);
         });
+}
+
+/// Thirty points on a line, of which 10 and 20 coincide: merging them blanks both and appends a block of one point.
+SampleBlock lineWithAPairToMerge()
+{
+    SampleBlock line;
+    line.inputs.resize(1);
+    line.outputs = randomValues(1, 30, -1.0, 1.0, 3);
+    for (int i = 0; i < 30; ++i)
+        line.inputs[0].push_back(i == 20 ? 10.0 : i);
+    line.isUnblanked.assign(30, true);
+    line.numPts = 30;
+    return line;
+}
+
+/// Without points 10 and 20 and without what they are merged to.
+NaiveRequest lineRequestWithoutThePair(int numNeighbours, const ValueArrays& targets, std::size_t numTargets)
+{
+    const SampleBlock line = lineWithAPairToMerge();
+    std::vector<bool> isUnblanked(30, true);
+    isUnblanked[10] = isUnblanked[20] = false;
+    const SampleBlocks samples({line.inputs}, {line.outputs}, {isUnblanked}, {Normalizer()});
+    return naiveLocalRequest(samples, oneSidedModel, 0, numNeighbours, targets, numTargets, {0.0});
 }
 
 std::string textOfConstruction(std::size_t numInputVars, int driftOrder, int numNeighbours)
@@ -335,6 +359,48 @@ TEST(NPtsKrigingControllerTest, OutputsAndCoordinatesAreReadAtEachRequest)
     request(controller, targets, {0}, 10, values, none);
 
     EXPECT_TRUE(sameBits(values[0], naiveLocalRequest(samples, oneSidedModel, 1, 7, targets, 10, {0.0}).values[0]));
+}
+
+TEST(NPtsKrigingControllerTest, BlocksAppendedAfterConstructionAreNotSearchedHoweverManyTargetsThereAre)
+{
+    FunctionSemivariogram semivariogram(oneSidedModel);
+    for (const std::size_t numTargets : {1u, 31u, 32u, 200u})
+    {
+        SCOPED_TRACE(numTargets);
+        BlockSet blocks({lineWithAPairToMerge()}, {0.0}, {29.0});
+        NPtsKrigingController controller(&*blocks, &semivariogram, 0, 5);
+        blocks->removeDuplicatePts(0.0);
+        ValueArrays targets(randomValues(1, numTargets, 8.0, 12.0, 4));
+        ResultArrays values(1, numTargets);
+        ResultArrays none(0, numTargets);
+
+        request(controller, targets, {0}, numTargets, values, none);
+
+        EXPECT_TRUE(sameBits(values[0], lineRequestWithoutThePair(5, targets, numTargets).values[0]));
+    }
+}
+
+TEST(NPtsKrigingControllerTest, PointsBlankedDuringARequestAreMissedByItsNextTarget)
+{
+    BlockSet blocks({lineWithAPairToMerge()}, {0.0}, {29.0});
+    bool hasMerged = false;
+    FunctionSemivariogram semivariogram(
+        [&](const std::vector<double>& separation)
+        {
+            if (!hasMerged)
+                blocks->removeDuplicatePts(0.0);
+            hasMerged = true;
+            return oneSidedModel(separation);
+        });
+    NPtsKrigingController controller(&*blocks, &semivariogram, 0, 5);
+    ValueArrays targets(randomValues(1, 40, 8.0, 12.0, 4));
+    targets[0][0] = 0.5; // far from the pair, which the first target's search still finds
+    ResultArrays values(1, 40);
+    ResultArrays none(0, 40);
+
+    request(controller, targets, {0}, 40, values, none);
+
+    EXPECT_TRUE(sameBits(values[0], lineRequestWithoutThePair(5, targets, 40).values[0]));
 }
 
 TEST(NPtsKrigingControllerTest, ASingularSystemStopsAtItsTarget)

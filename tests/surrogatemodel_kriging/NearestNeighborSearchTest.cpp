@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/BlockSet.h"
 #include "tests/support/NaiveSearch.h"
 
 using namespace fenn::test;
@@ -172,6 +173,19 @@ TEST(NearestNeighborSearchTest, EmptyBlocksArePassedOver)
     const SampleBlocks samples({{{}}, {{2.0}}, {{}}}, {{{}}, {{0.0}}, {{}}}, {{}, {true}, {}}, {Normalizer()});
 
     EXPECT_EQ(nearestPts(samples, {0.0}, 2), (Points{{1, 0}}));
+}
+
+TEST(NearestNeighborSearchTest, NothingOfABlockWithoutPointsIsRead)
+{
+    const SampleBlock line{{{3.0, 1.0}}, {{0.0, 0.0}}, {true, true}};
+    const SampleBlock noArrays{{}, {}, {}, 0};
+    const SampleBlock noArraysAndANegativeCount{{}, {}, {}, -3};
+    BlockSet blocks({line, noArrays, noArraysAndANegativeCount, line}, {0.0}, {3.0});
+    const NearestNeighborSearch search(&*blocks, 1, 4);
+    Points found(3, untouched);
+
+    EXPECT_EQ(search.findNearestPts({0.0}, 3, found), 3);
+    EXPECT_EQ(found, (Points{{0, 1}, {3, 1}, {0, 0}}));
 }
 
 TEST(NearestNeighborSearchTest, NothingUnblankedFindsNothing)

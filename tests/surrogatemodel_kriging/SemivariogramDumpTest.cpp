@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "surrogatemodel_kriging/KrigingMatrix.h"
+#include "tests/support/BlockSet.h"
 #include "tests/support/FunctionSemivariogram.h"
 #include "tests/support/SampleBlocks.h"
 
@@ -145,6 +146,24 @@ TEST(SemivariogramDumpTest, WithoutPointsThereAreTheHeaderLinesOnly)
     const SampleBlocks samples({{{}}}, {{{}}}, {{}}, {Normalizer()});
 
     EXPECT_EQ(dumpOf(samples), "#dist empiricalSV modeledSV count\n#variance = 0\n");
+}
+
+TEST(SemivariogramDumpTest, NothingOfABlockWithoutPointsIsRead)
+{
+    const SampleBlock line{{{0.0, 1.0}}, {{1.0, 3.0}}, {true, true}};
+    const SampleBlock noArrays{{}, {}, {}, 0};
+    const SampleBlock noArraysAndANegativeCount{{}, {}, {}, -3};
+    BlockSet blocks({line, noArrays, noArraysAndANegativeCount}, {0.0}, {1.0});
+    const FunctionSemivariogram semivariogram(twiceOrThrice);
+    const KrigingMatrix matrix(*blocks, 2, &semivariogram, 0);
+    const TestFile file;
+
+    EXPECT_TRUE(matrix.writeSemivariogramDump(file.path.c_str(), 0));
+
+    EXPECT_EQ(file.text(), "#dist empiricalSV modeledSV count\n"
+                           "#variance = 2\n"
+                           "0 0 0 2\n"
+                           "1 2 5 2\n");
 }
 
 TEST(SemivariogramDumpTest, PairsAreFormedWithinABlockOncePerBlock)

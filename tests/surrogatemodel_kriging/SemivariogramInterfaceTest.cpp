@@ -12,6 +12,7 @@
 #include "tests/support/Samples.h"
 
 using namespace fenn::test;
+using fenn::PointArrays;
 
 namespace
 {
@@ -105,6 +106,13 @@ TEST(SemivariogramInterfaceTest, BulkEvaluationOfNoSourcesOrNoTargetsWritesNothi
     EXPECT_EQ(one.getNumEvaluations(), 0);
 }
 
+TEST(SemivariogramInterfaceTest, AModelMayThrowUnlessItSaysOtherwise)
+{
+    const FunctionSemivariogram one([](const std::vector<double>&) { return 1.0; });
+
+    EXPECT_FALSE(one.neverThrows());
+}
+
 TEST(SemivariogramInterfaceTest, AModelIsDestroyedThroughItsInterface)
 {
     const auto owned = std::make_shared<int>(1);
@@ -115,6 +123,14 @@ TEST(SemivariogramInterfaceTest, AModelIsDestroyedThroughItsInterface)
     semivariogram.reset();
 
     EXPECT_EQ(owned.use_count(), 1);
+}
+
+TEST(SphericalSemivariogramPairsTest, NeverThrow)
+{
+    const std::vector<Normalizer> normalizers(1);
+    const SphericalSemivariogram semivariogram(normalizers, normalizers, {0.0}, {1.0}, 1.0, 0.0);
+
+    EXPECT_TRUE(semivariogram.neverThrows());
 }
 
 /// The spherical model's own bulk evaluation, for every tail of a vector.

@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
-#include <type_traits>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,82 +21,90 @@ using namespace fenn::test;
 namespace
 {
 
-template <typename T>
-using PositionOf = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// Random coordinates, half of them on a grid so that distances tie, some of them special values. The arrays are
 /// exactly as long as there are points: the address sanitizer sees a read beyond them.
-template <typename T>
 struct Points
 {
-    Points(std::size_t numVars, std::size_t count, std::uint64_t seed) : numPts(count), target(numVars)
+    Points(std::size_t numVars, std::size_t count, std::uint64_t seed) : target(numVars)
     {
-        using Limits = std::numeric_limits<T>;
-        const T specials[] = {Limits::quiet_NaN(),
-                              Limits::infinity(),
-                              -Limits::infinity(),
-                              Limits::denorm_min(),
-                              Limits::max(),
-                              T(-0.0),
-                              T(0.25)};
+        const double specials[] = {notANumber, infinity, -infinity, 5e-324, 1.7e308, -0.0, 0.25};
         RandomNumbers numbers(seed);
         for (std::size_t v = 0; v < numVars; ++v)
         {
-            arrays.push_back(std::make_unique<T[]>(count));
+            arrays.push_back(std::make_unique<double[]>(count));
             for (std::size_t p = 0; p < count; ++p)
             {
                 const bool isSpecial = numbers.next() < 0.05;
                 const bool isOnGrid = numbers.next() < 0.5;
                 const double x = numbers.next(-1.0, 1.0);
-                const T special = specials[static_cast<std::size_t>(numbers.next(0.0, 7.0))];
-                arrays[v][p] = isSpecial ? special : static_cast<T>(isOnGrid ? std::round(x * 4.0) / 4.0 : x);
+                const double special = specials[static_cast<std::size_t>(numbers.next(0.0, 7.0))];
+                arrays[v][p] = isSpecial ? special : isOnGrid ? std::round(x * 4.0) / 4.0 : x;
             }
             coords.push_back(arrays[v].get());
-            target[v] = static_cast<T>(numbers.next() < 0.5 ? 0.25 : numbers.next(-1.0, 1.0));
+            target[v] = numbers.next() < 0.5 ? 0.25 : numbers.next(-1.0, 1.0);
         }
+        const double scales[] = {1.0, 0.7, -3.0, 1e-200, 0.0, notANumber};
+        const double scale = scales[seed % 8 < 6 ? seed % 8 : 0];
+        asArgument = {target.data(), scale, numVars, coords.data(), count};
     }
 
-    std::size_t numPts;
-    std::vector<std::unique_ptr<T[]>> arrays;
-    std::vector<const T*> coords;
-    std::vector<T> target;
+    std::vector<std::unique_ptr<double[]>> arrays;
+    std::vector<const double*> coords;
+    std::vector<double> target;
+    TargetAndPoints asArgument;
 };
 
-template <typename T>
+/// Filled with garbage, with room for one group more than there are.
 struct Minima
 {
-    Minima(const Points<T>& points, std::size_t groupSize, std::size_t numFoldedGroups)
-        : ofGroups(((points.numPts + groupSize - 1) / groupSize + 1) * minimaPerGroup, T(-1)),
-          folded(numFoldedGroups * minimaPerGroup, std::numeric_limits<T>::infinity())
+    Minima(const Points& points, std::size_t groupSize, std::size_t numFolded, std::size_t firstFolded)
+        : ofGroups(((points.asArgument.numPts + groupSize - 1) / groupSize + 1) * minimaPerGroup, -1.0),
+          folded(numFolded * minimaPerGroup, infinity),
+          asArgument{groupSize, ofGroups.data(), folded.data(), numFolded, firstFolded}
     {
     }
 
-    bool operator==(const Minima& other) const
-    {
-        return ofGroups == other.ofGroups && folded == other.folded;
-    }
+    Minima(const Minima& other) = delete;
+    Minima& operator=(const Minima& other) = delete;
 
-    std::vector<T> ofGroups;
-    std::vector<T> folded;
+    std::vector<double> ofGroups;
+    std::vector<double> folded;
+    GroupMinima asArgument;
 };
 
-template <typename T>
-struct Hits
+/// The minima of one group size, by the definition.
+struct PlainMinima : Minima
 {
-    explicit Hits(std::size_t limit_) : limit(limit_), distances(limit + distanceGroup + 1), positions(distances.size())
+    explicit PlainMinima(const Points& points) : Minima(points, distanceGroup, 1, 0)
+    {
+        scalar::groupMinima(points.asArgument, asArgument);
+    }
+};
+
+struct Candidates
+{
+    explicit Candidates(std::size_t limit)
+        : array(limit + distanceGroup + 1, Candidate{notANumber, -1, -1}), asArgument{array.data(), 0, limit}
     {
     }
 
-    std::pair<std::vector<T>, std::vector<PositionOf<T>>> list() const
+    Candidates(const Candidates& other) = delete;
+    Candidates& operator=(const Candidates& other) = delete;
+
+    /// Distance, block and point.
+    std::vector<std::tuple<double, int, int>> list() const
     {
-        const auto end = static_cast<std::ptrdiff_t>(count);
-        return {{distances.begin(), distances.begin() + end}, {positions.begin(), positions.begin() + end}};
+        std::vector<std::tuple<double, int, int>> entries;
+        for (std::size_t i = 0; i < asArgument.count; ++i)
+            entries.emplace_back(array[i].distance, array[i].block, array[i].point);
+        return entries;
     }
 
-    std::size_t limit;
-    std::vector<T> distances;
-    std::vector<PositionOf<T>> positions;
-    std::size_t count = 0;
+    std::vector<Candidate> array;
+    CandidateList asArgument;
 };
 
 std::vector<std::size_t> someSizes()
@@ -108,42 +115,23 @@ std::vector<std::size_t> someSizes()
     return sizes;
 }
 
-/// The minima of one group size, by the definition.
-template <typename T>
-Minima<T> minimaOf(const Points<T>& points)
-{
-    Minima<T> minima(points, distanceGroup, 1);
-    scalar::groupMinima(points.coords.data(), points.coords.size(), points.numPts, points.target.data(), distanceGroup,
-                        minima.ofGroups.data(), minima.folded.data(), 0, 1);
-    return minima;
-}
-
 /// Zeros, whole numbers with ties, infinities and denormals.
-template <typename T>
-std::vector<T> someDistances(std::size_t count, std::uint64_t seed)
+std::vector<double> someDistances(std::size_t count, std::uint64_t seed)
 {
-    const T specials[] = {std::numeric_limits<T>::infinity(), std::numeric_limits<T>::denorm_min(), T(0)};
+    const double specials[] = {infinity, 5e-324, 0.0};
     RandomNumbers numbers(seed);
-    std::vector<T> distances(count);
-    for (T& distance : distances)
+    std::vector<double> distances(count);
+    for (double& distance : distances)
     {
-        const T special = specials[static_cast<std::size_t>(numbers.next(0.0, 3.0))];
-        distance = numbers.next() < 0.1 ? special : static_cast<T>(std::round(numbers.next(0.0, 64.0)));
+        const double special = specials[static_cast<std::size_t>(numbers.next(0.0, 3.0))];
+        distance = numbers.next() < 0.1 ? special : std::round(numbers.next(0.0, 64.0));
     }
     return distances;
 }
 
 } // namespace
 
-template <typename T>
-class DistanceKernelsTest : public testing::Test
-{
-};
-
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(DistanceKernelsTest, Precisions, );
-
-TYPED_TEST(DistanceKernelsTest, MinimaAreThoseOfTheDefinition)
+TEST(DistanceKernelsTest, MinimaAreThoseOfTheDefinition)
 {
     forEachRunnableTarget(
         [](const char* name)
@@ -153,32 +141,48 @@ TYPED_TEST(DistanceKernelsTest, MinimaAreThoseOfTheDefinition)
                 for (const std::size_t numVars : {0u, 1u, 2u, 3u, 4u, 7u})
                 {
                     SCOPED_TRACE(testing::Message() << name << ", " << size << " points, " << numVars << " variables");
-                    const Points<TypeParam> points(numVars, size, 100 + size);
+                    const Points points(numVars, size, 100 + size);
                     const std::size_t groupSize = size % 2 == 0 ? distanceGroup : 2 * distanceGroup;
-                    Minima<TypeParam> expected(points, groupSize, 3);
-                    Minima<TypeParam> actual = expected;
+                    Minima expected(points, groupSize, 3, size % 3);
+                    Minima actual(points, groupSize, 3, size % 3);
 
-                    scalar::groupMinima(points.coords.data(), numVars, size, points.target.data(), groupSize,
-                                        expected.ofGroups.data(), expected.folded.data(), 1, 3);
-                    groupMinima(points.coords.data(), numVars, size, points.target.data(), groupSize,
-                                actual.ofGroups.data(), actual.folded.data(), 1, 3);
+                    scalar::groupMinima(points.asArgument, expected.asArgument);
+                    groupMinima(points.asArgument, actual.asArgument);
 
-                    ASSERT_TRUE(actual == expected);
+                    ASSERT_EQ(actual.ofGroups, expected.ofGroups);
+                    ASSERT_EQ(actual.folded, expected.folded);
                 }
             }
         });
 }
 
-TYPED_TEST(DistanceKernelsTest, CollectedPointsAreThoseOfTheDefinition)
+TEST(DistanceKernelsTest, FoldedMinimaAreThoseOfEveryGroupInTurn)
+{
+    const std::vector<double> coordinates{5.0, 3.0, 4.0, 1.0, 2.0}; // each at the start of a group
+    std::vector<double> line(4 * distanceGroup + 1, 100.0);
+    for (std::size_t g = 0; g < 5; ++g)
+        line[g * distanceGroup] = coordinates[g];
+    const double* const coords = line.data();
+    const double target = 0.0;
+    std::vector<double> ofGroups(5 * minimaPerGroup);
+    std::vector<double> folded(3 * minimaPerGroup, infinity);
+
+    groupMinima({&target, 1.0, 1, &coords, line.size()}, {distanceGroup, ofGroups.data(), folded.data(), 3, 2});
+
+    EXPECT_EQ(folded[2 * minimaPerGroup], 1.0); // groups 0 and 3
+    EXPECT_EQ(folded[0], 4.0);                  // groups 1 and 4
+    EXPECT_EQ(folded[minimaPerGroup], 16.0);    // group 2
+}
+
+TEST(DistanceKernelsTest, CollectedPointsAreThoseOfTheDefinition)
 {
     forEachRunnableTarget(
         [](const char* name)
         {
             for (const std::size_t size : someSizes())
             {
-                const std::size_t numVars = size % 5;
-                const Points<TypeParam> points(numVars, size, 200 + size);
-                const Minima<TypeParam> minima = minimaOf(points);
+                const Points points(size % 5, size, 200 + size);
+                const PlainMinima minima(points);
                 for (const double threshold : {0.0, 0.0625, 0.3, 1.0, 1e30})
                 {
                     SCOPED_TRACE(testing::Message() << name << ", " << size << " points within " << threshold);
@@ -186,17 +190,13 @@ TYPED_TEST(DistanceKernelsTest, CollectedPointsAreThoseOfTheDefinition)
                     std::size_t next = 0;
                     while (expectedNext < size)
                     {
-                        Hits<TypeParam> expected(20);
-                        Hits<TypeParam> actual(20);
+                        Candidates expected(20);
+                        Candidates actual(20);
 
-                        expectedNext = scalar::collectPtsWithin(
-                            points.coords.data(), numVars, expectedNext, size, points.target.data(),
-                            static_cast<TypeParam>(threshold), distanceGroup, minima.ofGroups.data(),
-                            expected.distances.data(), expected.positions.data(), expected.count, expected.limit);
-                        next = collectPtsWithin(points.coords.data(), numVars, next, size, points.target.data(),
-                                                static_cast<TypeParam>(threshold), distanceGroup,
-                                                minima.ofGroups.data(), actual.distances.data(),
-                                                actual.positions.data(), actual.count, actual.limit);
+                        expectedNext = scalar::collectPtsWithin(points.asArgument, minima.asArgument, threshold,
+                                                                expectedNext, 7, expected.asArgument);
+                        next = collectPtsWithin(points.asArgument, minima.asArgument, threshold, next, 7,
+                                                actual.asArgument);
 
                         ASSERT_EQ(next, expectedNext);
                         ASSERT_EQ(actual.list(), expected.list());
@@ -206,37 +206,37 @@ TYPED_TEST(DistanceKernelsTest, CollectedPointsAreThoseOfTheDefinition)
         });
 }
 
-TYPED_TEST(DistanceKernelsTest, EveryPointWithinTheThresholdIsCollectedOnce)
+TEST(DistanceKernelsTest, EveryPointWithinTheThresholdIsCollectedOnce)
 {
-    const Points<TypeParam> points(2, 1000, 3);
-    const Minima<TypeParam> minima = minimaOf(points);
-    Hits<TypeParam> hits(1000);
+    const Points points(2, 1000, 8);
+    const PlainMinima minima(points);
+    Candidates collected(1000);
 
-    collectPtsWithin(points.coords.data(), 2, 0, 1000, points.target.data(), TypeParam(0.25), distanceGroup,
-                     minima.ofGroups.data(), hits.distances.data(), hits.positions.data(), hits.count, hits.limit);
+    collectPtsWithin(points.asArgument, minima.asArgument, 0.25, 0, 3, collected.asArgument);
 
-    std::vector<PositionOf<TypeParam>> expected;
-    for (PositionOf<TypeParam> p = 0; p < 1000; ++p)
+    std::vector<std::tuple<double, int, int>> expected;
+    for (int p = 0; p < 1000; ++p)
     {
-        const TypeParam x = points.target[0] - points.coords[0][p];
-        const TypeParam y = points.target[1] - points.coords[1][p];
-        if (x * x + y * y <= TypeParam(0.25))
-            expected.push_back(p);
+        const double x = points.target[0] - points.coords[0][p];
+        const double y = points.target[1] - points.coords[1][p];
+        if (x * x + y * y <= 0.25)
+            expected.emplace_back(x * x + y * y, 3, p);
     }
-    std::vector<PositionOf<TypeParam>> actual = hits.list().second;
+    auto actual = collected.list();
+    std::sort(expected.begin(), expected.end());
     std::sort(actual.begin(), actual.end());
     EXPECT_GT(expected.size(), 20u);
     EXPECT_EQ(actual, expected);
 }
 
-TYPED_TEST(DistanceKernelsTest, BoundsAreThoseOfTheDefinition)
+TEST(DistanceKernelsTest, BoundsAreThoseOfTheDefinition)
 {
     forEachRunnableTarget(
         [](const char* name)
         {
             for (const std::size_t size : someSizes())
             {
-                const std::vector<TypeParam> distances = someDistances<TypeParam>(size, 300 + size);
+                const std::vector<double> distances = someDistances(size, 300 + size);
                 for (std::size_t numNearest = 1; numNearest <= size; numNearest += 1 + size / 10)
                 {
                     SCOPED_TRACE(testing::Message() << name << ", " << numNearest << " of " << size);
@@ -248,14 +248,14 @@ TYPED_TEST(DistanceKernelsTest, BoundsAreThoseOfTheDefinition)
         });
 }
 
-TYPED_TEST(DistanceKernelsTest, ABoundIsReachedByAsManyAsAskedForAndFewMore)
+TEST(DistanceKernelsTest, ABoundIsReachedByAsManyAsAskedForAndFewMore)
 {
     for (const std::size_t size : someSizes())
     {
-        std::vector<TypeParam> distances = someDistances<TypeParam>(size, 400 + size);
+        std::vector<double> distances = someDistances(size, 400 + size);
         for (std::size_t numNearest = 1; numNearest <= size; ++numNearest)
         {
-            const TypeParam bound = boundOfNearest(distances.data(), size, numNearest);
+            const double bound = boundOfNearest(distances.data(), size, numNearest);
 
             std::sort(distances.begin(), distances.end());
             ASSERT_GE(bound, distances[numNearest - 1]) << numNearest << " of " << size;
@@ -269,30 +269,49 @@ TYPED_TEST(DistanceKernelsTest, ABoundIsReachedByAsManyAsAskedForAndFewMore)
     }
 }
 
-TYPED_TEST(DistanceKernelsTest, SquaresAreRoundedBeforeTheyAreAdded)
+TEST(DistanceKernelsTest, SquaresAreRoundedBeforeTheyAreAdded)
 {
-    // The last square is 1 + 2e + e^2 and loses its e^2; with it, what the others add would lie above a tie.
-    const bool isFloat = sizeof(TypeParam) == 4;
-    const TypeParam e = isFloat ? TypeParam(0x1p-13) : TypeParam(0x1p-27);
-    const std::vector<TypeParam> first(40, isFloat ? TypeParam(0x1p-12) : TypeParam(0x1p-27));
-    const std::vector<TypeParam> second(40, isFloat ? TypeParam(0) : TypeParam(0x1p-27));
-    const std::vector<TypeParam> third(40, TypeParam(1) + e);
-    const TypeParam* coords[] = {first.data(), second.data(), third.data()};
-    const TypeParam target[] = {0, 0, 0};
-    const TypeParam rounded = TypeParam(1) + 2 * e;
+    // The last square is 1 + 2^-26 + 2^-54 and loses its 2^-54; with it, what the others add would lie above a tie.
+    const std::vector<double> small(40, 0x1p-27);
+    const std::vector<double> last(40, 1.0 + 0x1p-27);
+    const double* const coords[] = {small.data(), small.data(), last.data()};
+    const double target[] = {0.0, 0.0, 0.0};
     forEachRunnableTarget(
         [&](const char* name)
         {
             SCOPED_TRACE(name);
-            std::vector<TypeParam> minima(3 * minimaPerGroup);
-            std::vector<TypeParam> folded(minimaPerGroup, TypeParam(100));
-            Hits<TypeParam> hits(40);
+            const TargetAndPoints points{target, 1.0, 3, coords, 40};
+            std::vector<double> ofGroup(minimaPerGroup);
+            std::vector<double> folded(minimaPerGroup, 100.0);
+            const GroupMinima minima{distanceGroup, ofGroup.data(), folded.data(), 1, 0};
+            Candidates collected(40);
 
-            groupMinima(coords, 3, 40, target, distanceGroup, minima.data(), folded.data(), 0, 1);
-            collectPtsWithin(coords, 3, 0, 40, target, TypeParam(100), distanceGroup, minima.data(),
-                             hits.distances.data(), hits.positions.data(), hits.count, hits.limit);
+            groupMinima(points, minima);
+            collectPtsWithin(points, minima, 100.0, 0, 0, collected.asArgument);
 
-            EXPECT_EQ(folded, std::vector<TypeParam>(minimaPerGroup, rounded));
-            EXPECT_EQ(hits.list().first, std::vector<TypeParam>(40, rounded));
+            EXPECT_EQ(folded, std::vector<double>(minimaPerGroup, 1.0 + 0x1p-26));
+            ASSERT_EQ(collected.asArgument.count, 40u);
+            for (const auto& entry : collected.list())
+                EXPECT_EQ(std::get<0>(entry), 1.0 + 0x1p-26);
+        });
+}
+
+TEST(DistanceKernelsTest, DifferencesAreScaledBeforeTheyAreSquared)
+{
+    const std::vector<double> line(40, 7.0);
+    const double* const coords = line.data();
+    const double target = 0.0;
+    const double scaled = 7.0 * 0.7;
+    ASSERT_NE(scaled * scaled, 7.0 * 7.0 * (0.7 * 0.7));
+    forEachRunnableTarget(
+        [&](const char* name)
+        {
+            SCOPED_TRACE(name);
+            std::vector<double> ofGroup(minimaPerGroup);
+            std::vector<double> folded(minimaPerGroup, infinity);
+
+            groupMinima({&target, 0.7, 1, &coords, 40}, {distanceGroup, ofGroup.data(), folded.data(), 1, 0});
+
+            EXPECT_EQ(ofGroup, std::vector<double>(minimaPerGroup, scaled * scaled));
         });
 }

@@ -1,16 +1,16 @@
 // Per-target guard: Highway includes this file once for every instruction set.
-#if defined(FENN_KERNELS_LU_BLOCKS_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef FENN_KERNELS_LU_BLOCKS_INL_H
-#undef FENN_KERNELS_LU_BLOCKS_INL_H
+#if defined(FENN_KERNELS_LU_TRAILING_UPDATE_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef FENN_KERNELS_LU_TRAILING_UPDATE_INL_H
+#undef FENN_KERNELS_LU_TRAILING_UPDATE_INL_H
 #else
-#define FENN_KERNELS_LU_BLOCKS_INL_H
+#define FENN_KERNELS_LU_TRAILING_UPDATE_INL_H
 #endif
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-#include "surrogatemodel_kriging/kernels/LuTile-inl.h"
+#include "surrogatemodel_kriging/kernels/MicroKernel-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
@@ -19,6 +19,8 @@ namespace HWY_NAMESPACE
 {
 namespace lu
 {
+
+using namespace dense;
 
 /// scale[i] = 1 / max |row(i)[k]| over the n elements that are no NaN, for i in [begin, end); false at the first row
 /// without an element of non-zero magnitude. A maximum rounds nothing: lanes may share it.
@@ -62,15 +64,15 @@ HWY_INLINE void loadLines(double* const* rows, std::size_t numRows, std::size_t 
     for (std::size_t i = 0; i < numRows; ++i)
     {
         const double* from = rows[i] + column;
-        double* line = lines + i * kStrip;
-        if (count == kStrip)
+        double* line = lines + i * stripWidth;
+        if (count == stripWidth)
         {
-            for (std::size_t v = 0; v < kStrip; v += kLanes)
+            for (std::size_t v = 0; v < stripWidth; v += kLanes)
                 hn::Store(hn::LoadU(d, from + v), d, line + v);
         }
         else
         {
-            for (std::size_t c = 0; c < kStrip; ++c)
+            for (std::size_t c = 0; c < stripWidth; ++c)
                 line[c] = c < count ? from[c] : 0.0;
         }
     }
@@ -83,10 +85,10 @@ HWY_INLINE void storeLines(double* const* rows, std::size_t numRows, std::size_t
     for (std::size_t i = 0; i < numRows; ++i)
     {
         double* to = rows[i] + column;
-        const double* line = lines + i * kStrip;
-        if (count == kStrip)
+        const double* line = lines + i * stripWidth;
+        if (count == stripWidth)
         {
-            for (std::size_t v = 0; v < kStrip; v += kLanes)
+            for (std::size_t v = 0; v < stripWidth; v += kLanes)
                 hn::StoreU(hn::Load(d, line + v), d, to + v);
         }
         else
@@ -97,7 +99,8 @@ HWY_INLINE void storeLines(double* const* rows, std::size_t numRows, std::size_t
     }
 }
 
-/// A factorised panel as its updates see it: rows from the panel's first one, its strips, its width.
+/// A factorised panel as its update sees it (A11 over A21, see LuPlan): rows from the panel's first one, its strips,
+/// its width.
 struct FinishedPanel
 {
     double* const* rows;
@@ -107,39 +110,41 @@ struct FinishedPanel
     std::size_t width;
 };
 
-/// Carries a panel into the columns [begin, end) to its right. strips is room for (end - begin), rounded up to eight,
-/// times width doubles.
+/// The triangular solve and the trailing update by a panel of the columns [begin, end) to its right: A12 and A22.
+/// strips is room for (end - begin), rounded up to eight, times width doubles.
 inline void updateColumnsBeside(const FinishedPanel& panel, std::size_t begin, std::size_t end, double* strips)
 {
-    const std::size_t factorStride = panel.columnStride * kStrip;
-    for (std::size_t column = begin; column < end; column += kStrip)
+    const std::size_t factorStride = panel.columnStride * stripWidth;
+    for (std::size_t column = begin; column < end; column += stripWidth)
     {
         double* strip = strips + (column - begin) * panel.width;
-        const std::size_t count = std::min(kStrip, end - column);
+        const std::size_t count = std::min(stripWidth, end - column);
         loadLines(panel.rows, panel.width, column, count, strip);
         solveUnitLower(panel.cells, factorStride, strip, panel.width);
         storeLines(panel.rows, panel.width, column, count, strip);
     }
 
-    for (std::size_t row = panel.width; row < panel.numRows; row += kTileRows)
+    // Tiles at the edge are updated in a copy that zeros fill.
+    // Test: LuWorkspaceTest.WhatItHeldBeforeIsNeverComputedWith
+    for (std::size_t row = panel.width; row < panel.numRows; row += maxTileRows)
     {
-        const std::size_t numRows = std::min(kTileRows, panel.numRows - row);
+        const std::size_t numRows = std::min(maxTileRows, panel.numRows - row);
         const double* factors = panel.cells + row * panel.columnStride;
         double* const* rows = panel.rows + row;
-        for (std::size_t column = begin; column < end; column += kStrip)
+        for (std::size_t column = begin; column < end; column += stripWidth)
         {
             const double* strip = strips + (column - begin) * panel.width;
-            const std::size_t count = std::min(kStrip, end - column);
-            if (numRows % kStrip == 0 && count == kStrip)
+            const std::size_t count = std::min(stripWidth, end - column);
+            if (numRows % stripWidth == 0 && count == stripWidth)
             {
-                const std::size_t nextColumn = column + 2 * kStrip <= end ? column + kStrip : column;
-                subtractTile(RowTarget{rows, column, nextColumn}, factors, factorStride, strip, panel.width, numRows);
+                const std::size_t nextColumn = column + 2 * stripWidth <= end ? column + stripWidth : column;
+                updateTile(RowLines{rows, column, nextColumn}, factors, factorStride, strip, panel.width, numRows);
             }
             else
             {
-                HWY_ALIGN double lines[kTileRows * kStrip] = {};
+                HWY_ALIGN double lines[maxTileRows * stripWidth] = {};
                 loadLines(rows, numRows, column, count, lines);
-                subtractTile(StripTarget{lines}, factors, factorStride, strip, panel.width, roundUpToStrip(numRows));
+                updateTile(StripLines{lines}, factors, factorStride, strip, panel.width, roundUpToStrip(numRows));
                 storeLines(rows, numRows, column, count, lines);
             }
         }

@@ -1,4 +1,6 @@
-#include "surrogatemodel_kriging/RequestNeighborSearch.h"
+// The search against a full sort, over samples that make the selection hard.
+
+#include "surrogatemodel_kriging/NearestNeighborSearch.h"
 
 #include <cmath>
 #include <limits>
@@ -12,29 +14,23 @@ using namespace fenn::test;
 namespace
 {
 
-constexpr int manyTargets = 1000; // enough for a copy of the samples to be made
 constexpr SourcePointRef untouched{-7, -7};
 
 using Points = std::vector<SourcePointRef>;
 
-/// The searches of a request and of a single target, both against a full sort.
 void expectNearestOfAFullSort(const SampleBlocks& samples, const std::vector<std::vector<double>>& targets, int maxPts)
 {
     const SurrogateModelDataBlock& block = samples.block();
     const NearestNeighborSearch search(&block, block.getNumInputVars(), block.getNumBlocks());
-    fenn::RequestNeighborSearch requestSearch(block, search, maxPts, manyTargets);
     for (std::size_t t = 0; t < targets.size(); ++t)
     {
         Points expected = naiveNearestPts(samples, targets[t], maxPts);
-        const std::size_t count = expected.size();
+        const auto count = static_cast<int>(expected.size());
         expected.resize(static_cast<std::size_t>(maxPts), untouched);
         Points found(static_cast<std::size_t>(maxPts), untouched);
-        Points foundInRequest = found;
 
-        ASSERT_EQ(search.findNearestPts(targets[t], maxPts, found), static_cast<int>(count)) << "target " << t;
+        ASSERT_EQ(search.findNearestPts(targets[t], maxPts, found), count) << "target " << t;
         ASSERT_EQ(found, expected) << "target " << t;
-        ASSERT_EQ(requestSearch.findNearestPts(targets[t], foundInRequest), static_cast<int>(count)) << "target " << t;
-        ASSERT_EQ(foundInRequest, expected) << "target " << t;
     }
 }
 
@@ -53,7 +49,7 @@ std::vector<std::vector<double>> randomTargets(std::size_t numTargets, std::size
 
 } // namespace
 
-TEST(RequestNeighborSearchTest, FindsWhatAFullSortFinds)
+TEST(NearestNeighborSearchDifferentialTest, FindsWhatAFullSortFinds)
 {
     for (const std::size_t size : {1u, 40u, 129u, 1000u, 4099u})
     {
@@ -74,7 +70,7 @@ TEST(RequestNeighborSearchTest, FindsWhatAFullSortFinds)
     }
 }
 
-TEST(RequestNeighborSearchTest, TiesGoToTheLowerBlockAndIndex)
+TEST(NearestNeighborSearchDifferentialTest, TiesGoToTheLowerBlockAndIndex)
 {
     for (const int gridSize : {1, 2, 5, 20})
     {
@@ -90,7 +86,7 @@ TEST(RequestNeighborSearchTest, TiesGoToTheLowerBlockAndIndex)
     }
 }
 
-TEST(RequestNeighborSearchTest, PointsThatSinglePrecisionCannotTellApartAreOrderedExactly)
+TEST(NearestNeighborSearchDifferentialTest, ClustersAFewUnitsInTheLastPlaceWideAreOrdered)
 {
     // Far clusters: within one, coordinates differ by units in the last place of a double.
     std::vector<std::vector<double>> inputs(2);
@@ -106,41 +102,7 @@ TEST(RequestNeighborSearchTest, PointsThatSinglePrecisionCannotTellApartAreOrder
     expectNearestOfAFullSort(samples, {{1.0, 0.0}, {-1.0, 0x1p-37}, {-1.0 - 0x1p-51, 0.5}, {0.0, 0.0}}, 20);
 }
 
-TEST(RequestNeighborSearchTest, PointsThatSinglePrecisionPutsInAnotherOrderAreOrderedExactly)
-{
-    // A cluster a few units in the last place of a float wide: few enough points to be collected, in a wrong order.
-    for (std::uint64_t seed = 0; seed < 40; ++seed)
-    {
-        auto inputs = randomValues(2, 2000, -1.0, 1.0, 80 + seed);
-        RandomNumbers numbers(seed);
-        for (std::size_t i = 0; i < 2000; i += 31)
-        {
-            inputs[0][i] = 0.7 + numbers.next(-3e-7, 3e-7);
-            inputs[1][i] = -0.3 + numbers.next(-3e-7, 3e-7);
-        }
-        const SampleBlocks samples(inputs, {std::vector<double>(2000)});
-
-        expectNearestOfAFullSort(samples, {{0.7, -0.3}, {0.7 + 2e-7, -0.3}, {0.7 + 1e-6, -0.3 - 5e-7}}, 20);
-    }
-}
-
-TEST(RequestNeighborSearchTest, RoundingsOfManyVariablesInSinglePrecisionAreAllowedFor)
-{
-    // In single precision the squares of 2^-12 leave no trace beside that of 1: sixteen points seem nearer than point
-    // 16, which is nearer than they are.
-    constexpr std::size_t numVars = 4000;
-    std::vector<std::vector<double>> inputs(numVars, std::vector<double>(18, 0x1p-12));
-    for (std::vector<double>& variable : inputs)
-        variable[16] = 0.0;
-    inputs[0] = std::vector<double>(18, 1.0);
-    inputs[0][16] = 1.0001;
-    inputs[0][17] = -1.0001;
-    const SampleBlocks samples(inputs, {std::vector<double>(18)});
-
-    expectNearestOfAFullSort(samples, {std::vector<double>(numVars, 0.0)}, 8);
-}
-
-TEST(RequestNeighborSearchTest, DistancesOneUnitInTheLastPlaceApartAreOrderedExactly)
+TEST(NearestNeighborSearchDifferentialTest, DistancesOneUnitInTheLastPlaceApartAreOrderedExactly)
 {
     // On a circle around the target squared distances are equal up to their last bits, which the scale changes.
     for (std::uint64_t seed = 0; seed < 40; ++seed)
@@ -168,7 +130,7 @@ TEST(RequestNeighborSearchTest, DistancesOneUnitInTheLastPlaceApartAreOrderedExa
     }
 }
 
-TEST(RequestNeighborSearchTest, FindsWhatAFullSortFindsAtAnyScaleAndOffset)
+TEST(NearestNeighborSearchDifferentialTest, FindsWhatAFullSortFindsAtAnyScaleAndOffset)
 {
     for (const double offset : {0.0, 1e12, -4e6})
     {
@@ -197,7 +159,7 @@ TEST(RequestNeighborSearchTest, FindsWhatAFullSortFindsAtAnyScaleAndOffset)
     }
 }
 
-TEST(RequestNeighborSearchTest, FindsWhatAFullSortFindsAmongSpecialValues)
+TEST(NearestNeighborSearchDifferentialTest, FindsWhatAFullSortFindsAmongSpecialValues)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
@@ -224,39 +186,16 @@ TEST(RequestNeighborSearchTest, FindsWhatAFullSortFindsAmongSpecialValues)
     }
 }
 
-TEST(RequestNeighborSearchTest, ABlankedOutlierDoesNotCoarsenTheCopy)
-{
-    SampleBlocks samples(SampleShape{2, 1, {2000}, 0.2, 0}, 70);
-    for (std::size_t i = 0; i < 2000; ++i)
-    {
-        if (!samples.isUnblanked[0][i])
-            samples.inputs[0][0][i] = 1e30;
-    }
-
-    expectNearestOfAFullSort(samples, randomTargets(10, 2, -1.0, 1.0, 71), 12);
-}
-
-TEST(RequestNeighborSearchTest, OneSampleEverywhereIsFoundByIndex)
+TEST(NearestNeighborSearchDifferentialTest, CoincidentPointsAreFoundByIndex)
 {
     const SampleBlocks samples({std::vector<double>(500, 3.0)}, {std::vector<double>(500)});
 
     expectNearestOfAFullSort(samples, {{3.0}, {4.0}}, 10);
 }
 
-TEST(RequestNeighborSearchTest, NoSamplesAreFoundWhereThereAreNone)
+TEST(NearestNeighborSearchDifferentialTest, NoPointsAreFoundWhereThereAreNone)
 {
     const SampleBlocks samples({{{}}}, {{{}}}, {{}}, {Normalizer()});
 
     expectNearestOfAFullSort(samples, {{3.0}}, 2);
-}
-
-TEST(RequestNeighborSearchTest, AFewTargetsAreSearchedWithoutACopy)
-{
-    SampleBlocks samples({{1.0, 2.0, 3.0}}, {{0.0, 0.0, 0.0}});
-    const NearestNeighborSearch search(&samples.block(), 1, 1);
-    fenn::RequestNeighborSearch requestSearch(samples.block(), search, 1, 1);
-    Points found(1, untouched);
-
-    EXPECT_EQ(requestSearch.findNearestPts({2.2}, found), 1);
-    EXPECT_EQ(found, (Points{{0, 1}}));
 }
