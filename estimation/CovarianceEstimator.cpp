@@ -9,11 +9,10 @@
 
 #include "estimation/CovarianceSystem.h"
 #include "estimation/DualSolution.h"
-#include "estimation/ShareWork.h"
+#include "estimation/ParallelRanges.h"
 #include "estimation/SpatialOrder.h"
 #include "estimation/StripStore.h"
 #include "surrogatemodel_kriging/ModelParts.h"
-#include "surrogatemodel_kriging/WorkerPool.h"
 #include "surrogatemodel_kriging/kernels/CovarianceKernels.h"
 #include "surrogatemodel_kriging/kernels/SolveKernels.h"
 
@@ -28,8 +27,8 @@ using kernels::stripWidth;
 // Most targets that a thread takes at a time. Estimates alone: so many that eight neighbours among them lie close
 // together. With variances each holds a column of the right-hand sides: the more, the less often the factor is read
 // from memory.
-constexpr std::size_t targetsPerPiece = 4096;
-constexpr std::size_t columnsPerPiece = 128;
+constexpr std::size_t targetsPerRange = 4096;
+constexpr std::size_t columnsPerRange = 128;
 
 // Multiplications below which a second thread costs more to start than it takes over.
 constexpr double minSharedWork = 2e6;
@@ -208,7 +207,7 @@ private:
 CovarianceEstimator::CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, const ModelSettings& settings,
                                          int numThreads)
     : Estimator(parts_),
-      workers(std::make_unique<WorkerPool>(numThreads)),
+      threads(std::make_unique<ParallelRanges>(numThreads)),
       system(std::make_unique<CovarianceSystem>(*parts_, settings.driftOrder)),
       hasShortRange(settings.rangeFraction < shortRange)
 {
@@ -232,7 +231,7 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
     reason = obstacleOf(system);
     if (!reason.empty())
         return nullptr;
-    if (!estimator->system->factorise(*estimator->workers))
+    if (!estimator->system->factorise(*estimator->threads))
     {
         reason = "the covariance form does not apply: its matrix is not positive definite";
         return nullptr;
@@ -253,7 +252,7 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
     for (std::size_t k = 0; k < numDriftTerms; ++k)
         magnitudes[k] = std::max(std::fabs(terms[stripWidth * k]), std::fabs(terms[stripWidth * k + 1]));
 
-    estimator->solution = std::make_unique<DualSolution>(system, *parts, *estimator->workers, magnitudes, largestBound);
+    estimator->solution = std::make_unique<DualSolution>(system, *parts, *estimator->threads, magnitudes, largestBound);
     estimator->boundInBox = estimator->solution->calcBound(magnitudes.data());
     estimator->bound = estimator->boundInBox;
     if (estimator->boundInBox <= largestBound)
@@ -266,30 +265,24 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
 
 void CovarianceEstimator::estimate(const Targets& targets, const Results& results) const
 {
+    if (targets.count == 0)
+        return;
     const bool wantsVariances = results.variances != nullptr;
-    const auto answer = [&](std::size_t first, std::size_t count)
-    {
-        Request request(*this, targets, results);
-        if (wantsVariances)
-            request.estimateWithVariances(first, count);
-        else
-            request.estimate(first, count);
-    };
     const auto numPoints = static_cast<double>(system->getNumPoints());
     const double workPerTarget = wantsVariances ? numPoints * (10.0 + 0.5 * numPoints) : numPoints * 10.0;
-    if (targets.count == 1 || static_cast<double>(targets.count) * workPerTarget < minSharedWork)
-        return answer(0, targets.count);
-
-    const auto numThreads = static_cast<std::size_t>(workers->getMaxThreads());
-    const std::size_t sizeOfShare = (targets.count + numThreads - 1) / numThreads;
-    const std::size_t pieceSize = std::min(wantsVariances ? columnsPerPiece : targetsPerPiece,
-                                           (sizeOfShare + stripWidth - 1) / stripWidth * stripWidth);
-    shareWork(*workers, (targets.count + pieceSize - 1) / pieceSize,
-              [&](std::size_t piece)
-              {
-                  const std::size_t first = piece * pieceSize;
-                  answer(first, std::min(pieceSize, targets.count - first));
-              });
+    const std::size_t numRanges =
+        static_cast<double>(targets.count) * workPerTarget < minSharedWork ? 1 : threads->getNumThreads();
+    const std::size_t share = (targets.count + numRanges - 1) / numRanges;
+    threads->run(targets.count,
+                 std::min(wantsVariances ? columnsPerRange : targetsPerRange, kernels::roundUpToStrip(share)),
+                 [&](std::size_t, std::size_t first, std::size_t end)
+                 {
+                     Request request(*this, targets, results);
+                     if (wantsVariances)
+                         request.estimateWithVariances(first, end - first);
+                     else
+                         request.estimate(first, end - first);
+                 });
 }
 
 void CovarianceEstimator::raiseBound(double targetBound) const

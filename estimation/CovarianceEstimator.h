@@ -10,16 +10,12 @@
 #include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
 
-namespace fenn
-{
-class WorkerPool;
-}
-
 namespace fenn::estimation
 {
 
 class CovarianceSystem;
 class DualSolution;
+class ParallelRanges;
 
 /// A global model in covariance form: one Cholesky factorisation, dual weights, n evaluations of the semivariogram per
 /// target, one triangular solve more for its variance. In real numbers it is the system that the plug-in solves; how
@@ -36,8 +32,8 @@ public:
     static constexpr double largestBound = 1e-9;
 
     /// Null where this engine does not apply; reason then says why, in the words of a report. parts: of these settings,
-    /// which use all points. numThreads: for building and for requests; 0: as many as there are processors. Throws
-    /// std::bad_alloc.
+    /// which use all points. numThreads: for building and for requests; 0: the cores that this process may use.
+    /// Throws std::bad_alloc.
     static std::unique_ptr<CovarianceEstimator> makeWhereProven(const std::shared_ptr<const ModelParts>& parts,
                                                                 const ModelSettings& settings, int numThreads,
                                                                 std::string& reason);
@@ -53,7 +49,7 @@ private:
     CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, const ModelSettings& settings, int numThreads);
     void raiseBound(double targetBound) const;
 
-    std::unique_ptr<WorkerPool> workers;
+    std::unique_ptr<ParallelRanges> threads;
     std::unique_ptr<CovarianceSystem> system;
     std::unique_ptr<DualSolution> solution;
     bool hasShortRange;

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "estimation/ShareWork.h"
+#include "estimation/ParallelRanges.h"
 #include "estimation/SpatialOrder.h"
 #include "estimation/SystemSize.h"
 #include "surrogatemodel_kriging/DriftTerms.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
-#include "surrogatemodel_kriging/WorkerPool.h"
 
 namespace fenn::estimation
 {
@@ -52,8 +51,8 @@ std::vector<const double*> pointersTo(const std::vector<std::vector<double>>& co
 CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : parts(parts_), driftOrder(driftOrder_)
 {
     const SurrogateModelDataBlock& block = parts.getDataBlock();
-    for (const Normalizer& normalizer : parts.getNormalizers())
-        scales.push_back(normalizer.getScale());
+    scales.resize(parts.getNormalizers().size());
+    model = parts.getSemivariogram().getKernelModel(scales.data());
     const std::vector<SourcePointRef>& unordered = parts.getPoints();
     points.reserve(unordered.size());
     for (const std::size_t index : orderInSpace(gather(block, unordered), scales, pointsPerBox))
@@ -78,31 +77,30 @@ CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : 
 
     numDriftTerms = static_cast<std::size_t>(countDriftTerms(driftOrder, scales.size())) + 1;
     triangle.numPositive = kernels::roundUpToTile(points.size());
-    triangle.numRows = triangle.numPositive + kernels::roundUpToWidth(numDriftTerms);
+    triangle.numRows = triangle.numPositive + kernels::roundUpToStrip(numDriftTerms);
 }
 
-bool CovarianceSystem::factorise(WorkerPool& workers)
+bool CovarianceSystem::factorise(ParallelRanges& threads)
 {
     cells.allocate(PackedTriangle::sizeFor(triangle.numRows));
     workspace.allocate(kernels::choleskyWorkspaceSize(triangle.numRows));
     triangle.cells = cells.data();
 
+    // Larger tiles first. A system too small to share is one range.
+    const bool isShared = triangle.numRows >= minSharedRows;
     const std::size_t numTiles = triangle.numPositive / triangleTileRows;
-    if (triangle.numRows < minSharedRows)
-    {
-        for (std::size_t tile = 0; tile < numTiles; ++tile)
-            assembleTile(tile);
-    }
-    else // the largest first
-        shareWork(workers, numTiles, [&](std::size_t i) { assembleTile(numTiles - 1 - i); });
+    threads.run(numTiles, isShared ? 1 : numTiles,
+                [&](std::size_t, std::size_t first, std::size_t end)
+                {
+                    for (std::size_t i = first; i < end; ++i)
+                        assembleTile(numTiles - 1 - i);
+                });
     assembleBorder();
 
     kernels::SharedCholesky shared;
     kernels::prepareSharedCholesky(shared, triangle, workspace.data());
-    if (triangle.numRows < minSharedRows)
-        kernels::workOnSharedCholesky(shared);
-    else
-        workers.runBesideCaller(workers.getMaxThreads(), [&shared] { kernels::workOnSharedCholesky(shared); });
+    threads.run(isShared ? threads.getNumThreads() : 1, 1,
+                [&shared](std::size_t, std::size_t, std::size_t) { kernels::workOnSharedCholesky(shared); });
     if (!shared.failed)
         return true;
     cells.allocate(0);
@@ -193,7 +191,7 @@ const std::vector<double>& CovarianceSystem::getScales() const
 
 kernels::SphericalModel CovarianceSystem::getModel() const
 {
-    return parts.getSemivariogram().getKernelModel(scales.data());
+    return model;
 }
 
 kernels::BoxedPoints CovarianceSystem::getBoxedPoints() const

@@ -12,11 +12,12 @@
 namespace fenn
 {
 class ModelParts;
-class WorkerPool;
 } // namespace fenn
 
 namespace fenn::estimation
 {
+
+class ParallelRanges;
 
 /// The universal Kriging system K of all points of a model in covariance form, sill 1, and its factorisation:
 ///
@@ -39,7 +40,7 @@ public:
 
     /// Assembles and factorises. Returns false where C or F^T C^-1 F is not positive definite to working precision; the
     /// factors' memory is then free again. Throws std::bad_alloc.
-    bool factorise(WorkerPool& workers);
+    bool factorise(ParallelRanges& threads);
 
     std::size_t getNumPoints() const;
     std::size_t getNumDriftTerms() const; // the constant counts
@@ -81,6 +82,7 @@ private:
     const ModelParts& parts;
     const int driftOrder;
     std::vector<double> scales;
+    kernels::SphericalModel model;
     std::vector<SourcePointRef> points;
     std::vector<std::vector<double>> coordinates; // one column per input variable
     std::vector<std::vector<double>> low;         // of each box

@@ -5,10 +5,9 @@
 #include <limits>
 
 #include "estimation/InverseNorm.h"
-#include "estimation/ShareWork.h"
+#include "estimation/ParallelRanges.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
-#include "surrogatemodel_kriging/WorkerPool.h"
 #include "surrogatemodel_kriging/kernels/ErrorFree.h"
 
 namespace fenn::estimation
@@ -25,6 +24,7 @@ constexpr int maxCorrections = 3;
 
 // Below this a second thread costs more to start than it takes over.
 constexpr std::size_t minSharedPoints = 256;
+constexpr std::size_t stripsPerRange = 4;
 
 // Columns for the norm of the inverse: four at least, and what a strip has room for beside the outputs.
 constexpr std::size_t minNormColumns = 4;
@@ -44,9 +44,9 @@ void subtractProduct(double& high, double& low, double a, double b)
 class DualSolution::Refinement
 {
 public:
-    Refinement(const CovarianceSystem& system_, WorkerPool& workers_, std::size_t numOutputs_)
+    Refinement(const CovarianceSystem& system_, ParallelRanges& threads_, std::size_t numOutputs_)
         : system(system_),
-          workers(workers_),
+          threads(threads_),
           numOutputs(numOutputs_),
           numPoints(system_.getNumPoints()),
           numRows(system_.getNumRows()),
@@ -144,17 +144,12 @@ private:
     void calcResidual()
     {
         const std::size_t numPointStrips = (numPoints + stripWidth - 1) / stripWidth;
-        const auto calcStrip = [this](std::size_t strip)
-        {
-            calcResidualOfPoints(stripWidth * strip);
-        };
-        if (numPoints < minSharedPoints)
-        {
-            for (std::size_t strip = 0; strip < numPointStrips; ++strip)
-                calcStrip(strip);
-        }
-        else
-            shareWork(workers, numPointStrips, calcStrip);
+        threads.run(numPointStrips, numPoints < minSharedPoints ? numPointStrips : stripsPerRange,
+                    [this](std::size_t, std::size_t first, std::size_t end)
+                    {
+                        for (std::size_t strip = first; strip < end; ++strip)
+                            calcResidualOfPoints(stripWidth * strip);
+                    });
         calcResidualOfDrift();
     }
 
@@ -217,7 +212,7 @@ private:
     }
 
     const CovarianceSystem& system;
-    WorkerPool& workers;
+    ParallelRanges& threads;
     const std::size_t numOutputs;
     const std::size_t numPoints;
     const std::size_t numRows;
@@ -230,13 +225,13 @@ private:
     std::vector<double> residual; // likewise; after a solve the correction
 };
 
-DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& parts, WorkerPool& workers,
+DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& parts, ParallelRanges& threads,
                            const std::vector<double>& driftMagnitudes, double tolerance)
     : numPoints(system.getNumPoints()), numDriftTerms(system.getNumDriftTerms())
 {
     const SurrogateModelDataBlock& block = parts.getDataBlock();
     outputs.resize(static_cast<std::size_t>(block.getNumOutputVars()));
-    Refinement refinement(system, workers, outputs.size());
+    Refinement refinement(system, threads, outputs.size());
     std::vector<double> values(numPoints);
     for (std::size_t o = 0; o < outputs.size(); ++o)
     {

@@ -10,11 +10,12 @@
 namespace fenn
 {
 class ModelParts;
-class WorkerPool;
 } // namespace fenn
 
 namespace fenn::estimation
 {
+
+class ParallelRanges;
 
 /// Dual weights w and drift coefficients b of every output of a factorised system, K (w, b) = (z, 0), with which an
 /// estimate is f(x_0)^T b + sum of w_j c_j(x_0), and a proof of how far such an estimate can be from the exact one.
@@ -30,7 +31,7 @@ class DualSolution
 public:
     /// system: factorised; it and the parts are not needed after construction. The bound is to reach tolerance where
     /// drift terms have at most the given magnitudes, one entry per drift term. Throws std::bad_alloc.
-    DualSolution(const CovarianceSystem& system, const ModelParts& parts, WorkerPool& workers,
+    DualSolution(const CovarianceSystem& system, const ModelParts& parts, ParallelRanges& threads,
                  const std::vector<double>& driftMagnitudes, double tolerance);
 
     /// Of the points in the system's order.

@@ -44,7 +44,7 @@ void negateBlock(const PackedTriangle& triangle, const CholeskyPlan::Tiles& rows
         for (std::size_t s = 0; s < triangle.numStripsOf(row); ++s)
         {
             double* strip = triangle.strip(row, s);
-            for (std::size_t i = kStrip * kTileRows * columns.begin; i < kStrip * endColumn; i += kLanes)
+            for (std::size_t i = stripWidth * kTileRows * columns.begin; i < stripWidth * endColumn; i += kLanes)
                 hn::Store(hn::Neg(hn::Load(d, strip + i)), d, strip + i);
         }
     }
@@ -111,23 +111,23 @@ HWY_INLINE void solveCornerTransposed(const double* HWY_RESTRICT factors, const 
                                       double* lines)
 {
     const Tag d;
-    for (std::size_t v = 0; v < kStrip; v += kLanes)
+    for (std::size_t v = 0; v < stripWidth; v += kLanes)
     {
-        Vec sums[kStrip];
+        Vec sums[stripWidth];
         FENN_UNROLL
-        for (std::size_t i = 0; i < kStrip; ++i)
-            sums[i] = hn::Load(d, lines + kStrip * i + v);
+        for (std::size_t i = 0; i < stripWidth; ++i)
+            sums[i] = hn::Load(d, lines + stripWidth * i + v);
         FENN_UNROLL
-        for (std::size_t k = kStrip; k-- > 0;)
+        for (std::size_t k = stripWidth; k-- > 0;)
         {
             sums[k] = hn::Mul(sums[k], hn::Set(d, reciprocals[k]));
             FENN_UNROLL
             for (std::size_t i = 0; i < k; ++i)
-                sums[i] = hn::Sub(sums[i], hn::Mul(hn::Set(d, factors[kStrip * i + k]), sums[k]));
+                sums[i] = hn::Sub(sums[i], hn::Mul(hn::Set(d, factors[stripWidth * i + k]), sums[k]));
         }
         FENN_UNROLL
-        for (std::size_t i = 0; i < kStrip; ++i)
-            hn::Store(sums[i], d, lines + kStrip * i + v);
+        for (std::size_t i = 0; i < stripWidth; ++i)
+            hn::Store(sums[i], d, lines + stripWidth * i + v);
     }
 }
 
@@ -136,19 +136,19 @@ HWY_NOINLINE void subtractSolvedRows(const double* HWY_RESTRICT factors, const d
                                      double* HWY_RESTRICT lines, std::size_t count)
 {
     const Tag d;
-    for (std::size_t v = 0; v < kStrip; v += kLanes)
+    for (std::size_t v = 0; v < stripWidth; v += kLanes)
     {
-        Vec rows[kStrip];
+        Vec rows[stripWidth];
         FENN_UNROLL
-        for (std::size_t k = 0; k < kStrip; ++k)
-            rows[k] = hn::Load(d, solved + kStrip * k + v);
+        for (std::size_t k = 0; k < stripWidth; ++k)
+            rows[k] = hn::Load(d, solved + stripWidth * k + v);
         for (std::size_t i = 0; i < count; ++i)
         {
-            Vec sum = hn::Load(d, lines + kStrip * i + v);
+            Vec sum = hn::Load(d, lines + stripWidth * i + v);
             FENN_UNROLL
-            for (std::size_t k = kStrip; k-- > 0;)
-                sum = hn::Sub(sum, hn::Mul(hn::Set(d, factors[kStrip * i + k]), rows[k]));
-            hn::Store(sum, d, lines + kStrip * i + v);
+            for (std::size_t k = stripWidth; k-- > 0;)
+                sum = hn::Sub(sum, hn::Mul(hn::Set(d, factors[stripWidth * i + k]), rows[k]));
+            hn::Store(sum, d, lines + stripWidth * i + v);
         }
     }
 }
@@ -157,14 +157,14 @@ void substituteLowerTransposed(const PackedTriangle& triangle, const double* rec
 {
     for (std::size_t row = triangle.numRows; row > 0;)
     {
-        row -= kStrip;
+        row -= stripWidth;
         const std::size_t tile = row / kTileRows;
-        const double* factors = triangle.strip(tile, row % kTileRows / kStrip);
+        const double* factors = triangle.strip(tile, row % kTileRows / stripWidth);
         for (std::size_t s = 0; s < group.numStrips; ++s)
         {
             double* strip = group.strips + group.stride * s;
-            solveCornerTransposed(factors + kStrip * row, reciprocals + row, strip + kStrip * row);
-            subtractSolvedRows(factors, strip + kStrip * row, strip, row);
+            solveCornerTransposed(factors + stripWidth * row, reciprocals + row, strip + stripWidth * row);
+            subtractSolvedRows(factors, strip + stripWidth * row, strip, row);
         }
     }
 }

@@ -10,7 +10,7 @@
 #include <cstddef>
 
 #include "surrogatemodel_kriging/kernels/CholeskyPlan.h"
-#include "surrogatemodel_kriging/kernels/LuTile-inl.h"
+#include "surrogatemodel_kriging/kernels/MicroKernel-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
@@ -20,25 +20,23 @@ namespace HWY_NAMESPACE
 namespace cholesky
 {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-using lu::kLanes;
-using lu::StripTarget;
-using lu::subtractTile;
-using lu::Tag;
-using lu::Vec;
+using dense::kLanes;
+using dense::StripLines;
+using dense::Tag;
+using dense::updateTile;
+using dense::Vec;
+namespace hn = dense::hn;
 
 constexpr std::size_t kTileRows = triangleTileRows;
-static_assert(kTileRows == lu::kTileRows && kStrip == stripWidth);
 
 /// A strip's lines of the columns of a tile less the products with that tile's rows: line(c) -= factor(k, c) * line(k)
 /// for k ascending in [begin, end), whole eights.
 HWY_INLINE void subtractColumns(const PackedTriangle& triangle, std::size_t tile, double* strip, std::size_t begin,
                                 std::size_t end)
 {
-    subtractTile(StripTarget{strip + kStrip * kTileRows * tile}, triangle.strip(tile, 0) + kStrip * begin,
-                 PackedTriangle::stripStride(tile), strip + kStrip * begin, end - begin,
-                 kStrip * triangle.numStripsOf(tile));
+    updateTile(StripLines{strip + stripWidth * kTileRows * tile}, triangle.strip(tile, 0) + stripWidth * begin,
+               PackedTriangle::stripStride(tile), strip + stripWidth * begin, end - begin,
+               stripWidth * triangle.numStripsOf(tile));
 }
 
 /// Eight lines of a strip by a triangle of eight rows: line(i) -= factors(k, i) * line(k) for k ascending in [0, i),
@@ -46,23 +44,23 @@ HWY_INLINE void subtractColumns(const PackedTriangle& triangle, std::size_t tile
 HWY_INLINE void solveCorner(const double* HWY_RESTRICT factors, const double* HWY_RESTRICT reciprocals, double* lines)
 {
     const Tag d;
-    for (std::size_t v = 0; v < kStrip; v += kLanes)
+    for (std::size_t v = 0; v < stripWidth; v += kLanes)
     {
-        Vec sums[kStrip];
+        Vec sums[stripWidth];
         FENN_UNROLL
-        for (std::size_t i = 0; i < kStrip; ++i)
-            sums[i] = hn::Load(d, lines + kStrip * i + v);
+        for (std::size_t i = 0; i < stripWidth; ++i)
+            sums[i] = hn::Load(d, lines + stripWidth * i + v);
         FENN_UNROLL
-        for (std::size_t k = 0; k < kStrip; ++k)
+        for (std::size_t k = 0; k < stripWidth; ++k)
         {
             sums[k] = hn::Mul(sums[k], hn::Set(d, reciprocals[k]));
             FENN_UNROLL
-            for (std::size_t i = k + 1; i < kStrip; ++i)
-                sums[i] = hn::Sub(sums[i], hn::Mul(hn::Set(d, factors[kStrip * k + i]), sums[k]));
+            for (std::size_t i = k + 1; i < stripWidth; ++i)
+                sums[i] = hn::Sub(sums[i], hn::Mul(hn::Set(d, factors[stripWidth * k + i]), sums[k]));
         }
         FENN_UNROLL
-        for (std::size_t i = 0; i < kStrip; ++i)
-            hn::Store(sums[i], d, lines + kStrip * i + v);
+        for (std::size_t i = 0; i < stripWidth; ++i)
+            hn::Store(sums[i], d, lines + stripWidth * i + v);
     }
 }
 
@@ -72,13 +70,13 @@ HWY_INLINE void solveTile(const PackedTriangle& triangle, std::size_t tile, cons
 {
     const std::size_t diagonal = kTileRows * tile;
     const std::size_t factorStride = PackedTriangle::stripStride(tile);
-    double* lines = strip + kStrip * diagonal;
+    double* lines = strip + stripWidth * diagonal;
     for (std::size_t s = 0; s < numStrips; ++s)
     {
-        const double* factors = triangle.strip(tile, s) + kStrip * diagonal;
-        const std::size_t row = kStrip * s;
-        subtractTile(StripTarget{lines + kStrip * row}, factors, factorStride, lines, row, kStrip);
-        solveCorner(factors + kStrip * row, reciprocals + diagonal + row, lines + kStrip * row);
+        const double* factors = triangle.strip(tile, s) + stripWidth * diagonal;
+        const std::size_t row = stripWidth * s;
+        updateTile(StripLines{lines + stripWidth * row}, factors, factorStride, lines, row, stripWidth);
+        solveCorner(factors + stripWidth * row, reciprocals + diagonal + row, lines + stripWidth * row);
     }
 }
 
@@ -86,23 +84,23 @@ HWY_INLINE void solveTile(const PackedTriangle& triangle, std::size_t tile, cons
 HWY_INLINE bool factoriseCorner(double* lines, double* reciprocals)
 {
     const Tag d;
-    for (std::size_t k = 0; k < kStrip; ++k)
+    for (std::size_t k = 0; k < stripWidth; ++k)
     {
-        double* line = lines + kStrip * k;
+        double* line = lines + stripWidth * k;
         if (!(line[k] > 0.0))
             return false;
         const double diagonal = std::sqrt(line[k]);
         reciprocals[k] = 1.0 / diagonal;
-        for (std::size_t v = 0; v < kStrip; v += kLanes)
+        for (std::size_t v = 0; v < stripWidth; v += kLanes)
             hn::Store(hn::Mul(hn::Load(d, line + v), hn::Set(d, reciprocals[k])), d, line + v);
         for (std::size_t i = 0; i < k; ++i)
             line[i] = 0.0;
         line[k] = diagonal;
-        for (std::size_t i = k + 1; i < kStrip; ++i)
+        for (std::size_t i = k + 1; i < stripWidth; ++i)
         {
             const Vec factor = hn::Set(d, line[i]);
-            double* sums = lines + kStrip * i;
-            for (std::size_t v = 0; v < kStrip; v += kLanes)
+            double* sums = lines + stripWidth * i;
+            for (std::size_t v = 0; v < stripWidth; v += kLanes)
                 hn::Store(hn::Sub(hn::Load(d, sums + v), hn::Mul(factor, hn::Load(d, line + v))), d, sums + v);
         }
     }
@@ -118,13 +116,14 @@ inline bool factoriseTile(const PackedTriangle& triangle, std::size_t tile, doub
     for (std::size_t s = 0; s < numStrips; ++s)
     {
         double* strip = triangle.strip(tile, s);
-        const std::size_t row = kStrip * s;
+        const std::size_t row = stripWidth * s;
         solveTile(triangle, tile, reciprocals, strip, s);
-        double* lines = strip + kStrip * diagonal;
-        subtractTile(StripTarget{lines + kStrip * row}, lines, PackedTriangle::stripStride(tile), lines, row, kStrip);
-        if (!factoriseCorner(lines + kStrip * row, reciprocals + diagonal + row))
+        double* lines = strip + stripWidth * diagonal;
+        updateTile(StripLines{lines + stripWidth * row}, lines, PackedTriangle::stripStride(tile), lines, row,
+                   stripWidth);
+        if (!factoriseCorner(lines + stripWidth * row, reciprocals + diagonal + row))
             return false;
-        for (std::size_t i = kStrip * (row + kStrip); i < kStrip * kStrip * numStrips; i += kLanes)
+        for (std::size_t i = stripWidth * (row + stripWidth); i < stripWidth * stripWidth * numStrips; i += kLanes)
             hn::Store(hn::Zero(d), d, lines + i);
     }
     return true;
