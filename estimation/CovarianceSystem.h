@@ -12,7 +12,7 @@
 namespace fenn
 {
 class ModelParts;
-}
+} // namespace fenn
 
 namespace fenn::estimation
 {
@@ -82,7 +82,7 @@ private:
     const ModelParts& parts;
     const int driftOrder;
     std::vector<double> scales;
-    kernels::SphericalModel model{}; // refers to the scales
+    kernels::SphericalModel model;
     std::vector<SourcePointRef> points;
     std::vector<std::vector<double>> coordinates; // one column per input variable
     std::vector<std::vector<double>> low;         // of each box

@@ -24,6 +24,7 @@ constexpr int maxCorrections = 3;
 
 // Below this a second thread costs more to start than it takes over.
 constexpr std::size_t minSharedPoints = 256;
+constexpr std::size_t stripsPerRange = 4;
 
 // Columns for the norm of the inverse: four at least, and what a strip has room for beside the outputs.
 constexpr std::size_t minNormColumns = 4;
@@ -143,17 +144,12 @@ private:
     void calcResidual()
     {
         const std::size_t numPointStrips = (numPoints + stripWidth - 1) / stripWidth;
-        const auto calcStrip = [this](std::size_t strip)
-        {
-            calcResidualOfPoints(stripWidth * strip);
-        };
-        if (numPoints < minSharedPoints)
-        {
-            for (std::size_t strip = 0; strip < numPointStrips; ++strip)
-                calcStrip(strip);
-        }
-        else
-            threads.run(numPointStrips, 1, [&](std::size_t, std::size_t strip, std::size_t) { calcStrip(strip); });
+        threads.run(numPointStrips, numPoints < minSharedPoints ? numPointStrips : stripsPerRange,
+                    [this](std::size_t, std::size_t first, std::size_t end)
+                    {
+                        for (std::size_t strip = first; strip < end; ++strip)
+                            calcResidualOfPoints(stripWidth * strip);
+                    });
         calcResidualOfDrift();
     }
 
