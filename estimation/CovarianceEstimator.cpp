@@ -174,8 +174,8 @@ private:
         std::vector<double> terms(numDriftTerms);
         for (std::size_t k = 0; k < numDriftTerms; ++k)
             terms[k] = driftTerms[stripWidth * k + t];
-        const double bound = solution.calcBound(terms.data());
-        return std::isnan(bound) ? std::numeric_limits<double>::infinity() : bound;
+        const double targetBound = solution.calcBound(terms.data());
+        return std::isnan(targetBound) ? std::numeric_limits<double>::infinity() : targetBound;
     }
 
     /// 1 - |L^-1 c|^2 + |R^-1 (f - F^T C^-1 c)|^2.

@@ -156,11 +156,11 @@ private:
     void calcResidualOfPoints(std::size_t first)
     {
         const std::size_t count = std::min(stripWidth, numPoints - first);
-        const std::size_t numDriftTerms = system.getNumDriftTerms();
+        const std::size_t numTerms = system.getNumDriftTerms();
         const std::size_t numInputVars = system.getModel().numInputVars;
         std::vector<double> targets(stripWidth * numInputVars);
         std::vector<double> scratch(targets.size());
-        std::vector<double> drift(stripWidth * numDriftTerms);
+        std::vector<double> drift(stripWidth * numTerms);
         std::vector<double> sums(2 * stripWidth * numOutputs);
         double* highs = sums.data();
         double* lows = sums.data() + stripWidth * numOutputs;
@@ -180,7 +180,7 @@ private:
             {
                 double& sum = highs[stripWidth * o + t];
                 double& errors = lows[stripWidth * o + t];
-                for (std::size_t k = 0; k < numDriftTerms; ++k)
+                for (std::size_t k = 0; k < numTerms; ++k)
                     subtractProduct(sum, errors, drift[stripWidth * k + t], coefficients_[k]);
                 residual[o * numRows + first + t] = sum + errors;
             }
@@ -189,12 +189,12 @@ private:
 
     void calcResidualOfDrift()
     {
-        const std::size_t numDriftTerms = system.getNumDriftTerms();
+        const std::size_t numTerms = system.getNumDriftTerms();
         std::vector<double> targets(stripWidth * system.getModel().numInputVars);
         std::vector<double> scratch(targets.size());
-        std::vector<double> drift(stripWidth * numDriftTerms);
-        std::vector<double> highs(numOutputs * numDriftTerms);
-        std::vector<double> lows(numOutputs * numDriftTerms);
+        std::vector<double> drift(stripWidth * numTerms);
+        std::vector<double> highs(numOutputs * numTerms);
+        std::vector<double> lows(numOutputs * numTerms);
         for (std::size_t first = 0; first < numPoints; first += stripWidth)
         {
             system.gatherPoints(first, targets.data());
@@ -202,13 +202,12 @@ private:
             for (std::size_t t = 0; t < std::min(stripWidth, numPoints - first); ++t)
             {
                 for (std::size_t sum = 0; sum < highs.size(); ++sum)
-                    subtractProduct(highs[sum], lows[sum], drift[stripWidth * (sum % numDriftTerms) + t],
-                                    getSolution(sum / numDriftTerms)[first + t]);
+                    subtractProduct(highs[sum], lows[sum], drift[stripWidth * (sum % numTerms) + t],
+                                    getSolution(sum / numTerms)[first + t]);
             }
         }
         for (std::size_t sum = 0; sum < highs.size(); ++sum)
-            residual[sum / numDriftTerms * numRows + system.getFirstDriftRow() + sum % numDriftTerms] =
-                highs[sum] + lows[sum];
+            residual[sum / numTerms * numRows + system.getFirstDriftRow() + sum % numTerms] = highs[sum] + lows[sum];
     }
 
     const CovarianceSystem& system;
