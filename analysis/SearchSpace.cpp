@@ -147,7 +147,7 @@ bool SettingsCoordinates::withRawScales(const ModelSettings& base, ModelSettings
                        [&](double c) { return std::fabs(c) <= limit; });
 }
 
-double SettingsCoordinates::calcUnusualness(const ModelSettings& settings) const
+double SettingsCoordinates::calcNegativeLogPrior(const ModelSettings& settings) const
 {
     const std::vector<double> coordinates = toCoordinates(settings);
     ModelSettings raw;
@@ -162,8 +162,8 @@ double SettingsCoordinates::calcUnusualness(const ModelSettings& settings) const
     }
     const double logRange = (coordinates[0] - usualLogRange) / logRangeWidth;
     const double rootOfNugget = (coordinates[1] - usualRootOfNugget) / rootOfNuggetWidth;
-    return logRange * logRange + rootOfNugget * rootOfNugget +
-           std::min(fromAutomatic, fromRaw) / (logAnisotropyWidth * logAnisotropyWidth) + settings.driftOrder;
+    return 0.5 * (logRange * logRange + rootOfNugget * rootOfNugget +
+                  std::min(fromAutomatic, fromRaw) / (logAnisotropyWidth * logAnisotropyWidth) + settings.driftOrder);
 }
 
 } // namespace fenn::analysis

@@ -57,11 +57,14 @@ public:
     /// lies beyond maxAnisotropy, or no scale is varied.
     bool withRawScales(const ModelSettings& base, ModelSettings& settings) const;
 
-    /// How far settings lie from what is usual: a sum of squares, each in units of what would be a little unusual.
-    /// Usual are a range of about a third of the diagonal (a factor of 2 aside counts 1), a nugget of 0.09 (its root:
-    /// 0.1 aside), normalised ranges or raw units that are alike (whichever is nearer; 0.3 in log2 aside, per
-    /// variable), and no drift (each order counts 1).
-    double calcUnusualness(const ModelSettings& settings) const;
+    /// Negative log prior of the settings, up to a constant: half the drift order and half the sum of squared
+    /// departures from usual settings, each in units of its standard deviation:
+    ///
+    ///     log2 of the range fraction            usual -1.5 (about a third), standard deviation 1
+    ///     square root of the nugget             usual 0.3 (a nugget of 0.09), standard deviation 0.1
+    ///     per input variable after the first    usual 0, standard deviation 0.3: log2 of its range over that of the
+    ///                                           first, of normalised or of raw ranges, whichever lie nearer to usual
+    double calcNegativeLogPrior(const ModelSettings& settings) const;
 
 private:
     SearchSpace space;

@@ -108,7 +108,7 @@ private:
             trial.failure = error.what();
         }
         const auto numSamples = static_cast<double>(samples.getNumSamples());
-        trial.penalisedScore = trial.score * std::exp(coordinates.calcUnusualness(settings) / numSamples);
+        trial.penalisedScore = trial.score * std::exp(2.0 * coordinates.calcNegativeLogPrior(settings) / numSamples);
 
         result.trials.push_back(trial);
         const bool isNoWorseThanTheStart = trial.score <= result.trials[0].score;

@@ -43,8 +43,9 @@ struct Trial
 {
     ModelSettings settings;
     double score = 0.0; // mean over outputs and repeats of RMSE (or MAE) / standard deviation; infinite on failure
-    double penalisedScore = 0.0; // score * exp(z2 / n): n tuning samples, z2 from SettingsCoordinates::calcUnusualness
-    std::string failure;         // the library's message when some fold's model failed, otherwise empty
+    double penalisedScore =
+        0.0;             // score * exp(2 p / n): n tuning samples, p = SettingsCoordinates::calcNegativeLogPrior
+    std::string failure; // the library's message when some fold's model failed, otherwise empty
 };
 
 /// How the model of all tuning samples does at the held-out ones.
