@@ -20,7 +20,7 @@ namespace
 
 constexpr double failed = std::numeric_limits<double>::infinity();
 
-/// Thrown through the search where it has to end: at the callback's wish, or when all trials are spent.
+/// Ends the search from within: the callback asked for it, or all trials are used up.
 struct EndOfSearch
 {
 };
