@@ -20,10 +20,11 @@ namespace fenn::analysis
 namespace
 {
 
-/// Points of a larger variance, in sills, are those that the others do not determine: exactly, it would be infinite.
+/// A larger variance, in sills, means that the other points do not determine this one: without rounding it were
+/// infinite.
 constexpr double largestVariance = 1e10;
 
-/// Local estimates between two reports: some tens of milliseconds.
+/// Local estimates between two calls of progress: some tens of milliseconds.
 constexpr std::size_t pointsPerReport = 4096;
 
 constexpr double noEstimate = std::numeric_limits<double>::quiet_NaN();
@@ -33,7 +34,7 @@ std::size_t toIndex(int i)
     return static_cast<std::size_t>(i);
 }
 
-/// As the constructor of KrigingMatrix would for one point less, which would make room for the system.
+/// Throws what the constructor of KrigingMatrix throws for one point fewer, without allocating its system.
 void checkOthersSuffice(std::size_t numPoints, std::size_t numInputVars, int driftOrder)
 {
     if (numPoints <= numInputVars + 1)
@@ -59,7 +60,7 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, c
 
     for (std::size_t w = 0; w < result.truths.size(); ++w)
     {
-        // Errors do not depend on a common offset of the outputs, for weights sum to 1; their rounding does.
+        // Weights sum to 1, so a common offset of the outputs changes no error; but it changes rounding.
         const double mean = parts.getDataBlock().getOutputVarMean(static_cast<int>(w));
         std::vector<double> centred = result.truths[w];
         for (double& value : centred)
