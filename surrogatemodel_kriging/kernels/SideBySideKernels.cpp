@@ -96,6 +96,9 @@ void evaluateSphericalSideBySide(const SphericalModel& model, const double* poin
 /// Entries of all systems: one vector, or several narrow ones.
 struct Entries
 {
+    // Written out: the compiler's own would not be made for the instruction set of the vectors.
+    HWY_INLINE Entries() {} // NOLINT(modernize-use-equals-default)
+
     Vec vecs[kVecs];
 };
 
