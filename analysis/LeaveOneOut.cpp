@@ -20,10 +20,11 @@ namespace fenn::analysis
 namespace
 {
 
-/// Points of a larger variance, in sills, are those that the others do not determine: exactly, it would be infinite.
+/// A larger variance, in sills, means that the other points do not determine this one: without rounding it were
+/// infinite.
 constexpr double largestVariance = 1e10;
 
-/// Local estimates between two reports: some tens of milliseconds.
+/// Local estimates between two calls of progress: some tens of milliseconds.
 constexpr std::size_t pointsPerReport = 4096;
 
 constexpr double noEstimate = std::numeric_limits<double>::quiet_NaN();
@@ -33,7 +34,7 @@ std::size_t toIndex(int i)
     return static_cast<std::size_t>(i);
 }
 
-/// As the constructor of KrigingMatrix would for one point less, which would make room for the system.
+/// Throws what the constructor of KrigingMatrix throws for one point fewer, without allocating its system.
 void checkOthersSuffice(std::size_t numPoints, std::size_t numInputVars, int driftOrder)
 {
     if (numPoints <= numInputVars + 1)
@@ -42,11 +43,12 @@ void checkOthersSuffice(std::size_t numPoints, std::size_t numInputVars, int dri
         throw SurrogateModelInterface::Error("Not enough source points to calculate drift.");
 }
 
-void estimateGlobally(const ModelParts& parts, int driftOrder, const Progress& progress, LeaveOneOutResult& result)
+void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, const Progress& progress,
+                      LeaveOneOutResult& result)
 {
     const std::size_t numPoints = parts.getPoints().size();
     checkOthersSuffice(numPoints, parts.getNormalizers().size(), driftOrder);
-    const estimation::GlobalSystem system(parts, driftOrder);
+    const estimation::GlobalSystem system(parts, driftOrder, numThreads);
     const std::vector<double> diagonal =
         system.calcInverseDiagonal([&](std::size_t numDone) { report(progress, numDone, numPoints); });
     const auto isSolvable = [&](std::size_t i)
@@ -58,7 +60,7 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, const Progress& p
 
     for (std::size_t w = 0; w < result.truths.size(); ++w)
     {
-        // Errors do not depend on a common offset of the outputs, for weights sum to 1; their rounding does.
+        // Weights sum to 1, so a common offset of the outputs changes no error; but it changes rounding.
         const double mean = parts.getDataBlock().getOutputVarMean(static_cast<int>(w));
         std::vector<double> centred = result.truths[w];
         for (double& value : centred)
@@ -70,10 +72,10 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, const Progress& p
     }
 }
 
-void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours,
+void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours, int numThreads,
                      const Progress& progress, LeaveOneOutResult& result)
 {
-    const estimation::LocalEstimator estimator(parts, driftOrder, numNeighbours, 0);
+    const estimation::LocalEstimator estimator(parts, driftOrder, numNeighbours, numThreads);
     estimation::Results where;
     for (std::vector<double>& values : result.estimates.values)
         where.estimates.push_back(values.data());
@@ -89,7 +91,8 @@ void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOr
 
 } // namespace
 
-LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress)
+LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress,
+                              int numThreads)
 {
     const std::shared_ptr<const ModelParts> parts = estimation::makeModelParts(samples, settings);
     const SurrogateModelDataBlock& block = parts->getDataBlock();
@@ -111,9 +114,9 @@ LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& set
     result.estimates.variances.resize(numPoints);
 
     if (estimation::usesAllPoints(settings, numPoints))
-        estimateGlobally(*parts, settings.driftOrder, progress, result);
+        estimateGlobally(*parts, settings.driftOrder, numThreads, progress, result);
     else
-        estimateLocally(parts, settings.driftOrder, settings.numNearestPoints, progress, result);
+        estimateLocally(parts, settings.driftOrder, settings.numNearestPoints, numThreads, progress, result);
     return result;
 }
 

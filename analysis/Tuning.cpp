@@ -20,7 +20,7 @@ namespace
 
 constexpr double failed = std::numeric_limits<double>::infinity();
 
-/// Thrown through the search where it has to end: at the callback's wish, or when all trials are spent.
+/// Ends the search from within: the callback asked for it, or all trials are used up.
 struct EndOfSearch
 {
 };
@@ -108,7 +108,7 @@ private:
             trial.failure = error.what();
         }
         const auto numSamples = static_cast<double>(samples.getNumSamples());
-        trial.penalisedScore = trial.score * std::exp(coordinates.calcUnusualness(settings) / numSamples);
+        trial.penalisedScore = trial.score * std::exp(2.0 * coordinates.calcNegativeLogPrior(settings) / numSamples);
 
         result.trials.push_back(trial);
         const bool isNoWorseThanTheStart = trial.score <= result.trials[0].score;
@@ -127,7 +127,8 @@ private:
         double sum = 0.0;
         for (std::size_t r = 0; r < numRepeats; ++r)
         {
-            const Estimates estimates = crossValidate(samples, settings, options.numFolds, options.seed + r);
+            const Estimates estimates =
+                crossValidate(samples, settings, options.numFolds, options.seed + r, {}, options.estimator);
             sum += scoreOf(statisticsOf(samples, estimates, samples), samples, options.objective);
         }
         return sum / static_cast<double>(numRepeats);
@@ -225,14 +226,15 @@ private:
 };
 
 HeldOutScore scoreHeldOut(const SampleSet& tuningSamples, const SampleSet& heldOut, const ModelSettings& settings,
-                          Objective objective)
+                          const TuningOptions& options)
 {
     HeldOutScore held;
     try
     {
-        const Estimates estimates = estimateAt(*estimation::chooseEstimator(tuningSamples, settings), heldOut);
+        const Estimates estimates =
+            estimateAt(*estimation::chooseEstimator(tuningSamples, settings, options.estimator), heldOut);
         held.statistics = statisticsOf(heldOut, estimates, tuningSamples);
-        held.score = scoreOf(held.statistics, tuningSamples, objective);
+        held.score = scoreOf(held.statistics, tuningSamples, options.objective);
     }
     catch (const SurrogateModelInterface::Error& error)
     {
@@ -273,9 +275,8 @@ TuningResult tune(const SampleSet& samples, const ModelSettings& start, const Se
     if (numHeldOut > 0 && !result.wasCancelled)
     {
         const SampleSet heldOut = samples.subset(result.heldOutSamples);
-        result.winnerHeldOut =
-            scoreHeldOut(tuningSamples, heldOut, result.trials[result.winner].settings, options.objective);
-        result.startHeldOut = scoreHeldOut(tuningSamples, heldOut, start, options.objective);
+        result.winnerHeldOut = scoreHeldOut(tuningSamples, heldOut, result.trials[result.winner].settings, options);
+        result.startHeldOut = scoreHeldOut(tuningSamples, heldOut, start, options);
     }
     return result;
 }

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "estimation/ThreadCount.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
@@ -14,8 +15,8 @@
 namespace fenn::estimation
 {
 
-/// Answers one target of a global model by the single forms of the Kriging system, whose bits a request of many has
-/// too. Samples do not change under an estimator, so their coordinates are gathered once.
+/// Answers one target of a global model by the single forms of the Kriging system; a request of many targets has the
+/// same bits. Samples do not change under an estimator, so their coordinates are gathered once.
 class ExactEstimator::CallingThread
 {
 public:
@@ -69,7 +70,8 @@ ExactEstimator::ExactEstimator(std::shared_ptr<const ModelParts> parts_, const M
     std::string system;
     if (usesAllPoints(settings, numPoints))
     {
-        auto global = std::make_unique<AllPtsKrigingController>(&block, semivariogram, settings.driftOrder, numThreads);
+        auto global = std::make_unique<AllPtsKrigingController>(&block, semivariogram, settings.driftOrder,
+                                                                chooseThreadCount(numThreads));
         callingThread = std::make_unique<CallingThread>(*global, getParts());
         controller = std::move(global);
         system = "one system over all " + std::to_string(numPoints) + " points";

@@ -13,9 +13,9 @@ namespace fenn::estimation
 class LocalSystems;
 class ParallelRanges;
 
-/// Answers each target from its nearest points in normalised inputs, on several threads. The points are found by an
-/// index, the systems over them have the bits of the plug-in's: what differs from its local model is which points are
-/// near. The plug-in measures every input in units of the first one's scale.
+/// Answers each target from its neighbours, on several threads. The system over the neighbours is solved to the
+/// plug-in's bits. What differs from the plug-in's local model is the choice of neighbours: here by distances of
+/// normalised inputs, there with every input scaled as the first one.
 class LocalEstimator final : public Estimator
 {
 public:
@@ -28,8 +28,8 @@ public:
     EngineReport getReport() const override;
     bool isGlobal() const override;
 
-    /// Leave-one-out: estimates points first to first + count - 1 of ModelParts::getPoints(), each at its own place from
-    /// its nearest others. Entry i of the results is that of point i. Throws as estimate.
+    /// Leave-one-out: estimates points first to first + count - 1 of ModelParts::getPoints(), each at its own place
+    /// from its nearest others. Entry i of the results is that of point i. Throws as estimate.
     void estimateWithoutEach(std::size_t first, std::size_t count, const Results& results) const;
 
 private:

@@ -10,8 +10,12 @@ namespace fenn::estimation
 int countDriftTerms(int driftOrder, std::size_t numInputVars);
 
 /// Bytes that one exact system over this many points takes, its workspace included: a square of doubles over the
-/// points, the drift terms and one constraint, and what the library copies aside while it factorises.
+/// points, the drift terms and one constraint, and the copies that the factorisation makes.
 double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
+
+/// Bytes that the covariance form of a model over this many points takes: one triangle of doubles over the points and
+/// the drift terms, which is factorised in place.
+double calcCovarianceBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
 
 } // namespace fenn::estimation
 

@@ -1,6 +1,7 @@
 #ifndef FENN_ESTIMATION_CHOOSEESTIMATOR_H
 #define FENN_ESTIMATION_CHOOSEESTIMATOR_H
 
+#include <functional>
 #include <memory>
 
 #include "estimation/Estimator.h"
@@ -13,7 +14,11 @@ namespace fenn::estimation
 struct EstimatorOptions
 {
     int numThreads = 0;   // 0: the cores that this process may use
-    bool isExact = false; // the plug-in as a host would call it, to the bit
+    bool isExact = false; // true: the plug-in's own bits
+
+    /// Called before the exact engine takes the place of the covariance form, which needs half the memory or less.
+    /// bytes: those of the exact engine's system (calcSystemBytes). What it throws is passed on. May be empty.
+    std::function<void(double bytes)> checkStandIn{};
 };
 
 /// The estimator of all samples: the covariance form for global models where its proof holds, the local engine for

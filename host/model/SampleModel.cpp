@@ -5,6 +5,7 @@
 #include "estimation/chooseEstimator.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/ModelFailure.h"
+#include "host/model/ModelMemory.h"
 #include "host/text/HostErrors.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/ModelParts.h"
@@ -13,10 +14,18 @@
 namespace krige
 {
 
-SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_)
+SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_,
+                         const fenn::estimation::EstimatorOptions& options)
     : samples(samples_), settings(settings_), sampleSet(toSampleSet(samples_))
 {
-    runExplained(samples, settings, "", [this] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings); });
+    fenn::estimation::EstimatorOptions checked = options;
+    checked.checkStandIn = [this](double)
+    {
+        checkModelMemory(samples, settings, findAvailableBytes());
+    };
+    runExplained(
+        samples, settings, "", [&] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings, checked); },
+        options.isExact);
 }
 
 SampleModel::~SampleModel() = default;
@@ -61,6 +70,11 @@ std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& target
     if (variances)
         variances->swap(estimates.variances);
     return numWithoutEstimate;
+}
+
+fenn::estimation::EngineReport SampleModel::getEngineReport() const
+{
+    return estimator->getReport();
 }
 
 double SampleModel::getSampleVariance(std::size_t output) const

@@ -25,6 +25,7 @@ suites = {
         ["fenn_estimation_tests", "fenn_calling_thread_tests"],
         ["tests/estimation/fenn_estimation_tests", "tests/estimation/fenn_calling_thread_tests"],
     ),
+    "accuracy": Suite(["fenn_accuracy_tests"], pattern="^accuracy$"),
     "host": Suite(["fenn_host_tests"], ["tests/host/fenn_host_tests"]),
     # Each in a process of its own: threads that were made once leave memory that no limit counts.
     "threads": Suite(["fenn_no_threads_tests"], pattern="^(NoThreads|MemoryLimit)Test[.]", is_limited=False),

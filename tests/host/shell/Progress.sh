@@ -71,7 +71,7 @@ test_AFinishedRunWipesItsProgress()
 {
     write_scattered 400 # some seconds of work
     require_script
-    script -qefc "$program predict samples.csv --inputs x,y --outputs z --grid 700x700 -o out.csv" \
+    script -qefc "$program predict samples.csv --inputs x,y --outputs z --exact --grid 700x700 -o out.csv" \
         "$scratch/log/screen.txt" </dev/null >/dev/null 2>&1
     status=$?
     expect_status 0
@@ -92,7 +92,7 @@ test_NoTerminalNoProgress()
 test_ProgressCanBeAskedFor()
 {
     write_scattered 400 # some seconds of work
-    predict --grid 700x700 -o out.csv --progress
+    predict --exact --grid 700x700 -o out.csv --progress
     expect_status 0
     expect_stderr 'progress: '
     grep -qE 'progress: [0-9]+ of 490000 targets \([0-9]+ %\), [0-9]+/s, [0-9]+ s left' "$scratch/log/err" || fail 'no figures'
