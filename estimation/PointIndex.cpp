@@ -12,14 +12,9 @@ namespace
 
 using kernels::PointTree;
 
-// Up to here no sum of squares of differences overflows.
-constexpr double largestCoordinate = 0x1p500;
-
-constexpr double largest = std::numeric_limits<double>::max();
-
-bool isOrdinary(double value)
+bool isFinite(double value)
 {
-    return std::fabs(value) <= largestCoordinate;
+    return std::isfinite(value);
 }
 
 } // namespace
@@ -53,22 +48,14 @@ void PointIndex::Neighbours::makeRoom(std::size_t numCoords)
 PointIndex::PointIndex(const Coords& coords, std::size_t numPts) : numVars(coords.size())
 {
     order.reserve(numPts);
-    isSearchable = numVars > 0;
     for (std::size_t p = 0; p < numPts; ++p)
     {
-        const auto has = [&](bool (*property)(double))
-        {
-            return std::all_of(coords.begin(), coords.end(), [&](const double* values) { return property(values[p]); });
-        };
-        if (!has([](double value) { return std::isfinite(value); }))
-            continue;
-        order.push_back(static_cast<std::uint32_t>(p));
-        isSearchable = isSearchable && has(isOrdinary);
+        if (std::all_of(coords.begin(), coords.end(), [p](const double* values) { return isFinite(values[p]); }))
+            order.push_back(static_cast<std::uint32_t>(p));
     }
     const std::size_t numLeaves = (order.size() + PointTree::leafSize - 1) / PointTree::leafSize;
     nodes.resize(numLeaves);
-    isSearchable = isSearchable && numLeaves > 0;
-    if (isSearchable)
+    if (numVars > 0)
     {
         std::vector<Key> keys(order.size());
         divide(coords, 0, numLeaves, keys);
@@ -130,21 +117,15 @@ void PointIndex::fillLeaves(const Coords& coords)
     }
 }
 
-double PointIndex::getCoordinate(std::size_t v, std::size_t place) const
-{
-    const std::size_t leaf = place / PointTree::leafSize;
-    return leaves.data()[(leaf * numVars + v) * PointTree::leafSize + place % PointTree::leafSize];
-}
-
 void PointIndex::find(const double* target, Neighbours& nearest) const
 {
     nearest.numFound = 0;
-    if (nearest.maxPts == 0)
+    if (nearest.maxPts == 0 || order.empty() || !std::all_of(target, target + numVars, isFinite))
         return;
-    if (isSearchable && std::all_of(target, target + numVars, isOrdinary))
+    if (numVars > 0)
         searchTree(target, nearest);
     else
-        lookAtEveryPoint(target, nearest);
+        takeFirst(nearest);
 }
 
 const std::vector<std::uint32_t>& PointIndex::getOrder() const
@@ -163,26 +144,12 @@ void PointIndex::searchTree(const double* target, Neighbours& nearest) const
     nearest.numFound = count;
 }
 
-/// The definition of what a search finds. Allocates.
-void PointIndex::lookAtEveryPoint(const double* target, Neighbours& nearest) const
+/// Without variables all points coincide.
+void PointIndex::takeFirst(Neighbours& nearest) const
 {
-    std::vector<Neighbour> candidates;
-    for (std::size_t place = 0; place < order.size(); ++place)
-    {
-        double distance = 0.0;
-        for (std::size_t v = 0; v < numVars; ++v)
-        {
-            const double difference = target[v] - getCoordinate(v, place);
-            distance += difference * difference;
-        }
-        // DELIBERATE: strict, as in the exhaustive search, where the largest number is the first bound.
-        // Test: PointIndexTest.ADistanceOfTheLargestNumberIsNotFound
-        if (distance < largest)
-            candidates.push_back({distance, order[place], static_cast<std::uint32_t>(place)});
-    }
-    nearest.numFound = std::min(nearest.maxPts, candidates.size());
-    std::partial_sort_copy(candidates.begin(), candidates.end(), nearest.found.begin(),
-                           nearest.found.begin() + static_cast<std::ptrdiff_t>(nearest.numFound));
+    nearest.numFound = std::min(nearest.maxPts, order.size());
+    for (std::size_t i = 0; i < nearest.numFound; ++i)
+        nearest.found[i] = {0.0, order[i], static_cast<std::uint32_t>(i)};
 }
 
 } // namespace fenn::estimation

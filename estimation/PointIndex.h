@@ -81,15 +81,13 @@ private:
 
     void divide(const Coords& coords, std::size_t firstLeaf, std::size_t endLeaf, std::vector<Key>& keys);
     void fillLeaves(const Coords& coords);
-    double getCoordinate(std::size_t v, std::size_t place) const;
     void searchTree(const double* target, Neighbours& nearest) const;
-    void lookAtEveryPoint(const double* target, Neighbours& nearest) const;
+    void takeFirst(Neighbours& nearest) const;
 
     std::size_t numVars;
     std::vector<std::uint32_t> order;
     ElementStore leaves; // coordinates as PointTree has them
     std::vector<kernels::PointTree::Node> nodes;
-    bool isSearchable = false; // no sum of squares can overflow unless the target is too far away
 };
 
 } // namespace fenn::estimation

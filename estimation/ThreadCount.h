@@ -10,6 +10,10 @@ namespace fenn::estimation
 /// group grants it less processor time. At least 1. Asks the system each time.
 int availableCores();
 
+/// As many of the cores that the system schedules a process on as it was granted, rounded up: the last, shared one is
+/// worth a thread, for work is handed out in small ranges. At least 1.
+int limitCores(int scheduled, double granted);
+
 /// numThreads where it is above 0, otherwise availableCores().
 int chooseThreadCount(int numThreads);
 

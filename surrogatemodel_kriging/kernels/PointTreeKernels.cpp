@@ -19,6 +19,10 @@
 namespace fenn::kernels
 {
 
+// DELIBERATE: below the largest number, which is no distance of a neighbour, as in the exhaustive search.
+// Test: PointIndexTest.ADistanceOfTheLargestNumberIsNotFound
+constexpr double farthestFound = 0x1.ffffffffffffep1023;
+
 /// Up to so many candidates are ranked by comparing each with all others.
 constexpr std::size_t mostRanked = 128;
 
@@ -96,9 +100,9 @@ public:
 
 private:
     /// Distances along each variable that no point of a subtree lies nearer. Their sum of squares is made by the very
-    /// operations of a point's distance, none of which has a smaller result for greater operands: rounding included, no
-    /// point of the subtree has a smaller distance. A few variables stand in the object
-    /// itself, which the compiler keeps in registers; others in the workspace.
+    /// operations of a point's distance, none of which has a smaller result for greater operands: with all roundings
+    /// and overflows no point of the subtree has a smaller distance. A few variables stand in the object itself, which
+    /// the compiler keeps in registers; others in the workspace.
     class Offsets
     {
     public:
@@ -233,7 +237,7 @@ private:
             count += found[i] <= bound ? 1 : 0;
         }
         numCandidates = count;
-        const bool isFirst = bound == std::numeric_limits<double>::max() && numCandidates >= maxPts;
+        const bool isFirst = bound == farthestFound && numCandidates >= maxPts;
         if (isFirst || numCandidates > room)
             sortOut();
     }
@@ -280,7 +284,7 @@ private:
     double closeBound() const
     {
         double low = 0.0; // fewer than maxPts candidates are within, or it is zero
-        double high = bound < std::numeric_limits<double>::max() ? bound : farthestCandidate();
+        double high = bound < farthestFound ? bound : farthestCandidate();
         fillUp(std::numeric_limits<double>::infinity());
         std::size_t numLow = 0;
         std::size_t numHigh = numCandidates;
@@ -393,7 +397,7 @@ private:
     double* const offsets;
     Candidate* const candidates;
     std::size_t numCandidates = 0;
-    double bound = std::numeric_limits<double>::max(); // no point farther away is wanted
+    double bound = farthestFound; // no point farther away is wanted
 };
 
 std::size_t findNearestInTree(const PointTree& tree, const double* target, std::size_t maxPts, double* distances,

@@ -26,7 +26,7 @@ struct PointTree
     static constexpr std::size_t leafSize = 16;
     static constexpr std::size_t mostLevels = 64;
 
-    const double* coordinates;      // aligned to 64 bytes, finite up to 2^500 in magnitude
+    const double* coordinates;      // aligned to 64 bytes, finite
     const Node* nodes;              // as many as there are leaves
     const std::uint32_t* positions; // of the point at each place: decides between equal distances
     std::size_t numVars;            // at least 1
@@ -36,11 +36,11 @@ struct PointTree
 /// Number of doubles that findNearestInTree wants as workspace, which starts on a line of the cache.
 std::size_t treeSearchWorkspaceSize(std::size_t numVars, std::size_t maxPts);
 
-/// Writes squared distances and places of the at most maxPts nearest points of a target (numVars coordinates up to
-/// 2^500 in magnitude), maxPts at least 1, and returns their number. The squared distance is the sum over the variables
-/// v, ascending, of (target[v] - coordinate v)^2, every operation rounded once. Nearer is the lower distance and, at
-/// equal distance, the lower position; nearest first. A look at every point is the definition: PointIndexTest holds the
-/// search against it on every instruction set.
+/// Writes squared distances and places of the at most maxPts nearest points of a finite target (numVars coordinates),
+/// maxPts at least 1, and returns their number. The squared distance is the sum over the variables v, ascending, of
+/// (target[v] - coordinate v)^2, every operation rounded once. Nearer is the lower distance and, at equal distance, the
+/// lower position; nearest first. Points at infinity or at the largest number are not found. A look at every point is
+/// the definition: PointIndexTest holds the search against it on every instruction set.
 std::size_t findNearestInTree(const PointTree& tree, const double* target, std::size_t maxPts, double* distances,
                               std::uint32_t* places, double* workspace);
 

@@ -332,6 +332,16 @@ TEST(LocalEstimatorTest, TheFirstTargetThatFailsDecidesTheError)
     }
 }
 
+TEST(LocalEstimatorTest, ATargetWithoutNeighboursIsAnErrorWhateverStoodInItsLane)
+{
+    // Its distances overflow. The eight targets before it have neighbours.
+    const LocalModel model({2, 200, 0, 12});
+    Columns targets = randomValues(2, 12, -4.0, 10.0, 9);
+    targets[0][9] = 1e200;
+    for (const std::size_t count : {10U, 12U})
+        EXPECT_EQ(textOfError([&] { estimatesOf(model.estimator(1), firstOf(targets, count)); }), "Value overflow");
+}
+
 TEST(LocalEstimatorTest, TooFewNeighboursForASystemAreRefused)
 {
     const LocalModel model({2, 50, 0, 12});

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <numeric>
 #include <stdexcept>
@@ -162,6 +163,30 @@ TEST(ParallelRangesTest, ALowerRangeThatFailsLaterDecides)
                                               while (!hasHigherFailed)
                                                   std::this_thread::yield();
                                               throw std::runtime_error("lower");
+                                          });
+
+    EXPECT_EQ(message, "lower");
+}
+
+TEST(ParallelRangesTest, AHigherRangeThatFailsLaterDoesNotDecide)
+{
+    ParallelRanges ranges(2);
+    fenn::test::Meeting bothAreAtWork(2);
+    std::atomic<bool> hasLowerFailed{false};
+
+    const std::string message = messageOf(ranges, 2,
+                                          [&](std::size_t, std::size_t first, std::size_t)
+                                          {
+                                              bothAreAtWork.attend();
+                                              if (first == 0)
+                                              {
+                                                  hasLowerFailed = true;
+                                                  throw std::runtime_error("lower");
+                                              }
+                                              while (!hasLowerFailed)
+                                                  std::this_thread::yield();
+                                              std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                                              throw std::runtime_error("higher");
                                           });
 
     EXPECT_EQ(message, "lower");

@@ -83,6 +83,16 @@ TEST(ThreadCountTest, OnlyCoresThatTheProcessIsScheduledOnAreAvailable)
 }
 #endif
 
+TEST(ThreadCountTest, AGrantLimitsTheCoresAndIsRoundedUp)
+{
+    EXPECT_EQ(limitCores(8, noLimit), 8);
+    EXPECT_EQ(limitCores(8, 8.5), 8);
+    EXPECT_EQ(limitCores(8, 3.0), 3);
+    EXPECT_EQ(limitCores(8, 2.5), 3);
+    EXPECT_EQ(limitCores(8, 0.1), 1);
+    EXPECT_EQ(limitCores(0, noLimit), 1);
+}
+
 TEST(ThreadCountTest, TheQuotaOfAControlGroupIsAShareOfItsPeriod)
 {
     const ControlGroups groups;
