@@ -18,6 +18,7 @@
 #include "benchmarks/support/Bars.h"
 #include "benchmarks/support/ScatteredSamples.h"
 #include "benchmarks/support/SizeSweep.h"
+#include "benchmarks/support/ThreadTime.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
 #include "surrogatemodel_kriging/NearestNeighborSearch.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"

@@ -28,8 +28,8 @@ public:
     EngineReport getReport() const override;
     bool isGlobal() const override;
 
-    /// Leave-one-out: estimates points first to first + count - 1 of ModelParts::getPoints(), each at its own place from
-    /// its nearest others. Entry i of the results is that of point i. Throws as estimate.
+    /// Leave-one-out: estimates points first to first + count - 1 of ModelParts::getPoints(), each at its own place
+    /// from its nearest others. Entry i of the results is that of point i. Throws as estimate.
     void estimateWithoutEach(std::size_t first, std::size_t count, const Results& results) const;
 
 private:

@@ -27,8 +27,8 @@ bool operator==(const ModelSettings& a, const ModelSettings& b);
 /// factors of 0 and other magnitudes that no model takes are left to the library's Error.
 void checkSettings(const ModelSettings& settings, std::size_t numInputVars);
 
-/// Whether a model can scale an input variable automatically whose samples span this range: the library takes it neither
-/// for zero nor for infinite.
+/// Whether a model can scale an input variable automatically whose samples span this range: the library takes it
+/// neither for zero nor for infinite.
 bool isScalableRange(double range);
 
 /// Whether a model of so many points, counted after merging, uses all of them for every estimate.

@@ -40,9 +40,9 @@ PointIndex::Neighbours::Neighbours(std::size_t maxPts_)
 {
 }
 
-void PointIndex::Neighbours::makeRoom(std::size_t numVars)
+void PointIndex::Neighbours::makeRoom(std::size_t numCoords)
 {
-    const std::size_t size = kernels::treeSearchWorkspaceSize(numVars, maxPts);
+    const std::size_t size = kernels::treeSearchWorkspaceSize(numCoords, maxPts);
     if (size <= workspaceSize)
         return;
     workspaceSize = 0;

@@ -54,7 +54,7 @@ public:
     private:
         friend class PointIndex;
 
-        void makeRoom(std::size_t numVars);
+        void makeRoom(std::size_t numCoords);
 
         std::size_t maxPts;
         std::size_t numFound = 0;

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "surrogatemodel_kriging/KrigingMatrix.h"
+#include "surrogatemodel_kriging/kernels/CholeskyKernels.h"
 #include "surrogatemodel_kriging/kernels/LuKernels.h"
 
 namespace fenn::estimation
@@ -20,6 +21,14 @@ double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int drif
     const std::size_t workspace =
         kernels::luWorkspaceSize(numRows) + kernels::luWorkspaceSize(numRows, std::thread::hardware_concurrency());
     return sizeof(double) * (dimension * dimension + static_cast<double>(workspace));
+}
+
+double calcCovarianceBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder)
+{
+    const auto numDriftTerms = static_cast<std::size_t>(countDriftTerms(driftOrder, numInputVars)) + 1;
+    const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToStrip(numDriftTerms);
+    const std::size_t size = kernels::PackedTriangle::sizeFor(numRows) + kernels::choleskyWorkspaceSize(numRows);
+    return sizeof(double) * static_cast<double>(size);
 }
 
 } // namespace fenn::estimation

@@ -13,6 +13,10 @@ int countDriftTerms(int driftOrder, std::size_t numInputVars);
 /// points, the drift terms and one constraint, and what the library copies aside while it factorises.
 double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
 
+/// Bytes that the covariance form of a model over this many points takes: one triangle of doubles over the points and
+/// the drift terms, which is factorised in place.
+double calcCovarianceBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
+
 } // namespace fenn::estimation
 
 #endif

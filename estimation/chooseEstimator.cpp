@@ -2,8 +2,10 @@
 
 #include <string>
 
+#include "estimation/CovarianceEstimator.h"
 #include "estimation/ExactEstimator.h"
 #include "estimation/LocalEstimator.h"
+#include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 
@@ -25,7 +27,13 @@ std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const Model
     if (!usesAllPoints(settings, parts->getPoints().size()))
         return std::make_unique<LocalEstimator>(parts, settings.driftOrder, settings.numNearestPoints,
                                                 options.numThreads);
-    return exact("");
+    std::string reason;
+    if (auto estimator = CovarianceEstimator::makeWhereProven(parts, settings, options.numThreads, reason))
+        return estimator;
+    if (options.checkStandIn)
+        options.checkStandIn(
+            calcSystemBytes(parts->getPoints().size(), samples.getNumInputVars(), settings.driftOrder));
+    return exact(reason);
 }
 
 } // namespace fenn::estimation

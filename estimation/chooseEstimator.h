@@ -1,6 +1,7 @@
 #ifndef FENN_ESTIMATION_CHOOSEESTIMATOR_H
 #define FENN_ESTIMATION_CHOOSEESTIMATOR_H
 
+#include <functional>
 #include <memory>
 
 #include "estimation/Estimator.h"
@@ -14,6 +15,10 @@ struct EstimatorOptions
 {
     int numThreads = 0;   // 0: the cores that this process may use
     bool isExact = false; // the plug-in as a host would call it, to the bit
+
+    /// Called with the bytes that the exact engine's system takes (calcSystemBytes) before that engine stands in for
+    /// the covariance form, which takes half of that or less; what it throws is passed on. May be empty.
+    std::function<void(double bytes)> checkStandIn{};
 };
 
 /// The estimator of all samples: the covariance form for global models where its proof holds, the local engine for

@@ -6,9 +6,8 @@
 namespace fenn
 {
 
-/// Owns an array of doubles that starts on a line of the cache and is not written before its user writes it: clearing
-/// what is filled next anyway costs as much time as filling it. Large arrays ask the system for huge pages (the first
-/// touch of 32 MB takes 1 ms instead of 11).
+/// Owns an array of doubles, aligned to a cache line. Its values are undefined at first: clearing would take as long as
+/// filling. A large array asks the system for huge pages (the first touch of 32 MB takes 1 ms instead of 11).
 class ElementStore
 {
 public:

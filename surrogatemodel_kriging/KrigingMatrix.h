@@ -53,10 +53,10 @@ public:
     void buildRightHandSide(double* out, int first, const std::vector<double>& target,
                             const std::vector<SourcePointRef>& points, std::vector<double>& scratch) const;
 
-    // The same over points gathered first, several times faster where many right-hand sides, or the system and a
-    // right-hand side, belong to one list. What is gathered does not follow later changes of the host's arrays.
+    // The same over points whose coordinates were gathered first: several times faster when a list of points has many
+    // right-hand sides. What is gathered does not follow later changes of the host's arrays.
 
-    /// The coordinates of the first n points as the last assemble gathered them.
+    /// The coordinates that the last assemble gathered.
     const fenn::PointColumns& getAssembledPts() const;
 
     void gatherCoordinates(const std::vector<SourcePointRef>& points, fenn::PointColumns& columns) const;
@@ -71,8 +71,8 @@ public:
     void buildRightHandSide(double* out, const double* target, const fenn::PointColumns& points,
                             std::vector<double>& scratch) const;
 
-    /// Those of eight targets, entry j of target t to strip[8 * j + t]. Coordinate v of target t is targets[8 * v + t];
-    /// scratch: at least eight entries per input variable.
+    /// The right-hand sides of eight targets side by side, entry j of target t in strip[8 * j + t]. Coordinate v of
+    /// target t is targets[8 * v + t]. scratch: at least eight entries per input variable.
     void buildRightHandSides(double* strip, const double* targets, const fenn::PointColumns& points,
                              std::vector<double>& scratch) const;
 

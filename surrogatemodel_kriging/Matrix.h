@@ -68,15 +68,15 @@ public:
     /// lies beyond +-1e150; b is then partly transformed and the failing component keeps its old value.
     void luSolve(double* b) const;
 
-    // luSolve for many right-hand sides side by side: permute each with the row order, substitute it forward, then
-    // back. Components come out with the bits of luSolve, but nothing is thrown and leading zeros are not skipped: use
-    // luSolve where the diagonal is tiny, an entry beyond +-1e150 is reported or a permuted right-hand side begins with
-    // a zero.
+    // luSolve for many right-hand sides at once: permute each by the row order, then substitute forward, then back. The
+    // bits are those of luSolve, but nothing is thrown and leading zeros are not skipped. So use luSolve when the
+    // diagonal is tiny, when a component beyond +-1e150 is reported, or when a permuted right-hand side begins with 0.
 
-    /// Entry i: the row that the factorisation moved to row i, an entry of the right-hand side likewise.
+    /// order[i]: the row of the matrix as filled, and the entry of a right-hand side, that stands at i after all
+    /// exchanges of rows.
     void calcRowOrder(std::vector<int>& order) const;
 
-    /// Whether luSolve would throw "Singular matrix", which takes a diagonal changed after the factorisation.
+    /// Whether luSolve would throw "Singular matrix". A factorisation leaves no such diagonal.
     bool hasTinyDiagonal() const;
 
     /// Back substitution of one group and forward substitution of another, either of which may have no strips. Returns

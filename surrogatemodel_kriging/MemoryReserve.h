@@ -10,7 +10,7 @@ namespace fenn
 // 2. Before tasks are started: without the memory, no threads, and the calling thread does the work.
 // 3. After the probe another thread can take the memory. Nothing guards against that.
 
-/// For a pool. Throws std::bad_alloc.
+/// For making a thread pool. Throws std::bad_alloc.
 void reserveMemoryForPool();
 
 /// Whether there is memory for so many threads, stacks included. True without a probe where this process cannot be

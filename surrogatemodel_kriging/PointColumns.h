@@ -10,7 +10,7 @@
 namespace fenn
 {
 
-/// Raw coordinates of some points, variable by variable, so that loops run over contiguous memory. A plain container.
+/// Raw coordinates of a list of points, one contiguous column for each input variable.
 class PointColumns
 {
 public:
@@ -47,7 +47,7 @@ private:
     std::vector<double> coordinates;
 };
 
-/// What PointArrays refers to: one pointer per input variable, without an allocation for up to 32 of them.
+/// The pointers that PointArrays refers to, one for each input variable; up to 32 of them without an allocation.
 class ColumnPointers
 {
 public:

@@ -7,7 +7,7 @@
 namespace fenn
 {
 
-/// Points for a bulk evaluation: coordinate v of point i is coordinates[v][i], raw units. Refers, does not own.
+/// Points for a bulk evaluation. Coordinate v of point i is coordinates[v][i], raw units. Refers, does not own.
 struct PointArrays
 {
     const double* const* coordinates = nullptr; // one array per input variable
@@ -32,12 +32,12 @@ public:
     virtual ~SemivariogramInterface();
 
     /// values[s * stride + t] = evaluate(source s - target t) for every source s and target t; stride is at least the
-    /// number of targets, and entries beyond it are left alone. An override gives the same bits as this default, which
-    /// calls evaluate exactly once per pair, source by source.
+    /// number of targets; entries between one row of targets and the next are left alone. This default calls evaluate
+    /// once for each pair, source by source; an override gives the same bits.
     virtual void evaluatePairs(const fenn::PointArrays& sources, const fenn::PointArrays& targets, double* values,
                                std::size_t stride) const;
 
-    /// Whether no evaluation throws, short of memory at most. Then several targets are worked on at a time; else one
+    /// Whether no evaluation throws, std::bad_alloc aside. Then several targets are worked on at a time; else one
     /// after the other, so that those before the one that throws are complete. The default is false.
     virtual bool neverThrows() const;
 };

@@ -8,14 +8,14 @@
 namespace fenn
 {
 
-/// A point with its value of one input variable beside it: sorting reads no sample.
+/// A point and its value of one input variable, so that sorting does not reach for the samples.
 struct PointWithValue
 {
     double value;
     SourcePointRef point;
 };
 
-/// Sorts ascending by value, NaN last, equal values (-0 equals +0) in the order they stand in.
+/// Sorts ascending by value, NaN last, equal values (-0 equals +0) in their former order.
 void sortByValue(std::vector<PointWithValue>& points);
 
 } // namespace fenn

@@ -65,15 +65,15 @@ void SphericalSemivariogram::evaluatePairs(const fenn::PointArrays& sources, con
                                      values, stride);
 }
 
+bool SphericalSemivariogram::neverThrows() const
+{
+    return true;
+}
+
 fenn::kernels::SphericalModel SphericalSemivariogram::getKernelModel(double* scales) const
 {
     const std::size_t numScales = numDims > 0 ? static_cast<std::size_t>(numDims) : 0;
     for (std::size_t v = 0; v < numScales; ++v)
         scales[v] = (*normalizers)[v].getScale();
     return {scales, numScales, m_rangeSquared, m_nugget, m_shapeCoefficient, m_threeRangeSquared};
-}
-
-bool SphericalSemivariogram::neverThrows() const
-{
-    return true;
 }

@@ -8,20 +8,10 @@
 #include <limits>
 #include <string>
 
-#include <time.h>
-
 #include "benchmarks/support/Bars.h"
 
 namespace fenn::benchmarks
 {
-
-/// Seconds of processor time that this thread has used: other processes on the machine do not count.
-inline double threadSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
 
 /// Systems of every number of rows, for what their cost ought not to do: jump from one number to the next.
 class SizeSweep
@@ -57,10 +47,11 @@ public:
             if (besideCube(n) > besideCube(worstStep))
                 worstStep = n;
         }
-        reportAtMost(path + ", beside the next multiple of eight rows", "worst: n = " + std::to_string(worstFill),
-                     besideNextMultiple(worstFill), "x", 1.4);
-        reportAtMost(path + ", beside the cube from eight rows fewer", "worst: n = " + std::to_string(worstStep),
-                     besideCube(worstStep), "x", 1.3);
+        std::printf("worst: n = %zu and n = %zu\n", worstFill, worstStep);
+        reportAtMost(path + " of every size", "cost beside that of the next multiple of eight rows",
+                     besideNextMultiple(worstFill), "times", 1.4);
+        reportAtMost(path + " of every size", "cost beside the cube from eight rows fewer", besideCube(worstStep),
+                     "times", 1.3);
     }
 
 private:

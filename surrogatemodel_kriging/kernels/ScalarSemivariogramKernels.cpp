@@ -5,9 +5,6 @@
 namespace fenn::kernels::scalar
 {
 
-namespace
-{
-
 double valueAtLag(const SphericalModel& model, double lagSquared)
 {
     if (lagSquared <= 0.0)
@@ -16,8 +13,6 @@ double valueAtLag(const SphericalModel& model, double lagSquared)
         return 1.0;
     return std::sqrt(lagSquared) * model.shapeCoefficient * (model.threeRangeSquared - lagSquared) + model.nugget;
 }
-
-} // namespace
 
 void evaluateSpherical(const SphericalModel& model, const double* const* sources, std::size_t numSources,
                        const double* const* targets, std::size_t numTargets, double* values, std::size_t stride)

@@ -10,6 +10,9 @@ namespace fenn::kernels::scalar
 void evaluateSpherical(const SphericalModel& model, const double* const* sources, std::size_t numSources,
                        const double* const* targets, std::size_t numTargets, double* values, std::size_t stride);
 
+/// The semivariogram at a squared lag.
+double valueAtLag(const SphericalModel& model, double lagSquared);
+
 } // namespace fenn::kernels::scalar
 
 #endif

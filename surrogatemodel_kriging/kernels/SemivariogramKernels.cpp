@@ -8,45 +8,26 @@
 
 #include "hwy/highway.h"
 
+#include "surrogatemodel_kriging/kernels/SphericalValues-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels
 {
 namespace HWY_NAMESPACE
 {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
 constexpr std::size_t kMostLanes = hn::MaxLanes(hn::CappedTag<double, 8>());
-
-template <class D>
-HWY_INLINE hn::Vec<D> valuesAtLags(D d, const SphericalModel& model, hn::Vec<D> lagsSquared)
-{
-    const auto nugget = hn::Set(d, model.nugget);
-    const auto within = hn::Add(hn::Mul(hn::Mul(hn::Sqrt(lagsSquared), hn::Set(d, model.shapeCoefficient)),
-                                        hn::Sub(hn::Set(d, model.threeRangeSquared), lagsSquared)),
-                                nugget);
-    const auto beyond = hn::Ge(lagsSquared, hn::Set(d, model.rangeSquared));
-    const auto coincident = hn::Le(lagsSquared, hn::Zero(d));
-    return hn::IfThenElse(coincident, nugget, hn::IfThenElse(beyond, hn::Set(d, 1.0), within));
-}
 
 /// One vector of pairs. Sources, or targets, or both lie in lanes: loadDifference gives source minus target of v.
 template <class D, class LoadDifference>
 HWY_INLINE void evaluateVector(D d, const SphericalModel& model, const LoadDifference& loadDifference, double* values)
 {
-    // A square is never -0.0, so that the sum may start with the first one instead of +0.0.
-    auto lagsSquared = hn::Zero(d);
-    if (model.numInputVars > 0)
-    {
-        const auto first = hn::Mul(loadDifference(d, 0), hn::Set(d, model.scales[0]));
-        lagsSquared = hn::Mul(first, first);
-    }
-    for (std::size_t v = 1; v < model.numInputVars; ++v)
-    {
-        const auto difference = hn::Mul(loadDifference(d, v), hn::Set(d, model.scales[v]));
-        lagsSquared = hn::Add(lagsSquared, hn::Mul(difference, difference));
-    }
-    hn::StoreU(valuesAtLags(d, model, lagsSquared), d, values);
+    const auto lags = lagsSquared(d, model.scales, model.numInputVars, loadDifference);
+    const auto nugget = hn::Set(d, model.nugget);
+    const auto beyond = hn::Ge(lags, hn::Set(d, model.rangeSquared));
+    const auto coincident = hn::Le(lags, hn::Zero(d));
+    const auto within = valuesWithin(d, model, lags);
+    hn::StoreU(hn::IfThenElse(coincident, nugget, hn::IfThenElse(beyond, hn::Set(d, 1.0), within)), d, values);
 }
 
 /// Calls evaluate(d, i) so that vectors of d's lanes from i on cover [0, count), at least one vector long. The last one

@@ -19,7 +19,10 @@ struct DigestCase
 std::vector<DigestCase> linearSystemCases();
 std::vector<DigestCase> sampleCases();
 std::vector<DigestCase> modelCases();
+
+// The engines beside the plug-in, in a digest of their own.
 std::vector<DigestCase> localEngineCases();
+std::vector<DigestCase> covarianceEngineCases();
 
 } // namespace fenn::test
 

@@ -1,10 +1,12 @@
-// Prints one digest over a fixed set of systems, models and targets, after one line for each part of it. Every
-// instruction set, compiler, optimisation level and number of threads must print the same.
+// Prints one digest over a fixed set of systems, models and targets, after one line for each part of it, then one of
+// the engines that answer beside the plug-in. Every instruction set, compiler, optimisation level and number of threads
+// must print the same.
 
 #include <cinttypes>
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <vector>
 
 #include "DigestCases.h"
 #include "tests/support/InstructionSets.h"
@@ -33,11 +35,10 @@ bool restrictTo(const std::string& name)
     return false;
 }
 
-void printDigest()
+void printDigest(const char* name, const std::vector<std::vector<fenn::test::DigestCase>>& parts)
 {
     fenn::test::Digest whole;
-    for (const auto& cases : {fenn::test::linearSystemCases(), fenn::test::sampleCases(), fenn::test::modelCases(),
-                              fenn::test::localEngineCases()})
+    for (const auto& cases : parts)
     {
         for (const fenn::test::DigestCase& part : cases)
         {
@@ -48,7 +49,7 @@ void printDigest()
             std::fflush(stdout);
         }
     }
-    std::printf("%-34s%016" PRIx64 "\n", "digest", whole.value());
+    std::printf("%-34s%016" PRIx64 "\n", name, whole.value());
 }
 
 } // namespace
@@ -70,7 +71,9 @@ int main(int argc, char** argv)
     }
     try
     {
-        printDigest();
+        printDigest("digest", {fenn::test::linearSystemCases(), fenn::test::sampleCases(), fenn::test::modelCases()});
+        printDigest("digest of the other engines",
+                    {fenn::test::localEngineCases(), fenn::test::covarianceEngineCases()});
     }
     catch (const std::exception& error)
     {

@@ -16,9 +16,9 @@ namespace fenn::test
 enum class MatrixKind
 {
     uniform,
-    smallIntegers, // ties of merit, exact zeros, exactly singular ones
+    smallIntegers, // ties of scaled magnitude, exact zeros, exactly singular ones
     repeatedRows,  // pivots that come out as exactly zero
-    scaledRows,    // merits that only scaling makes comparable
+    scaledRows,    // scaled magnitudes that only scaling makes comparable
     tinyPivots,    // elements inside the bounds of a zero pivot
     zerosOfTwoSigns,
     specialValues // NaN, infinities, denormals

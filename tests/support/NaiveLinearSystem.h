@@ -48,10 +48,10 @@ public:
             double best = 0.0;
             for (std::size_t i = j; i < n; ++i)
             {
-                const double merit = scale[i] * std::fabs(rows[i][j]);
-                if (merit >= best)
+                const double scaledMagnitude = scale[i] * std::fabs(rows[i][j]);
+                if (scaledMagnitude >= best)
                 {
-                    best = merit;
+                    best = scaledMagnitude;
                     p = i;
                 }
             }

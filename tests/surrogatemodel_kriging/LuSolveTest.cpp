@@ -27,7 +27,7 @@ public:
             identity[i][i] = 1.0;
         allocateAndFill(*this, identity);
         luDecompose();
-        // Ties of merit have exchanged nothing: zeros never tie with the 1 on the diagonal.
+        // Ties of scaled magnitude have exchanged nothing: zeros never tie with the 1 on the diagonal.
         fillMatrix(*this, factors);
     }
 };

@@ -166,7 +166,7 @@ TEST(MatrixTest, DotProductHasTheBitsOfTheNaiveSum)
 TEST(MatrixTest, FactorsOfASmallMatrix)
 {
     Matrix matrix;
-    allocateAndFill(matrix, {{1.0, 2.0}, {4.0, 4.0}}); // merits 1/2 and 1: the rows are exchanged
+    allocateAndFill(matrix, {{1.0, 2.0}, {4.0, 4.0}}); // scaled magnitudes 1/2 and 1: the rows are exchanged
 
     matrix.luDecompose();
 
@@ -193,7 +193,7 @@ TEST(MatrixTest, AnElementRoundsEachProductBeforeSubtractingIt)
 
     matrix.luDecompose();
 
-    EXPECT_EQ(matrix.getPivot(0), 0); // merit 1 / 1.0000000009 against 1 / 2
+    EXPECT_EQ(matrix.getPivot(0), 0); // scaled magnitude 1 / 1.0000000009 against 1 / 2
     EXPECT_EQ(matrix.getPivot(1), 2); // the exact zero at row 1 ties with row 2, the last one wins
     EXPECT_EQ(matrix.getRow(1)[1], 1e-150);
     EXPECT_EQ(matrix.getRow(2)[1], 0.0);
@@ -234,9 +234,10 @@ TEST(MatrixTest, AMatrixThatWasSingularFactorisesAfterRefilling)
 
 TEST(MatrixTest, ANaNElementIsPassedOverByTheRowScaling)
 {
-    // Merits 1, 0.5 and 0.5: a NaN that became the largest would take row 0 out of the contest.
+    // Scaled magnitudes 1, 0.5 and 0.5: a NaN that became the largest would take row 0 out of the contest.
     EXPECT_EQ(pivotsOfRows({{4.0, notANumber, 1.0}, {0.5, 1.0, 1.0}, {4.0, 8.0, 1.0}})[0], 0);
-    // Merits 0.5 and 0.75: a NaN that restarted the search for the largest would give row 0 merit 4.
+    // Scaled magnitudes 0.5 and 0.75: a NaN that restarted the search for the largest would give row 0 scaled
+    // magnitude 4.
     EXPECT_EQ(pivotsOfRows(
                   {{4.0, 8.0, notANumber, 1.0}, {3.0, 4.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0}, {0.0, 0.0, 0.0, 1.0}})[0],
               1);
@@ -293,8 +294,8 @@ TEST(MatrixTest, ARowWithAnInfiniteElementHasNoMeritElsewhere)
 
 TEST(MatrixTest, TheScaleOfRowJGoesWithTheRowThatIsExchangedForIt)
 {
-    // Column 0 exchanges rows 0 and 1. In column 1 the former row 0, of scale 1/100, has 99 to offer and merit 0.99;
-    // row 2 has 4, of scale 1/4.
+    // Column 0 exchanges rows 0 and 1. In column 1 the former row 0, of scale 1/100, has 99 to offer and scaled
+    // magnitude 0.99; row 2 has 4, of scale 1/4.
     EXPECT_EQ(pivotsOfRows({{1.0, 100.0, 0.0}, {1.0, 1.0, 1.0}, {0.0, 4.0, 4.0}}), (std::vector<int>{1, 2, 2}));
 }
 
@@ -334,7 +335,8 @@ TEST(MatrixTest, PivotsJustInsideTheBoundAreReplaced)
 TEST(MatrixTest, AZeroMultiplierIsNotSkipped)
 {
     Matrix matrix;
-    allocateAndFill(matrix, {{0.0, 1.0}, {1.0, infinity}}); // both without merit: the last row becomes the pivot
+    allocateAndFill(matrix,
+                    {{0.0, 1.0}, {1.0, infinity}}); // both without a scaled magnitude: the last row becomes the pivot
 
     matrix.luDecompose();
 

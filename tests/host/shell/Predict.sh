@@ -1,7 +1,7 @@
 test_SamplesAreReproducedWhereTheyLie()
 {
     write_samples
-    predict --exact --at samples.csv -o out.csv
+    predict --at samples.csv -o out.csv
     expect_status 0
     expect_empty_stdout
     expect_file out.csv <<EOF
@@ -18,7 +18,7 @@ EOF
 test_TheFirstNamedAxisRunsFastest()
 {
     write_samples
-    predict --exact --grid x=0:1:2,y=0:1:2 -o out.csv
+    predict --grid x=0:1:2,y=0:1:2 -o out.csv
     expect_status 0
     expect_file out.csv <<EOF
 x,y,z
@@ -32,7 +32,7 @@ EOF
 test_ColumnsKeepTheOrderOfTheInputsWhenTheGridNamesAnother()
 {
     write_samples
-    predict --exact --grid y=0:1:2,x=0:1:2 -o out.csv
+    predict --grid y=0:1:2,x=0:1:2 -o out.csv
     expect_status 0
     expect_file out.csv <<EOF
 x,y,z
@@ -46,7 +46,7 @@ EOF
 test_InputsMayBeNamedInAnyOrder()
 {
     write_samples
-    krige predict samples.csv --exact --inputs y,x --outputs z --grid x=0:1:2,y=0:0:1 -o out.csv
+    krige predict samples.csv --inputs y,x --outputs z --grid x=0:1:2,y=0:0:1 -o out.csv
     expect_status 0
     expect_file out.csv <<EOF
 y,x,z
@@ -77,7 +77,7 @@ EOF
 test_SeveralOutputsComeInTheirOrder()
 {
     printf 'x,b,a\n0,1,2\n1,3,4\n2,5,6\n' >samples.csv
-    krige predict samples.csv --exact --inputs x --outputs a,b --grid x=0:2:3 -o out.csv
+    krige predict samples.csv --inputs x --outputs a,b --grid x=0:2:3 -o out.csv
     expect_status 0
     expect_file out.csv <<EOF
 x,a,b
@@ -113,7 +113,7 @@ EOF
 test_MergedSamplesAreAveraged()
 {
     printf 'x,z\n0,1\n0,3\n1,7\n2,8\n' >samples.csv
-    krige predict samples.csv --exact --inputs x --outputs z --duplicate-tolerance 0 --grid x=0:0:1 -o out.csv
+    krige predict samples.csv --inputs x --outputs z --duplicate-tolerance 0 --grid x=0:0:1 --exact -o out.csv
     expect_status 0
     expect_file out.csv <<EOF
 x,z
