@@ -1,25 +1,24 @@
 #include "host/commands/InfoCommand.h"
-#include "estimation/MergedSamples.h"
-#include "estimation/SystemSize.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <ostream>
 #include <string_view>
-#include <tuple>
 
 #include <CLI/CLI.hpp>
 
+#include "estimation/MergedSamples.h"
+#include "estimation/SystemSize.h"
 #include "host/files/CsvReader.h"
 #include "host/model/ModelMemory.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleModel.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
+#include "host/text/TextTable.h"
 
 namespace krige
 {
@@ -28,35 +27,16 @@ namespace
 {
 
 using Clock = std::chrono::steady_clock;
-using TableRow = std::array<std::string, 6>;
-
-/// Names to the left, figures to the right.
-void printTable(std::ostream& out, const std::vector<TableRow>& rows)
-{
-    TableRow::size_type widths[std::tuple_size_v<TableRow>] = {};
-    for (const TableRow& row : rows)
-    {
-        for (std::size_t c = 0; c < row.size(); ++c)
-            widths[c] = std::max(widths[c], row[c].size());
-    }
-    for (const TableRow& row : rows)
-    {
-        out << "  " << row[0] << std::string(widths[0] - row[0].size(), ' ');
-        for (std::size_t c = 1; c < row.size(); ++c)
-            out << "  " << std::string(widths[c] - row[c].size(), ' ') << row[c];
-        out << '\n';
-    }
-}
 
 void printColumns(std::ostream& out, const FileSurvey& survey)
 {
-    std::vector<TableRow> rows{{"column", "numbers", "missing", "other", "least", "greatest"}};
+    std::vector<std::vector<std::string>> rows{{"column", "numbers", "missing", "other", "least", "greatest"}};
     for (const ColumnSurvey& column : survey.columns)
         rows.push_back({quoteForMessage(column.name), std::to_string(column.numNumbers),
                         std::to_string(column.numMissing), std::to_string(column.numOthers),
                         column.numNumbers == 0 ? "-" : formatNumber(column.min),
                         column.numNumbers == 0 ? "-" : formatNumber(column.max)});
-    printTable(out, rows);
+    printTable(out, rows, "  ");
 }
 
 std::string nameOfDelimiter(char delimiter)

@@ -8,8 +8,9 @@
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
 #include "host/pictures/Gnuplot.h"
-#include "host/pictures/Variogram.h"
+#include "host/pictures/VariogramPicture.h"
 #include "host/reports/Report.h"
+#include "host/reports/VariogramTable.h"
 #include "host/text/HostErrors.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 

@@ -20,7 +20,7 @@ std::size_t widthOf(const std::string& text)
 
 } // namespace
 
-void printTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows)
+void printTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows, const std::string& indent)
 {
     std::vector<std::size_t> widths(rows.empty() ? 0 : rows.front().size(), 0);
     for (const std::vector<std::string>& row : rows)
@@ -30,7 +30,7 @@ void printTable(std::ostream& out, const std::vector<std::vector<std::string>>& 
     }
     for (const std::vector<std::string>& row : rows)
     {
-        out << row[0] << std::string(row.size() > 1 ? widths[0] - widthOf(row[0]) : 0, ' ');
+        out << indent << row[0] << std::string(row.size() > 1 ? widths[0] - widthOf(row[0]) : 0, ' ');
         for (std::size_t c = 1; c < row.size(); ++c)
             out << "  " << std::string(widths[c] - widthOf(row[c]), ' ') << row[c];
         out << '\n';

@@ -9,8 +9,8 @@ namespace krige
 {
 
 /// Prints rows of equal length in columns as wide as their longest entry, two blanks apart: the first column to the
-/// left, the others to the right.
-void printTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows);
+/// left, the others to the right. indent stands before each row.
+void printTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows, const std::string& indent = {});
 
 /// A name for a table: blanks and control characters, which would break its columns, become '_'.
 std::string nameForTable(const std::string& name);

@@ -28,7 +28,7 @@ test_TargetsWithAMissingCoordinateGetNan()
 {
     write_samples
     printf 'x,y,id\n0,0,a\n,1,b\n1,x,c\n1,1,d\n' >targets.csv
-    predict --at targets.csv --skip-missing --keep id -o out.csv
+    predict --exact --at targets.csv --skip-missing --keep id -o out.csv
     expect_status 0
     expect_stderr 'missing: 2 of 4 targets lack a coordinate: nan is given there'
     expect_file out.csv <<END

@@ -70,7 +70,7 @@ test_AFullDiskIsAnError()
 test_StandardOutputByItsDeviceNameIsAPipeLikeAnyOther()
 {
     write_samples
-    "$program" predict samples.csv --inputs x,y --outputs z --grid x=0:0:1,y=0:1:2 -o /dev/stdout 2>/dev/null |
+    "$program" predict samples.csv --exact --inputs x,y --outputs z --grid x=0:0:1,y=0:1:2 -o /dev/stdout 2>/dev/null |
         cat >caught.csv
     expect_file caught.csv <<EOF
 x,y,z
@@ -83,7 +83,7 @@ test_AFormerOutputIsReplaced()
 {
     write_samples
     echo former >out.csv
-    predict --grid x=0:0:1,y=0:1:2 -o out.csv
+    predict --exact --grid x=0:0:1,y=0:1:2 -o out.csv
     expect_status 0
     expect_file out.csv <<EOF
 x,y,z

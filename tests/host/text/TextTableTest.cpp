@@ -35,6 +35,14 @@ TEST(TextTableTest, ASingleColumnHasNoBlanksBehindIt)
     EXPECT_EQ(printed({{"line"}, {"7"}}), "line\n7\n");
 }
 
+TEST(TextTableTest, AnIndentStandsBeforeEachRow)
+{
+    std::ostringstream out;
+    krige::printTable(out, {{"a", "1"}, {"b", "2"}}, "  ");
+
+    EXPECT_EQ(out.str(), "  a  1\n  b  2\n");
+}
+
 TEST(TextTableTest, NoRowsPrintNothing)
 {
     EXPECT_EQ(printed({}), "");
