@@ -2,13 +2,12 @@
 
 #include "analysis/Folds.h"
 #include "estimation/Estimator.h"
-#include "estimation/chooseEstimator.h"
 
 namespace fenn::analysis
 {
 
 Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings, std::size_t numFolds,
-                        std::uint64_t seed, const Progress& progress)
+                        std::uint64_t seed, const Progress& progress, const EstimatorOptions& options)
 {
     const std::size_t numSamples = samples.getNumSamples();
     const std::vector<std::size_t> folds = assignFolds(numSamples, numFolds, seed);
@@ -24,7 +23,7 @@ Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings,
 
         const SampleSet modelSamples = samples.subset(remaining);
         const Estimates estimates =
-            estimateAt(*estimation::chooseEstimator(modelSamples, settings), samples.subset(leftOut));
+            estimateAt(*estimation::chooseEstimator(modelSamples, settings, options), samples.subset(leftOut));
         for (std::size_t k = 0; k < leftOut.size(); ++k)
         {
             for (std::size_t w = 0; w < all.values.size(); ++w)

@@ -8,11 +8,13 @@
 #include "estimation/Estimates.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
+#include "estimation/chooseEstimator.h"
 
 namespace fenn::analysis
 {
 
 using estimation::Estimates;
+using estimation::EstimatorOptions;
 using estimation::ModelSettings;
 using estimation::SampleSet;
 
@@ -22,11 +24,11 @@ using estimation::SampleSet;
 /// Source: M. Stone, "Cross-validatory choice and assessment of statistical predictions", Journal of the Royal
 /// Statistical Society B 36 (1974).
 ///
-/// The estimates stand in the order of the samples. Coincident samples that fall into different folds estimate each
-/// other: merge them beforehand. progress counts folds. Throws std::invalid_argument for the number of folds or the
-/// settings, Cancelled, and the library's Error as soon as one fold's model fails.
+/// The estimates stand in the order of the samples; options: of every fold's estimator. Coincident samples that fall
+/// into different folds estimate each other: merge them beforehand. progress counts folds. Throws std::invalid_argument
+/// for the number of folds or the settings, Cancelled, and the library's Error as soon as one fold's model fails.
 Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings, std::size_t numFolds,
-                        std::uint64_t seed, const Progress& progress = {});
+                        std::uint64_t seed, const Progress& progress = {}, const EstimatorOptions& options = {});
 
 } // namespace fenn::analysis
 

@@ -42,11 +42,12 @@ void checkOthersSuffice(std::size_t numPoints, std::size_t numInputVars, int dri
         throw SurrogateModelInterface::Error("Not enough source points to calculate drift.");
 }
 
-void estimateGlobally(const ModelParts& parts, int driftOrder, const Progress& progress, LeaveOneOutResult& result)
+void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, const Progress& progress,
+                      LeaveOneOutResult& result)
 {
     const std::size_t numPoints = parts.getPoints().size();
     checkOthersSuffice(numPoints, parts.getNormalizers().size(), driftOrder);
-    const estimation::GlobalSystem system(parts, driftOrder);
+    const estimation::GlobalSystem system(parts, driftOrder, numThreads);
     const std::vector<double> diagonal =
         system.calcInverseDiagonal([&](std::size_t numDone) { report(progress, numDone, numPoints); });
     const auto isSolvable = [&](std::size_t i)
@@ -70,10 +71,10 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, const Progress& p
     }
 }
 
-void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours,
+void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours, int numThreads,
                      const Progress& progress, LeaveOneOutResult& result)
 {
-    const estimation::LocalEstimator estimator(parts, driftOrder, numNeighbours, 0);
+    const estimation::LocalEstimator estimator(parts, driftOrder, numNeighbours, numThreads);
     estimation::Results where;
     for (std::vector<double>& values : result.estimates.values)
         where.estimates.push_back(values.data());
@@ -89,7 +90,8 @@ void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOr
 
 } // namespace
 
-LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress)
+LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress,
+                              int numThreads)
 {
     const std::shared_ptr<const ModelParts> parts = estimation::makeModelParts(samples, settings);
     const SurrogateModelDataBlock& block = parts->getDataBlock();
@@ -111,9 +113,9 @@ LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& set
     result.estimates.variances.resize(numPoints);
 
     if (estimation::usesAllPoints(settings, numPoints))
-        estimateGlobally(*parts, settings.driftOrder, progress, result);
+        estimateGlobally(*parts, settings.driftOrder, numThreads, progress, result);
     else
-        estimateLocally(parts, settings.driftOrder, settings.numNearestPoints, progress, result);
+        estimateLocally(parts, settings.driftOrder, settings.numNearestPoints, numThreads, progress, result);
     return result;
 }
 

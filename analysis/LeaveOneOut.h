@@ -44,11 +44,12 @@ struct LeaveOneOutResult
 /// Costs 2/3 n^3 operations to factorise, 2 n^3 for n solves, and n^2 doubles.
 ///
 /// With numNearestPoints N above 0 and below the number of points, each point is estimated from the N nearest others in
-/// normalised inputs, by a system of its own, on all cores (LocalEstimator).
+/// normalised inputs, by a system of its own (LocalEstimator).
 ///
-/// progress counts points. Throws std::invalid_argument for the settings, Cancelled, and the library's Error, also for
-/// what all but one point are too few for.
-LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress = {});
+/// progress counts points. numThreads: as EstimatorOptions. Throws std::invalid_argument for the settings, Cancelled,
+/// and the library's Error, also for what all but one point are too few for.
+LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress = {},
+                              int numThreads = 0);
 
 } // namespace fenn::analysis
 

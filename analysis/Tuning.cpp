@@ -127,7 +127,8 @@ private:
         double sum = 0.0;
         for (std::size_t r = 0; r < numRepeats; ++r)
         {
-            const Estimates estimates = crossValidate(samples, settings, options.numFolds, options.seed + r);
+            const Estimates estimates =
+                crossValidate(samples, settings, options.numFolds, options.seed + r, {}, options.estimator);
             sum += scoreOf(statisticsOf(samples, estimates, samples), samples, options.objective);
         }
         return sum / static_cast<double>(numRepeats);
@@ -225,14 +226,15 @@ private:
 };
 
 HeldOutScore scoreHeldOut(const SampleSet& tuningSamples, const SampleSet& heldOut, const ModelSettings& settings,
-                          Objective objective)
+                          const TuningOptions& options)
 {
     HeldOutScore held;
     try
     {
-        const Estimates estimates = estimateAt(*estimation::chooseEstimator(tuningSamples, settings), heldOut);
+        const Estimates estimates =
+            estimateAt(*estimation::chooseEstimator(tuningSamples, settings, options.estimator), heldOut);
         held.statistics = statisticsOf(heldOut, estimates, tuningSamples);
-        held.score = scoreOf(held.statistics, tuningSamples, objective);
+        held.score = scoreOf(held.statistics, tuningSamples, options.objective);
     }
     catch (const SurrogateModelInterface::Error& error)
     {
@@ -273,9 +275,8 @@ TuningResult tune(const SampleSet& samples, const ModelSettings& start, const Se
     if (numHeldOut > 0 && !result.wasCancelled)
     {
         const SampleSet heldOut = samples.subset(result.heldOutSamples);
-        result.winnerHeldOut =
-            scoreHeldOut(tuningSamples, heldOut, result.trials[result.winner].settings, options.objective);
-        result.startHeldOut = scoreHeldOut(tuningSamples, heldOut, start, options.objective);
+        result.winnerHeldOut = scoreHeldOut(tuningSamples, heldOut, result.trials[result.winner].settings, options);
+        result.startHeldOut = scoreHeldOut(tuningSamples, heldOut, start, options);
     }
     return result;
 }

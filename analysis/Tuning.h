@@ -11,6 +11,7 @@
 #include "analysis/SearchSpace.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
+#include "estimation/chooseEstimator.h"
 
 namespace fenn::analysis
 {
@@ -34,6 +35,7 @@ struct TuningOptions
     double heldOutFraction = 0.2; // of the samples, never seen by the search; 0 holds none out
     std::size_t maxTrials = 150;
     Objective objective = Objective::Rmse;
+    estimation::EstimatorOptions estimator; // of every model that is tried
 };
 
 /// Settings that were tried on the tuning samples.

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "estimation/ThreadCount.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
@@ -69,7 +70,8 @@ ExactEstimator::ExactEstimator(std::shared_ptr<const ModelParts> parts_, const M
     std::string system;
     if (usesAllPoints(settings, numPoints))
     {
-        auto global = std::make_unique<AllPtsKrigingController>(&block, semivariogram, settings.driftOrder, numThreads);
+        auto global = std::make_unique<AllPtsKrigingController>(&block, semivariogram, settings.driftOrder,
+                                                                chooseThreadCount(numThreads));
         callingThread = std::make_unique<CallingThread>(*global, getParts());
         controller = std::move(global);
         system = "one system over all " + std::to_string(numPoints) + " points";

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "estimation/ThreadCount.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
@@ -10,9 +11,9 @@
 namespace fenn::estimation
 {
 
-GlobalSystem::GlobalSystem(const ModelParts& parts, int driftOrder)
-    : controller(
-          std::make_unique<AllPtsKrigingController>(&parts.getDataBlock(), &parts.getSemivariogram(), driftOrder)),
+GlobalSystem::GlobalSystem(const ModelParts& parts, int driftOrder, int numThreads)
+    : controller(std::make_unique<AllPtsKrigingController>(&parts.getDataBlock(), &parts.getSemivariogram(), driftOrder,
+                                                           chooseThreadCount(numThreads))),
       numPoints(parts.getPoints().size())
 {
 }

@@ -24,8 +24,9 @@ namespace fenn::estimation
 class GlobalSystem
 {
 public:
-    /// Throws the library's Error about too few points, or "Singular matrix", and std::bad_alloc.
-    GlobalSystem(const ModelParts& parts, int driftOrder);
+    /// numThreads: of the factorisation; 0 for the cores that this process may use. Throws the library's Error about
+    /// too few points, or "Singular matrix", and std::bad_alloc.
+    GlobalSystem(const ModelParts& parts, int driftOrder, int numThreads = 0);
     GlobalSystem(const GlobalSystem& other) = delete;
     GlobalSystem& operator=(const GlobalSystem& other) = delete;
     ~GlobalSystem();

@@ -62,11 +62,12 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
                "--plot grid.png");
     const PredictCommand predict(*app.add_subcommand("predict", "Estimate at targets from a file or on a grid"));
     const ValidateCommand validate(
-        *app.add_subcommand("validate", "Cross-validate, or hold estimates against known values"));
-    const TuneCommand tune(*app.add_subcommand("tune", "Search the settings that estimate best"));
+        *app.add_subcommand("validate", "Cross-validate, or compare estimates with known values"));
+    const TuneCommand tune(*app.add_subcommand("tune", "Search for the settings that estimate best"));
     const VariogramCommand variogram(
-        *app.add_subcommand("variogram", "Set the empirical semivariogram beside the model's"));
-    const InfoCommand info(*app.add_subcommand("info", "Say what a sample file holds and what a model would take"));
+        *app.add_subcommand("variogram", "Compare the empirical semivariogram with the model's"));
+    const InfoCommand info(
+        *app.add_subcommand("info", "Describe a sample file, and the memory and time that a model takes"));
     ConsoleOptions consoleOptions;
     for (CLI::App* const subcommand : app.get_subcommands({}))
     {

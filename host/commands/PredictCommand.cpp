@@ -116,6 +116,7 @@ private:
 PredictCommand::PredictCommand(CLI::App& command)
 {
     addModelOptions(command, options);
+    addEstimatorOptions(command, options.estimator);
     command
         .add_option(
             "--at", targetsPath,
@@ -142,8 +143,8 @@ PredictCommand::PredictCommand(CLI::App& command)
     command
         .add_option_function<std::string>(
             "--shard", [this](const std::string& text) { shard = parseShard(text); },
-            "Do the I-th of K equal parts of the targets only; the header row stands in the first, and the outputs one "
-            "after the other are the output of a whole run. Default: 1/1. Example: --shard 2/8")
+            "Estimate only the I-th of K equal parts of the targets; only the first part has the header row, so that "
+            "all outputs joined in order are the output of a whole run. Default: 1/1. Example: --shard 2/8")
         ->type_name("I/K");
     command
         .add_option(
@@ -262,7 +263,7 @@ void PredictCommand::run(Console& console) const
     if (!duplicatesPath.empty())
         writeDuplicatesReport(duplicatesPath, samples, options.settings.duplicateTolerance);
 
-    const SampleModel model(samples, options.settings);
+    const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
 
     Predictor predictor(model, options.outputNames.size(), withVariance);
@@ -280,6 +281,7 @@ void PredictCommand::run(Console& console) const
         line->update(numTargets, shard.size(grid.numNodes)); // of a file unknown: 0
     }
     line->wipe();
+    report.answered(model.getEngineReport());
     report.finished(numTargets, predictor.getNumWithoutEstimate(), predictor.getLibrarySeconds());
     if (!plotPath.empty())
         drawSurface(plotPath, samples, boxOf(grid, samples),

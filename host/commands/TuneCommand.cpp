@@ -39,6 +39,7 @@ void writeWhole(const std::string& path, const std::string& text)
 TuneCommand::TuneCommand(CLI::App& command)
 {
     addModelOptions(command, options);
+    addEstimatorOptions(command, options.estimator);
     command
         .add_option("-o,--output", outputPath,
                     "Settings file to write, which every subcommand reads with --config. Default: none, the winner is "
@@ -52,7 +53,7 @@ TuneCommand::TuneCommand(CLI::App& command)
     command
         .add_option_function<std::string>(
             "--fix", [this](const std::string& text) { fixedSettings = splitCsvText(text, "--fix"); },
-            "Settings that the search leaves alone, of drift, range, nugget, nearest and scale. Default: none. "
+            "Settings that the search does not change: any of drift, range, nugget, nearest and scale. Default: none. "
             "Example: --fix drift,nearest")
         ->type_name("NAMES");
     command
@@ -72,8 +73,8 @@ TuneCommand::TuneCommand(CLI::App& command)
         ->type_name("N");
     command
         .add_option("--seed", tuning.seed,
-                    "Of the held-out samples and the folds: the same one gives the same search. Default: 1. Example: "
-                    "--seed 7")
+                    "Seed of the held-out samples and the folds: the same seed gives the same search. Default: 1. "
+                    "Example: --seed 7")
         ->type_name("S");
     command
         .add_option("--max-trials", tuning.maxTrials, "Settings to try at most. Default: 150. Example: --max-trials 50")
@@ -87,7 +88,7 @@ TuneCommand::TuneCommand(CLI::App& command)
                     throw UsageError("--objective: must be rmse or mae, not " + quoteForMessage(text));
                 tuning.objective = text == "mae" ? fenn::analysis::Objective::Mae : fenn::analysis::Objective::Rmse;
             },
-            "What to make small: rmse, or mae, which outliers move less. Default: rmse. Example: --objective mae")
+            "Error to minimise: rmse, or mae, which outliers affect less. Default: rmse. Example: --objective mae")
         ->type_name("NAME");
     command.footer("The model's options say where the search starts, and what the winner has to beat: the defaults "
                    "where they are left out. --duplicate-tolerance is kept.\n\nExamples:\n"
@@ -120,6 +121,7 @@ fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::Sam
 fenn::analysis::TuningOptions TuneCommand::chooseOptions(const SampleTable& samples) const
 {
     fenn::analysis::TuningOptions chosen = tuning;
+    chosen.estimator = options.estimator;
     if (!(chosen.heldOutFraction >= 0.0 && chosen.heldOutFraction < 1.0))
         throw UsageError("--held-out: must be at least 0 and below 1");
     if (chosen.maxTrials < 1)

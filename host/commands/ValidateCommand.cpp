@@ -60,6 +60,7 @@ double meanOf(const std::vector<double>& values, const std::vector<std::size_t>&
 ValidateCommand::ValidateCommand(CLI::App& command)
 {
     addModelOptions(command, options);
+    addEstimatorOptions(command, options.estimator);
     CLI::Option* const against =
         command
             .add_option("--against", truthPath,
@@ -71,7 +72,8 @@ ValidateCommand::ValidateCommand(CLI::App& command)
             .add_flag("--leave-one-out", leavesOneOut,
                       "Estimate each point from all others, with the normalisation, range and merged points of the "
                       "full model. Default: folds. Example: --leave-one-out")
-            ->excludes(against);
+            ->excludes(against)
+            ->excludes(command.get_option("--exact")); // one factorisation estimates every point
     foldsOption = command
                       .add_option("--folds", numFolds,
                                   "Cut the samples at random into this many parts, and estimate each part from the "
@@ -83,14 +85,13 @@ ValidateCommand::ValidateCommand(CLI::App& command)
                       ->excludes(leaveOneOutFlag);
     command
         .add_option("--seed", seed,
-                    "Of the random folds: the same one gives the same folds. Default: 1. Example: "
-                    "--seed 7")
+                    "Seed of the random folds: the same seed gives the same folds. Default: 1. Example: --seed 7")
         ->type_name("S")
         ->excludes(against)
         ->excludes(leaveOneOutFlag);
     command
         .add_option("--worst", numWorst,
-                    "List so many points with the largest errors, per output. Default: 5. Example: --worst 20")
+                    "Number of points with the largest errors to list, per output. Default: 5. Example: --worst 20")
         ->type_name("N");
     command
         .add_option("-o,--output", pointsPath,
@@ -134,8 +135,8 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const std::unique_ptr<ProgressLine> line = console.startProgress("folds");
-                     fenn::analysis::Estimates estimates =
-                         fenn::analysis::crossValidate(sampleSet, options.settings, folds, seed, reportTo(*line));
+                     fenn::analysis::Estimates estimates = fenn::analysis::crossValidate(
+                         sampleSet, options.settings, folds, seed, reportTo(*line), options.estimator);
                      result.estimates = std::move(estimates.values);
                      result.variances = std::move(estimates.variances);
                      for (std::size_t w = 0; w < sampleSet.getNumOutputVars(); ++w)
@@ -157,7 +158,8 @@ ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Consol
                  [&]
                  {
                      const std::unique_ptr<ProgressLine> line = console.startProgress("points");
-                     left = fenn::analysis::leaveOneOut(toSampleSet(samples), options.settings, reportTo(*line));
+                     left = fenn::analysis::leaveOneOut(toSampleSet(samples), options.settings, reportTo(*line),
+                                                        options.estimator.numThreads);
                  });
     result.inputs.resize(samples.inputs.size());
     for (const std::vector<std::size_t>& members : left.members)
@@ -191,7 +193,7 @@ ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& c
     for (const std::size_t line : truth.lines)
         result.lines.push_back(std::to_string(line));
 
-    const SampleModel model(samples, options.settings);
+    const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
     const std::unique_ptr<ProgressLine> progress = console.startProgress("points");
     ChunkSize chunkSize(1024, targetsPerRequest);
@@ -207,6 +209,8 @@ ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& c
         first += count;
         progress->update(first, truth.lines.size());
     }
+    progress->wipe();
+    report.answered(model.getEngineReport());
     for (std::size_t w = 0; w < truth.outputs.size(); ++w)
         result.outputVariances.push_back(model.getSampleVariance(w));
     return result;

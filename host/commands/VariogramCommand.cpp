@@ -29,8 +29,8 @@ VariogramCommand::VariogramCommand(CLI::App& command)
     CLI::Option* const lags =
         command
             .add_option("--lags", numLags,
-                        "Gather the pairs of points in so many bins of equal width, written as CSV. Default: every "
-                        "lag, as the library dumps it. Example: --lags 15")
+                        "Number of bins of equal width in which pairs of points are gathered; the output is CSV then. "
+                        "Default: no bins, a line for every lag. Example: --lags 15")
             ->type_name("N");
     command
         .add_option("--max-lag", maxLag,
@@ -45,11 +45,11 @@ VariogramCommand::VariogramCommand(CLI::App& command)
                     "Picture of the semivariogram and the model, .png or .svg, or its gnuplot script, .gp. Default: "
                     "none. Example: --plot variogram.png")
         ->type_name("FILE");
-    command.footer("Of one output. Without --lags two header lines, then per lag: distance, empirical semivariance, "
-                   "the model's, number of pairs; the points are paired within the samples and within the merged "
-                   "points, in both orders, and with themselves. With --lags each pair counts once.\n\nExamples:\n"
-                   "  krige variogram samples.csv --inputs x,y --outputs z --lags 15 --plot variogram.png\n"
-                   "  krige variogram samples.csv --inputs x,y --outputs z -o all_lags.txt");
+    command.footer("Takes one output. Without --lags: two header lines, then a line for every lag with distance, "
+                   "empirical semivariance, the model's semivariance and number of pairs. The points are paired within "
+                   "the samples and within the merged points, in both orders, and with themselves. With --lags each "
+                   "pair counts once.\n\nExamples:\n  krige variogram samples.csv --inputs x,y --outputs z --lags 15 "
+                   "--plot variogram.png\n  krige variogram samples.csv --inputs x,y --outputs z -o all_lags.txt");
 }
 
 void VariogramCommand::write(std::ostream& out, const std::string& text) const

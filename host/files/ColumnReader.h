@@ -13,12 +13,12 @@
 namespace krige
 {
 
-/// Reads chosen columns of a CSV file with a header row as numbers, a block of rows at a time, and others as text. The
-/// columns may stand in any order, and others beside them are ignored, whatever they hold.
+/// Reads some columns of a CSV file as numbers and others as text, a block of rows at a time. The header row names
+/// them. Their order does not matter, and columns that were not asked for are ignored.
 ///
 /// Errors are InputError with file, line and column: an unknown name, a chosen name that the header has twice, a row
 /// that is not as long as the header, and, unless missing values are skipped, a missing value or a text that is no
-/// number. A number beyond the doubles is an error all the same: it is there.
+/// number. A number outside the range of double is always an error: it is not missing.
 class ColumnReader
 {
 public:
@@ -27,14 +27,15 @@ public:
                  const std::vector<std::string>& textNames = {});
 
     /// Replaces columns, one per name in the order of the names, by the values of up to maxRows rows; returns the
-    /// number of rows, 0 at the end of the file. What is missing and to be skipped is NaN; nothing else is.
+    /// number of rows, 0 at the end of the file. A value is NaN only where it is missing and missing values are
+    /// skipped.
     std::size_t read(std::vector<std::vector<double>>& columns, std::size_t maxRows);
 
-    /// Passes over up to maxRows rows, whatever they hold; returns their number.
+    /// Skips up to maxRows rows without a look at their fields; returns their number.
     std::uint64_t skip(std::uint64_t maxRows);
 
-    /// Of the last block: the line on which a row begins, and its text columns in the order of their names, as the end
-    /// of a line of CSV: each with a comma before it, in quotes where it needs them.
+    /// For a row of the last block: the line of the file on which it begins, and its text columns as the rest of a CSV
+    /// line, a comma before each, in quotes where needed.
     std::size_t getLine(std::size_t row) const
     {
         return lines[row];

@@ -23,7 +23,7 @@ constexpr char gzipMark[] = "\x1F\x8B";
 // known to end within quotes.
 constexpr unsigned char parserOptions = CSV_STRICT | CSV_STRICT_FINI | CSV_REPALL_NL;
 
-/// Where the callbacks of the C parser put what they get. Exceptions must not travel through it.
+/// What the callbacks of the C parser fill in. An exception is kept here: it must not pass through C code.
 struct RecordSink
 {
     CsvRecord* record = nullptr;
@@ -139,7 +139,7 @@ bool CsvReader::read(CsvRecord& record)
     return false;
 }
 
-/// Keeps what has not been parsed, at the front. False when there is nothing to parse then.
+/// Moves the unparsed rest to the front of the block and reads more behind it. False when nothing is left to parse.
 bool CsvReader::fillBlock()
 {
     std::memmove(block.data(), block.data() + position, blockSize - position);
@@ -191,8 +191,9 @@ void CsvReader::chooseDelimiter()
         parser->ends[static_cast<unsigned char>(c)] = true;
 }
 
-/// Splits the line at the position when it is complete within the block and holds neither quotes nor NUL bytes; without
-/// fields when it is blank. Otherwise false, and nothing has changed but the block's place.
+/// Splits the line at the position if all of it lies in the block and it has no quotes and no NUL bytes; a blank line
+/// gives no fields. Otherwise returns false; nothing has changed then, except that the block may have been moved and
+/// filled.
 bool CsvReader::splitPlainLine(CsvRecord& record)
 {
     if (afterCarriageReturn && block[position] == '\n') // the rest of a line end
@@ -243,7 +244,7 @@ bool CsvReader::splitPlainLine(CsvRecord& record)
     }
 }
 
-/// The line's last byte, a line end, stands before end.
+/// Moves the position to end and counts the line. The byte before end is a line end.
 void CsvReader::endLineAt(std::size_t end)
 {
     const char last = block[end - 1];
@@ -253,8 +254,8 @@ void CsvReader::endLineAt(std::size_t end)
     position = end;
 }
 
-/// Parses up to the next line end of either kind, so that a record ends at the end of what is fed at the earliest, and
-/// the parser is never ahead of the line count.
+/// Feeds the parser up to the next line end, CR or LF. A record can then end only where the fed bytes end, so that the
+/// line numbers in messages are right.
 void CsvReader::feedLine(CsvRecord& record)
 {
     const char* const begin = block.data() + position;

@@ -12,7 +12,8 @@
 namespace krige
 {
 
-/// One record: its fields, and the physical line on which it begins (from 1; line ends within quotes count).
+/// One record: its fields and the line of the file on which it begins, counted from 1; line ends within quotes count
+/// too.
 ///
 /// The fields are valid until the reader reads again.
 class CsvRecord
@@ -45,7 +46,7 @@ public:
         fields.clear();
     }
 
-    /// Copies a field, after the others of its kind.
+    /// Adds a copy of a field.
     void addField(const char* characters, std::size_t count)
     {
         fields.push_back({text.size(), text.size() + count});
@@ -70,14 +71,15 @@ private:
 /// Reads a CSV file record by record: quoted fields with embedded delimiters, quotes and line ends, line ends of every
 /// kind, a byte-order mark. Blank lines are passed over; blanks around an unquoted field do not belong to it.
 ///
-/// Lines without quotes are split where they lie; only the others are copied.
+/// Lines without quotes are split in place; only lines with quotes are copied.
 ///
 /// Holds one record and one block of the file at a time. Errors are InputError with file and line.
 class CsvReader
 {
 public:
-    /// delimiter_: NUL for the one of comma, semicolon and tab that the first line has most of outside quotes, the
-    /// earlier of them where they are equally many. Throws when the file cannot be opened.
+    /// delimiter_: the character between fields. NUL chooses comma, semicolon or tab: the one that occurs most often in
+    /// the first line outside quotes, and in case of a tie the first in this list. Throws when the file cannot be
+    /// opened.
     explicit CsvReader(const std::string& path, char delimiter_ = '\0');
     CsvReader(const CsvReader& other) = delete;
     CsvReader& operator=(const CsvReader& other) = delete;
@@ -92,7 +94,7 @@ public:
         return input.getName();
     }
 
-    /// NUL before the first record has been read when it is to be told.
+    /// NUL until the first record has been read, where the choice was left to the reader.
     char getDelimiter() const
     {
         return delimiter;
@@ -122,10 +124,11 @@ private:
     bool finished = false;
 };
 
-/// The fields of one record given as text, as on a command line: `x,"a,b"` is x and a,b. Throws UsageError naming what.
+/// Splits one record, such as the value of an option: `x,"a,b"` gives x and a,b. Throws UsageError that begins with
+/// what.
 std::vector<std::string> splitCsvText(const std::string& text, const std::string& what);
 
-/// Appends a field, in quotes where it needs them to be read back.
+/// Appends a field, in quotes where it could not be read back without them.
 void appendCsvField(std::string& out, std::string_view field);
 
 } // namespace krige

@@ -8,7 +8,7 @@
 namespace krige
 {
 
-/// The bytes of a file, or of standard input where the path is "-". What begins as gzip does is unpacked on the way.
+/// The bytes of a file, or of standard input where the path is "-". Data that begin with the mark of gzip are unpacked.
 ///
 /// Errors are InputError with the file's name: it cannot be opened or read, it is a folder, its packed data are damaged
 /// or end too early.
@@ -20,7 +20,7 @@ public:
     InputFile& operator=(const InputFile& other) = delete;
     ~InputFile();
 
-    /// Fills bytes as far as it can; fewer than capacity, and 0 at last, at the end alone.
+    /// Reads capacity bytes; fewer only at the end of the file, and 0 after it.
     std::size_t read(char* bytes, std::size_t capacity);
 
     /// For messages: the path, or "standard input".

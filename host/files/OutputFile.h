@@ -11,15 +11,15 @@ namespace krige
 {
 
 /// A file that appears whole or not at all: written beside its place under a temporary name, and renamed by commit. An
-/// object that goes without commit removes the temporary file, and so do SIGINT, SIGTERM and SIGHUP. What stood at the
-/// path before stays until then.
+/// object that is destroyed without commit removes the temporary file, and so do SIGINT, SIGTERM and SIGHUP. Until
+/// commit the path keeps its old content.
 ///
-/// A symbolic link keeps its place: the file it points to is replaced. What is there and is no regular file (a pipe, a
-/// device) is written to directly, as is standard output where the path is "-". A name that ends in .gz packs what is
-/// written by gzip; the same text gives the same bytes.
+/// A symbolic link stays: the file that it points to is replaced. Pipes and devices are written to directly, and so is
+/// standard output where the path is "-". A name that ends in .gz packs what is written by gzip; the same text gives
+/// the same bytes.
 ///
-/// Errors are InputError; ClosedPipe when standard output's or a pipe's reader has gone and the signal is ignored. At
-/// most eight objects at a time, on one thread.
+/// Errors are InputError; ClosedPipe when the program that reads our standard output or pipe has ended and the signal
+/// for that is ignored. At most eight objects at a time, on one thread.
 class OutputFile
 {
 public:
@@ -31,7 +31,8 @@ public:
 
     void write(const std::string& text);
 
-    /// Writes over or behind what is there, from this byte on. Throws InputError for what is packed or has no places.
+    /// Writes over or behind what is there, from this byte on. Throws InputError for packed files and for pipes, which
+    /// can only be written in order.
     void writeAt(std::uint64_t offset, const std::string& bytes);
 
     /// Makes the file appear; the last call.

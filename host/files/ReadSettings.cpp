@@ -39,8 +39,8 @@ void addDelimiterOption(CLI::App& command, ReadSettings& reading)
     command
         .add_option_function<std::string>(
             "--delimiter", [&](const std::string& text) { reading.delimiter = parseDelimiter(text); },
-            "Character between the fields of the files that are read, or comma, semicolon or tab. Default: the one of "
-            "these three that the header row has most of. Example: --delimiter tab")
+            "Character between the fields of the files that are read, or comma, semicolon or tab. Default: whichever "
+            "of these three occurs most often in the header row. Example: --delimiter tab")
         ->type_name("C");
 }
 

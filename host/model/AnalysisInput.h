@@ -18,8 +18,7 @@ fenn::estimation::SampleSet toSampleSet(const SampleTable& samples);
 
 /// Runs work and turns what the libraries throw into InputError, in words that name the file and the way out;
 /// UsageError for arguments that the analysis library refuses. Refuses, before any work, a model that is too large for
-/// the machine's memory. circumstance: put before the explanation, e.g. "without
-/// one of 10 folds: "; may be empty.
+/// the machine's memory. circumstance: stands before the explanation, e.g. "without one of 10 folds: "; may be empty.
 void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
                   const std::string& circumstance, const std::function<void()>& work);
 

@@ -17,7 +17,7 @@ std::string explainModelFailure(const std::string& libraryMessage, const SampleT
 /// The same for std::bad_alloc while a model is built.
 std::string explainMissingMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings);
 
-/// What --drift asks for beyond the points of one system, and the way out; empty when they suffice.
+/// Says that --drift needs more points than one system has, and what to change; empty when there are enough.
 std::string describeTooFewPointsForDrift(const SampleTable& samples, const fenn::estimation::ModelSettings& settings);
 
 /// "2 of 155 samples coincide", counting every sample that lies at the place of another; empty when none do.

@@ -9,8 +9,8 @@
 namespace krige
 {
 
-/// Bytes that this process can still have: what the machine has to give without swapping, within the limits that a
-/// control group or `ulimit -v` set. Infinity where nothing tells.
+/// Bytes that this process can still allocate: the memory that is free without swapping, within the limits of control
+/// groups and `ulimit -v`. Infinity where no limit is known.
 double findAvailableBytes();
 
 /// Throws InputError with the figures and the way out when the system of a model over these samples is larger than

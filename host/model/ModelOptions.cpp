@@ -48,8 +48,9 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
     // Before the settings: the parser hands out values in this order, so that each of them wins over the file.
     addOption(
         command, "--config", "FILE", [&](const std::string& path) { readSettingsFile(path, options.settings); },
-        "Settings file, as krige tune writes it, with lines such as drift = 1 and the names of the options below "
-        "--outputs as keys; an option on the command line wins over it. Default: none. Example: --config best.toml");
+        "Settings file, as krige tune writes it: lines such as drift = 1 with the names of the options from "
+        "--duplicate-tolerance to --nearest; an option on the command line wins over it. Default: none. Example: "
+        "--config best.toml");
     addOption(
         command, "--inputs", "NAMES",
         [&](const std::string& text) { options.inputNames = parseNames("--inputs", text); },
@@ -69,6 +70,21 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
             setting.help);
     }
     addReadOptions(command, options.reading);
+}
+
+void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& estimator)
+{
+    constexpr int mostThreads = 4096; // more is a slip of the finger
+    command
+        .add_option("--threads", estimator.numThreads,
+                    "Threads that compute; results do not depend on their number. Default: the processor cores that "
+                    "this process may use. Example: --threads 2")
+        ->type_name("N")
+        ->check(CLI::Range(1, mostThreads));
+    command.add_flag("--exact", estimator.isExact,
+                     "Give the bits that a host program gets from the plug-in; with --nearest, nearness then counts "
+                     "every input in units of the first one's scale. Default: the fastest way to the same estimates, "
+                     "which the report names with its error bound. Example: --exact");
 }
 
 void checkModelOptions(const ModelOptions& options)

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "estimation/ModelSettings.h"
+#include "estimation/chooseEstimator.h"
 #include "host/files/ReadSettings.h"
 
 namespace CLI
@@ -15,7 +16,8 @@ class App;
 namespace krige
 {
 
-/// What the command line says about a model: where its samples are, which of their columns it takes, and its settings.
+/// What the command line says about a model: where its samples are, which of their columns it takes, its settings, and
+/// how its estimates are computed.
 struct ModelOptions
 {
     std::string samplesPath;
@@ -23,12 +25,17 @@ struct ModelOptions
     std::vector<std::string> inputNames;
     std::vector<std::string> outputNames;
     fenn::estimation::ModelSettings settings;
+    fenn::estimation::EstimatorOptions estimator;
 };
 
 /// Adds SAMPLES, the options of the model and those that say how files are read to a subcommand; options must live
 /// until the command line has been parsed. An option wins over the file of --config. Malformed values end parsing with
 /// UsageError, or within that file with InputError.
 void addModelOptions(CLI::App& command, ModelOptions& options);
+
+/// Adds --threads and --exact to a subcommand that estimates; estimator must live until the command line has been
+/// parsed.
+void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& estimator);
 
 /// Column names of an option's text: `x,"a,b"`. Throws UsageError that names the option.
 std::vector<std::string> parseNames(const std::string& option, const std::string& text);

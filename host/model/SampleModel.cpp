@@ -13,10 +13,12 @@
 namespace krige
 {
 
-SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_)
+SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_,
+                         const fenn::estimation::EstimatorOptions& options)
     : samples(samples_), settings(settings_), sampleSet(toSampleSet(samples_))
 {
-    runExplained(samples, settings, "", [this] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings); });
+    runExplained(samples, settings, "",
+                 [&] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings, options); });
 }
 
 SampleModel::~SampleModel() = default;
@@ -61,6 +63,11 @@ std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& target
     if (variances)
         variances->swap(estimates.variances);
     return numWithoutEstimate;
+}
+
+fenn::estimation::EngineReport SampleModel::getEngineReport() const
+{
+    return estimator->getReport();
 }
 
 double SampleModel::getSampleVariance(std::size_t output) const

@@ -5,14 +5,11 @@
 #include <memory>
 #include <vector>
 
+#include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
+#include "estimation/chooseEstimator.h"
 #include "host/model/SampleTable.h"
-
-namespace fenn::estimation
-{
-class Estimator;
-}
 
 namespace krige
 {
@@ -23,7 +20,8 @@ class SampleModel
 {
 public:
     /// Throws InputError in words that name the file and the way out; see runExplained.
-    SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_);
+    SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_,
+                const fenn::estimation::EstimatorOptions& options = {});
     SampleModel(const SampleModel& other) = delete;
     SampleModel& operator=(const SampleModel& other) = delete;
     ~SampleModel();
@@ -39,11 +37,14 @@ public:
     bool isGlobal() const;
 
     /// Replaces results, one column per output, by the estimates at the targets: one column per input, equally long.
-    /// variances, where asked for, becomes one column: the Kriging variance
-    /// for a sill of 1, the same for every output. A target with a coordinate that is not finite never reaches the
-    /// library: it gets NaN throughout. Returns the number of those. Throws InputError likewise.
+    /// variances, where asked for, becomes one column: the Kriging variance for a sill of 1, the same for every output.
+    /// A target with a coordinate that is not finite gets NaN throughout; the number of those is returned. Throws
+    /// InputError as the constructor does.
     std::size_t estimate(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& results,
                          std::vector<double>* variances = nullptr) const;
+
+    /// How the targets so far were answered, and how far from the exact estimates they can be.
+    fenn::estimation::EngineReport getEngineReport() const;
 
     /// Unbiased variance of an output over the model's points.
     double getSampleVariance(std::size_t output) const;

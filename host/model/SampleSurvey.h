@@ -21,7 +21,7 @@ struct ColumnSurvey
     std::size_t numOthers = 0;   // texts, numbers beyond the doubles
     double min = 0.0, max = 0.0; // of the numbers; NaN without any
 
-    /// Mostly numbers: what is neither a number nor missing may be a word for "missing".
+    /// Whether there are more numbers than other texts. Some of those may be words for a missing value.
     bool isNumeric() const
     {
         return numNumbers > numOthers;
@@ -38,12 +38,12 @@ struct FileSurvey
     std::vector<ColumnSurvey> columns;
 };
 
-/// Reads a whole file without insisting on anything but a header row. Keeps every number. Throws InputError.
+/// Reads a whole file, whatever stands below its header row, and keeps every number. Throws InputError.
 FileSurvey surveyFile(const std::string& path, const ReadSettings& reading);
 
-/// Which columns may be meant: those with the names of coordinates are inputs, the other numeric ones outputs, but for
-/// numbers of rows. Without such names, or when nothing is left to be an output, the last one is the output. Columns
-/// whose name stands twice are left out. Both lists are empty when there are no two numeric columns.
+/// A guess at the columns. Numeric columns with the name of a coordinate (x, lon, depth, ...) are inputs and the other
+/// numeric ones outputs; row numbers (id, index, ...) and names that occur twice are left out. Where no column or every
+/// column has such a name, the last one is the output. Both lists are empty when fewer than two columns are left.
 struct ColumnGuess
 {
     std::vector<std::string> inputNames;

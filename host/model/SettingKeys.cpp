@@ -62,17 +62,15 @@ const std::vector<SettingKey>& settingKeys()
 {
     static const std::vector<SettingKey> keys{
         {"duplicate-tolerance", "T",
-         "Merge samples that agree within this fraction of every input's range into their mean; 0 merges samples at "
-         "one "
-         "place, a negative one none. Default: -1. Example: --duplicate-tolerance 0",
+         "Merge samples whose inputs differ by at most this fraction of each input's range into one point, their mean; "
+         "0 merges samples at the same place, a negative value none. Default: -1. Example: --duplicate-tolerance 0",
          [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
          {
              settings.duplicateTolerance = parseSetting(name, text);
          }},
         {"scale", "NUMBERS",
-         "One factor per input: s > 0 is its scale relative to the others, -k asks for a normalised range of 2k. "
-         "Default: "
-         "-1 each, every input counts alike. Example: --scale 1,10",
+         "One factor per input: -k scales its range in the samples to 2k; a positive factor is the weight of its raw "
+         "values beside those of the other inputs. Default: -1 each, every input counts alike. Example: --scale 1,10",
          [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
          {
              settings.scaleFactors = parseScaleFactors(name, text);
@@ -83,8 +81,8 @@ const std::vector<SettingKey>& settingKeys()
              settings.driftOrder = parseCount(name, text, maxDriftOrder, "from 0 to 4");
          }},
         {"range", "F",
-         "Range of the semivariogram over the diagonal of the samples' normalised box. Default: 1. Example: --range "
-         "0.5",
+         "Range of the semivariogram, the distance beyond which samples tell nothing about each other, as a fraction "
+         "of the diagonal of the samples' normalised box. Default: 1. Example: --range 0.5",
          [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
          {
              settings.rangeFraction = parseSetting(name, text, 0.0, std::numeric_limits<double>::max(), "at least 0");

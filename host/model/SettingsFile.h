@@ -8,8 +8,8 @@
 namespace krige
 {
 
-/// A settings file holds what a model is built with beside its samples, so that one run can hand it to the next. It is
-/// a flat TOML document whose keys are the long names of the model's options:
+/// A settings file holds the settings of a model, so that one run can hand them to the next. It is a flat TOML document
+/// whose keys are the long names of the model's options:
 ///
 ///     # comment
 ///     drift = 1

@@ -10,8 +10,8 @@ namespace krige
 
 /// A picture as a gnuplot script with its data inline: panels side by side, in rows.
 ///
-/// Nothing of a file reaches gnuplot as a command: names pass through quote, data blocks hold numbers only, and gnuplot
-/// is started without a shell, without the user's start-up files, with the script as a file.
+/// Nothing of a file reaches gnuplot as a command: names pass through quoteForGnuplot, data blocks hold numbers only,
+/// and gnuplot is started without a shell and without the user's start-up files, with the script as a file.
 class Picture
 {
 public:
@@ -39,18 +39,18 @@ private:
     std::vector<std::string> panels;
 };
 
-/// Throws UsageError for another ending than .png, .svg and .gp, InputError where gnuplot would be needed and is not
-/// there. For before the work that the picture shows.
+/// Throws UsageError for another ending than .png, .svg and .gp, InputError where gnuplot is needed and not installed.
+/// Meant to be called before the work that the picture shows.
 void checkPicturePath(const std::string& path);
 
 /// The text as a gnuplot string: nothing in it is expanded. Control characters and what is not UTF-8 become '?', and
 /// a long text is shortened.
 std::string quoteForGnuplot(std::string_view text);
 
-/// "[low:high]" around the values, widened where they are all alike; NaN and infinities count for nothing.
+/// "[low:high]" around the values, widened where they are all alike; NaN and infinities are ignored.
 std::string plotRange(const std::vector<double>& values, double margin);
 
-/// Lines that set a palette of even lightness steps, for greyscale and colour-blind eyes.
+/// Gnuplot commands for a palette whose lightness rises evenly: it can be read in greyscale and by colour-blind people.
 extern const char* const viridisPalette;
 
 } // namespace krige

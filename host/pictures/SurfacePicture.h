@@ -26,7 +26,7 @@ using Estimator =
 
 /// Draws the estimates of every output over the box: a line for one input; for two a surface in colours; for more, such
 /// surfaces over the pairs of inputs (sixteen panels at most), the other inputs at their means over the samples.
-/// Samples are drawn over them: on a slice those within a tenth of the box of it.
+/// Samples are drawn over them; on a slice, those that are no farther from it than a tenth of the box.
 ///
 /// Throws as estimate and Picture::save.
 void drawSurface(const std::string& path, const SampleTable& samples, const std::vector<PictureAxis>& box,

@@ -77,6 +77,11 @@ void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
     takeSeconds(); // looking for them is no part of the estimates' time
 }
 
+void Report::answered(const fenn::estimation::EngineReport& engine)
+{
+    stream << "engine: " << engine.sentence << '\n';
+}
+
 void Report::finished(std::uint64_t numTargets, std::uint64_t numWithoutEstimate, double librarySeconds)
 {
     const double estimatingSeconds = takeSeconds();

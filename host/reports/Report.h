@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
@@ -12,7 +13,8 @@
 namespace krige
 {
 
-/// Says on a stream (standard error) what a run did, one line each: samples read, points merged, strategy, time.
+/// Says on a stream (standard error) what a run did, one line each: samples read, points merged, strategy, engine,
+/// time.
 class Report
 {
 public:
@@ -20,12 +22,15 @@ public:
 
     void samplesRead(const SampleTable& samples);
 
-    /// Also hints at what the library takes but cannot do well with: coincident samples, too few points for the drift.
+    /// Also gives hints about samples that make poor estimates: coincident ones, or too few for the drift.
     void modelBuilt(const SampleModel& model, const SampleTable& samples,
                     const fenn::estimation::ModelSettings& settings);
 
-    /// numWithoutEstimate: targets with a missing coordinate. librarySeconds: what of the estimates' time went by
-    /// within the library; negative when nobody looked.
+    /// Which engine answered, and how far its estimates can be from the exact ones.
+    void answered(const fenn::estimation::EngineReport& engine);
+
+    /// numWithoutEstimate: targets with a missing coordinate. librarySeconds: the part of the estimates' time that the
+    /// library took; negative when it was not measured.
     void finished(std::uint64_t numTargets, std::uint64_t numWithoutEstimate = 0, double librarySeconds = -1.0);
 
 private:

@@ -14,7 +14,7 @@
 namespace krige
 {
 
-/// Where predictions go, block by block, in the order of their targets.
+/// Writes predictions, block by block, in the order of their targets.
 class PredictionWriter
 {
 public:
@@ -23,12 +23,13 @@ public:
     /// Before the first block.
     virtual void begin() = 0;
 
-    /// targets: one column per input. values: one column per value name, as long. source: the block is its last one.
+    /// targets: one column per input. values: one column per value name, as long. source: it has just read these
+    /// targets.
     virtual void write(const std::vector<std::vector<double>>& targets, const std::vector<std::vector<double>>& values,
                        const TargetSource& source) = 0;
 };
 
-/// Lines of CSV: inputs, values, then what the source adds as text.
+/// One CSV line per target: inputs, values, then the kept columns of the source.
 class CsvPredictions : public PredictionWriter
 {
 public:
@@ -44,10 +45,11 @@ private:
     std::string text; // kept: it grows to a block's size once
 };
 
-/// A legacy VTK file of structured points: the first axis is x and runs fastest, a missing axis has one point. Values
-/// are binary doubles, so that they keep their bits; one scalar array per value name.
+/// A legacy VTK file of structured points: the first axis is x and runs fastest; where there are fewer than three axes,
+/// the others have one point. Values are binary doubles, so that they keep their bits; one scalar array per value name.
 ///
-/// Every array lies behind the one before it, so blocks are written out of order: the output must have places.
+/// The file holds one array after the other, so that each block is written in several places: the output must be a
+/// plain file.
 class VtkPredictions : public PredictionWriter
 {
 public:

@@ -7,8 +7,8 @@
 namespace krige
 {
 
-/// One of several equal parts of a run's targets, in their order. The first parts hold one more when they cannot be
-/// equal.
+/// One of several parts of a run's targets, in their order. Parts are equally large, or the first ones hold one target
+/// more.
 struct Shard
 {
     std::uint64_t index = 1; // from 1
@@ -24,7 +24,7 @@ struct Shard
         return count == 1;
     }
 
-    /// Of numTargets targets: those before this part, and those in it.
+    /// How many of numTargets targets lie before this part, and how many are in it.
     std::uint64_t numBefore(std::uint64_t numTargets) const;
     std::uint64_t size(std::uint64_t numTargets) const;
 };

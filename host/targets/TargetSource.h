@@ -15,10 +15,10 @@
 namespace krige
 {
 
-/// Targets of one request to the library. Enough for all threads to have work; far below its limit, an int.
+/// Targets of one request: enough work for all threads, and few enough to keep memory small.
 constexpr std::size_t targetsPerRequest = 65536;
 
-/// Targets in blocks, so that any number of them needs the memory of one block.
+/// Reads targets block by block, so that memory does not grow with their number.
 class TargetSource
 {
 public:
@@ -28,16 +28,16 @@ public:
     /// at the end. Throws InputError.
     virtual std::size_t read(std::vector<std::vector<double>>& columns, std::size_t maxTargets) = 0;
 
-    /// What else of target t of the last block goes to the output, as the end of its line.
+    /// The kept columns of target t of the last block, as the rest of its CSV line.
     virtual std::string_view getTexts(std::size_t t) const = 0;
 };
 
-/// The rows of a CSV file. Missing coordinates are NaN when they are to be skipped.
+/// Targets from the rows of a CSV file. With --skip-missing a missing coordinate is NaN.
 class FileTargets : public TargetSource
 {
 public:
-    /// keptNames: columns that go to the output as they are. A part of the targets needs a file that can be read twice,
-    /// for its rows must be counted first.
+    /// keptNames: columns that go to the output as they are. A shard other than 1/1 needs a plain file: its rows are
+    /// counted first, and then read.
     FileTargets(const std::string& path, const std::vector<std::string>& inputNames, const ReadSettings& settings = {},
                 const std::vector<std::string>& keptNames = {}, const Shard& shard = {});
     std::size_t read(std::vector<std::vector<double>>& columns, std::size_t maxTargets) override;
@@ -48,6 +48,7 @@ private:
     std::uint64_t numRemaining;
 };
 
+/// The nodes of a grid as targets, the first axis running fastest.
 class GridTargets : public TargetSource
 {
 public:

@@ -44,8 +44,9 @@ std::string formatDuration(double seconds)
 
 void addConsoleOptions(CLI::App& command, ConsoleOptions& options)
 {
-    CLI::Option* const quiet = command.add_flag(
-        "--quiet", options.isQuiet, "Print results and errors only. Default: also say what is done. Example: --quiet");
+    CLI::Option* const quiet =
+        command.add_flag("--quiet", options.isQuiet,
+                         "Print results and errors only. Default: a report of the run as well. Example: --quiet");
     command
         .add_flag("--progress", options.forcesProgress,
                   "Show progress even where standard error is no terminal, e.g. in the log of a batch job. Default: on "

@@ -16,20 +16,20 @@ class App;
 namespace krige
 {
 
-/// How talkative a run is.
+/// How much a run prints on standard error.
 struct ConsoleOptions
 {
     bool isQuiet = false;        // nothing but errors and results
-    bool forcesProgress = false; // also where nobody watches
+    bool forcesProgress = false; // also where standard error is no terminal
 };
 
 /// Adds --quiet and --progress; options must live until the subcommand has run.
 void addConsoleOptions(CLI::App& command, ConsoleOptions& options);
 
-/// One line that says how far work has come, at which rate, and how long the rest takes. On a terminal it is drawn over
-/// until the work is done and then wiped; elsewhere, with --progress, a line of its own every few seconds.
+/// Progress in one line: how much is done, how fast, and how much time is left. On a terminal the line is overwritten
+/// and in the end wiped; elsewhere, with --progress, a new line is printed every ten seconds.
 ///
-/// Shows nothing before half a second has passed: what is done by then needs no progress.
+/// Shows nothing in the first half second.
 class ProgressLine
 {
 public:
@@ -61,14 +61,14 @@ private:
     Clock::time_point nextTime;
 };
 
-/// How much work to hand out at once so that progress is seen to move, whatever a piece of it costs: doubles while a
-/// chunk takes less than a fifth of a second, halves when it takes more than a whole one.
+/// How many targets to compute between two updates of the progress line. The number doubles while they take less than
+/// 0.2 s, and is halved when they take more than 1 s.
 class ChunkSize
 {
 public:
     ChunkSize(std::size_t first, std::size_t largest_) : size(first), largest(largest_), start(Clock::now()) {}
 
-    /// Of the next chunk; the time since the last call counts as that of the chunk before.
+    /// Size of the next chunk. The time since the last call is taken as the time of the chunk before.
     std::size_t next();
 
 private:
@@ -80,7 +80,7 @@ private:
     bool isFirst = true;
 };
 
-/// Standard error as one run uses it.
+/// What one run prints on standard error: its report and its progress.
 class Console
 {
 public:
@@ -89,13 +89,13 @@ public:
     Console& operator=(const Console& other) = delete;
     ~Console();
 
-    /// Where a run says what it does; swallows everything when quiet.
+    /// The stream for the report. With --quiet it discards everything.
     std::ostream& getReport()
     {
         return *report;
     }
 
-    /// Whether somebody is there to see progress, or asked for it.
+    /// Whether progress is shown: on a terminal or with --progress, and never with --quiet.
     bool showsProgress() const;
 
     std::unique_ptr<ProgressLine> startProgress(const std::string& noun) const;

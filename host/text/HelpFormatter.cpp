@@ -37,7 +37,7 @@ std::string HelpFormatter::make_option(const CLI::Option* option, bool isPositio
            wrap(make_option_desc(option), indentOfMeaning);
 }
 
-/// What excludes what stands in the messages.
+/// The kind of value alone. Which options exclude each other is said when they are used together.
 std::string HelpFormatter::make_option_opts(const CLI::Option* option) const
 {
     return option->get_type_size() != 0 && !option->get_type_name().empty() ? " " + option->get_type_name() : "";

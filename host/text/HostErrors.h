@@ -33,7 +33,8 @@ public:
     static InputError fromSystem(const std::string& path, int errorNumber);
 };
 
-/// Who read our standard output has gone: nothing is left to do and nobody to tell.
+/// The program that read our standard output has ended. Nothing is left to do, and there is nobody to print a message
+/// for.
 class ClosedPipe : public std::runtime_error
 {
 public:

@@ -12,10 +12,10 @@ namespace krige
 /// left, the others to the right.
 void printTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows);
 
-/// Blanks and control characters would spoil the columns of a table: each becomes '_'.
+/// A name for a table: blanks and control characters, which would break its columns, become '_'.
 std::string nameForTable(const std::string& name);
 
-/// Six significant digits: for people. Files get formatNumber's.
+/// Six significant digits, for tables. Files use formatNumber, which loses nothing.
 std::string formatFigure(double value);
 
 } // namespace krige

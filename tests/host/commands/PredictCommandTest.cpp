@@ -35,8 +35,8 @@ protected:
 
     void run(std::vector<std::string> words)
     {
-        std::vector<std::string> all{folder.pathOf("s.csv"),  "--inputs", "x,y", "--outputs", "z", "-o",
-                                     folder.pathOf("out.csv")};
+        std::vector<std::string> all{folder.pathOf("s.csv"),   "--inputs", "x,y", "--outputs", "z", "-o",
+                                     folder.pathOf("out.csv"), "--exact"};
         all.insert(all.end(), words.begin(), words.end());
         CommandRun<krige::PredictCommand> predict(all);
         predict.command.run(predict.getConsole());

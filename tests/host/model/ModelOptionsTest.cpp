@@ -76,6 +76,20 @@ TEST(ModelOptionsTest, AMalformedSettingNamesItsOption)
     EXPECT_EQ(messageOf<UsageError>([] { parsed({"--nugget", "much"}); }), "--nugget: 'much' is not a number");
 }
 
+TEST(ModelOptionsTest, ThreadsAreChosenAndExactnessIsOffUnlessAskedFor)
+{
+    CLI::App app;
+    fenn::estimation::EstimatorOptions estimator;
+    krige::addEstimatorOptions(app, estimator);
+    app.parse(std::vector<std::string>{});
+    EXPECT_EQ(estimator.numThreads, 0);
+    EXPECT_FALSE(estimator.isExact);
+
+    app.parse(std::vector<std::string>{"--exact", "3", "--threads"});
+    EXPECT_EQ(estimator.numThreads, 3);
+    EXPECT_TRUE(estimator.isExact);
+}
+
 TEST(ModelOptionsTest, NamesWithCommasStandInQuotes)
 {
     EXPECT_THAT(krige::parseNames("--inputs", "x,\"a,b\""), ElementsAre("x", "a,b"));

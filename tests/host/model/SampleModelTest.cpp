@@ -104,6 +104,18 @@ TEST(SampleModelTest, TargetsThatAreNotFiniteGetNaNAndChangeNoOthers)
     }
 }
 
+TEST(SampleModelTest, AnExactModelReportsThatItIsOne)
+{
+    const SampleTable samples = samplesWithDuplicates();
+    fenn::estimation::EstimatorOptions options;
+    options.isExact = true;
+    ModelSettings settings = merging();
+    settings.numNearestPoints = 3;
+
+    EXPECT_TRUE(SampleModel(samples, settings, options).getEngineReport().isExact);
+    EXPECT_EQ(SampleModel(samples, settings).getEngineReport().engine, "local");
+}
+
 TEST(SampleModelTest, TheSampleVarianceIsThatOfThePointsLeftAfterMerging)
 {
     const SampleTable samples = samplesWithDuplicates();

@@ -107,6 +107,16 @@ TEST(ReportTest, TooFewPointsForTheDriftGiveAHint)
     EXPECT_THAT(saidOfModel(samples, settings), HasSubstr("hint: --nearest 2 is too few for --drift 2 in 1 input"));
 }
 
+TEST(ReportTest, TheEngineIsNamedInItsOwnWords)
+{
+    fenn::estimation::EngineReport engine;
+    engine.sentence = "exact: asked for";
+    std::ostringstream stream;
+    Report(stream).answered(engine);
+
+    EXPECT_EQ(stream.str(), "engine: exact: asked for\n");
+}
+
 TEST(ReportTest, TheTimeIsThatOfThreeSteps)
 {
     std::ostringstream stream;
