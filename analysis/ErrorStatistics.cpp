@@ -11,7 +11,7 @@ namespace fenn::analysis
 namespace
 {
 
-/// 0 / 0, NaN, for no points.
+/// NaN, 0 / 0, for no points.
 double meanOf(double sum, std::size_t count)
 {
     return count == 0 ? std::numeric_limits<double>::quiet_NaN() : sum / static_cast<double>(count);

@@ -7,8 +7,8 @@
 namespace fenn::analysis
 {
 
-/// How well estimates of one output variable meet known values; an error is e = estimate - truth, in the output's
-/// units. Points whose estimate is NaN are counted and otherwise left out. A figure that no point is left for is NaN.
+/// Estimates of one output variable compared with known values. An error is e = estimate - truth, in the output's
+/// units. Points whose estimate is NaN are counted and left out of all other figures. A figure over no points is NaN.
 struct ErrorStatistics
 {
     std::size_t numCompared = 0;
@@ -22,8 +22,8 @@ struct ErrorStatistics
 
     std::vector<std::size_t> worstPoints; // by falling |e|; of equal ones the lower index first
 
-    // mean of e^2 / (variance * output variance): near 1 when the Kriging variances say how large errors are, above 1
-    // when they promise too much. N. Cressie, Statistics for Spatial Data (Wiley, 1993), section 2.6.4.
+    // mean of e^2 / (variance * output variance): near 1 when the Kriging variances are as large as the squared errors,
+    // above 1 when they are too small. N. Cressie, Statistics for Spatial Data (Wiley, 1993), section 2.6.4.
     double meanSquaredStandardisedError = 0.0;
     std::size_t numWithoutVariance = 0; // compared, but left out of that mean: variance zero, negative or NaN
 };

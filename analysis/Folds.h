@@ -8,8 +8,8 @@
 namespace fenn::analysis
 {
 
-/// 0 to count - 1 in an order that is a pure function of count and seed: Fisher-Yates on the raw bits of mt19937_64,
-/// for the standard distributions differ from one standard library to the next.
+/// The indices 0 to count - 1, shuffled: a pure function of count and seed. Fisher-Yates on the raw bits of mt19937_64,
+/// because the standard distributions differ between standard libraries.
 std::vector<std::size_t> shuffledIndices(std::size_t count, std::uint64_t seed);
 
 /// The fold, 0 to numFolds - 1, of each of count samples: random, sizes equal to within 1, a pure function of the

@@ -20,10 +20,11 @@ namespace fenn::analysis
 namespace
 {
 
-/// Points of a larger variance, in sills, are those that the others do not determine: exactly, it would be infinite.
+/// A larger variance, in sills, means that the other points do not determine this one: without rounding it were
+/// infinite.
 constexpr double largestVariance = 1e10;
 
-/// Local estimates between two reports: some tens of milliseconds.
+/// Local estimates between two calls of progress: some tens of milliseconds.
 constexpr std::size_t pointsPerReport = 4096;
 
 constexpr double noEstimate = std::numeric_limits<double>::quiet_NaN();

@@ -16,8 +16,8 @@ using estimation::Estimates;
 using estimation::ModelSettings;
 using estimation::SampleSet;
 
-/// One entry per point of the full model, merged samples counting as the one averaged point that they became: first the
-/// samples left alone, in their order, then the averaged points.
+/// One entry per point of the full model, merged samples counting as their averaged point: first the samples that were
+/// not merged, in their order, then the averaged points.
 struct LeaveOneOutResult
 {
     Estimates estimates;                     // of each point, without it
@@ -44,11 +44,11 @@ struct LeaveOneOutResult
 /// Costs 2/3 n^3 operations and n^2 / 2 doubles by Cholesky's method, 8/3 n^3 and n^2 where only the exact
 /// factorisation is accurate (SystemInverse).
 ///
-/// With numNearestPoints N above 0 and below the number of points, each point is estimated from the N nearest others in
-/// normalised inputs, by a system of its own (LocalEstimator).
+/// With numNearestPoints N above 0 and below the number of points, each point is estimated from its N nearest
+/// neighbours by a system of its own (LocalEstimator).
 ///
 /// progress counts points. numThreads: as EstimatorOptions. Throws std::invalid_argument for the settings, Cancelled,
-/// and the library's Error, also for what all but one point are too few for.
+/// and the library's Error, also where all points but one are too few.
 LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress = {},
                               int numThreads = 0);
 

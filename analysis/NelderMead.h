@@ -9,8 +9,8 @@ namespace fenn::analysis
 {
 
 /// Minimises a function of one or more variables without derivatives by the simplex method and returns the best point
-/// met. The first simplex is start and, per variable, start with that variable moved by its step. Infinite values are
-/// allowed (a point that failed), NaN is not. Stops after maxEvaluations calls, or when no coordinate of the simplex
+/// met. The first simplex is start and, per variable, start with that variable moved by its step. The function may
+/// return infinity, for a failure, but not NaN. Stops after maxEvaluations calls, or when no coordinate of the simplex
 /// spans more than tolerance times its step. No random choices.
 ///
 /// Source: J. A. Nelder and R. Mead, "A simplex method for function minimization", Computer Journal 7 (1965), with the

@@ -8,8 +8,8 @@
 namespace fenn::analysis
 {
 
-/// Called on the calling thread after each piece of work with the pieces done and their total; false asks to stop. May
-/// be empty.
+/// Called on the calling thread after each piece of work, with the number of pieces done and their total. Returns false
+/// to stop. May be empty.
 using Progress = std::function<bool(std::size_t numDone, std::size_t total)>;
 
 /// Thrown where a progress callback asked to stop.

@@ -13,8 +13,8 @@ namespace fenn::analysis
 using estimation::ModelSettings;
 using estimation::SampleSet;
 
-/// What tune may choose. A plain value; empty lists, equal bounds and 1 for maxAnisotropy keep what the search starts
-/// from.
+/// The settings that tune may choose. Empty lists, equal bounds and a maxAnisotropy of 1 keep the setting of the start.
+/// A plain value.
 struct SearchSpace
 {
     std::vector<int> driftOrders{0, 1, 2};
@@ -23,11 +23,11 @@ struct SearchSpace
     double maxRangeFraction = 4.0;
     double minNugget = 0.0;
     double maxNugget = 0.8;
-    double maxAnisotropy = 8.0; // an input variable's normalised range over the first one's, at most, and inverted
+    double maxAnisotropy = 8.0; // largest factor between a variable's normalised range and the first one's
 };
 
-/// Global models up to 1000 samples, beside local ones of 16 and 32 nearest points; beyond that local ones only, for a
-/// global trial costs the cube of the number of samples. Drift orders that need more than a quarter of the points of a
+/// Up to 1000 samples global models and local ones of 16 and 32 nearest points; for more samples local ones only,
+/// because a global trial costs the cube of their number. Drift orders that need more than a quarter of the points of a
 /// system are left out.
 SearchSpace defaultSearchSpace(const SampleSet& samples);
 
@@ -47,21 +47,23 @@ public:
 
     std::vector<double> toCoordinates(const ModelSettings& settings) const;
 
-    /// The base with its smooth settings replaced by the coordinates, which are brought into the bounds first. Figures
-    /// are rounded to 3 significant digits, so that settings can be read, and told apart, by people. Scale factors
-    /// become positive ones, relative to the first variable's 1, where any of their coordinates differs from the
-    /// base's.
+    /// The base with its smooth settings replaced by the coordinates, which are brought into the bounds first. Settings
+    /// are rounded to 3 significant digits, so that people can read them and tell them apart. Scale factors become
+    /// positive ones, relative to the first variable's 1, where any of their coordinates differs from the base's.
     ModelSettings toSettings(const std::vector<double>& coordinates, const ModelSettings& base) const;
 
     /// The base with scale factors of 1: distances as in the raw units, for inputs that share one. False where that
     /// lies beyond maxAnisotropy, or no scale is varied.
     bool withRawScales(const ModelSettings& base, ModelSettings& settings) const;
 
-    /// How far settings lie from what is usual: a sum of squares, each in units of what would be a little unusual.
-    /// Usual are a range of about a third of the diagonal (a factor of 2 aside counts 1), a nugget of 0.09 (its root:
-    /// 0.1 aside), normalised ranges or raw units that are alike (whichever is nearer; 0.3 in log2 aside, per
-    /// variable), and no drift (each order counts 1).
-    double calcUnusualness(const ModelSettings& settings) const;
+    /// Negative log prior of the settings, up to a constant: half the drift order and half the sum of squared
+    /// departures from usual settings, each in units of its standard deviation:
+    ///
+    ///     log2 of the range fraction            usual -1.5 (about a third), standard deviation 1
+    ///     square root of the nugget             usual 0.3 (a nugget of 0.09), standard deviation 0.1
+    ///     per input variable after the first    usual 0, standard deviation 0.3: log2 of its range over that of the
+    ///                                           first, of normalised or of raw ranges, whichever lie nearer to usual
+    double calcNegativeLogPrior(const ModelSettings& settings) const;
 
 private:
     SearchSpace space;

@@ -22,7 +22,7 @@ namespace
 
 constexpr double failed = std::numeric_limits<double>::infinity();
 
-/// Thrown through the search where it has to end: at the callback's wish, or when all trials are spent.
+/// Ends the search from within: the callback asked for it, or all trials are used up.
 struct EndOfSearch
 {
 };
@@ -112,7 +112,7 @@ private:
             trial.failure = error.what();
         }
         const auto numSamples = static_cast<double>(samples.getNumSamples());
-        trial.penalisedScore = trial.score * std::exp(coordinates.calcUnusualness(settings) / numSamples);
+        trial.penalisedScore = trial.score * std::exp(2.0 * coordinates.calcNegativeLogPrior(settings) / numSamples);
 
         result.trials.push_back(trial);
         const bool isNoWorseThanTheStart = trial.score <= result.trials[0].score;

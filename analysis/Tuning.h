@@ -28,8 +28,8 @@ enum class Objective
 struct TuningOptions
 {
     std::size_t numFolds = 10;
-    // Of the cross-validation, each with folds of its own: one alone is a noisy score of few samples. 0 repeats until
-    // 300 samples have been estimated, up to 3 times.
+    // Repeats of the cross-validation, each with new folds: with few samples one alone is noisy. 0 repeats until 300
+    // samples have been estimated, up to 3 times.
     std::size_t numRepeats = 0;
     std::uint64_t seed = 1;       // of the held-out samples and of the folds
     double heldOutFraction = 0.2; // of the samples, never seen by the search; 0 holds none out
@@ -43,11 +43,12 @@ struct Trial
 {
     ModelSettings settings;
     double score = 0.0; // mean over outputs and repeats of RMSE (or MAE) / standard deviation; infinite on failure
-    double penalisedScore = 0.0; // score * exp(z2 / n): n tuning samples, z2 from SettingsCoordinates::calcUnusualness
-    std::string failure;         // the library's message when some fold's model failed, otherwise empty
+    // score * exp(2 p / n) with n tuning samples and p = SettingsCoordinates::calcNegativeLogPrior.
+    double penalisedScore = 0.0;
+    std::string failure; // the library's message when some fold's model failed, otherwise empty
 };
 
-/// How the model of all tuning samples does at the held-out ones.
+/// Errors of the model of all tuning samples at the held-out samples.
 struct HeldOutScore
 {
     double score = 0.0;                      // as a Trial's, with the standard deviations of the tuning samples
@@ -74,16 +75,17 @@ using TrialCallback = std::function<bool(const Trial& trial, std::size_t numDone
 /// simplex method from the best two. A pure function of its arguments.
 ///
 /// The winner has the lowest penalised score, the first of equals, of the trials that score no worse than the start.
-/// Cross-validation of few samples is noisy, and the very best of many trials owes that to chance in part: the penalty
-/// draws settings towards usual ones where the samples do not decide, and vanishes as their number grows. It is the
-/// maximum a posteriori rule for Gaussian errors and normal priors, with a prior counted twice.
+/// Cross-validation of few samples is noisy, so the best of many trials is partly luck. The penalty draws settings
+/// towards usual ones where the samples do not decide, and vanishes as their number grows: the maximum a posteriori
+/// rule for Gaussian errors and normal priors, with the prior counted twice.
 ///
-/// The held-out scores are honest ones, for no trial saw those samples; without them all samples are searched on.
+/// No trial sees the held-out samples, so that their scores are not flattered by the search. Without held-out samples
+/// the search uses all.
 ///
 /// start: the settings to start from and to beat; its duplicate tolerance is kept. maxTrials is reached at most.
 /// Throws std::invalid_argument for settings, a range fraction of 0 to start from, search space, a held-out fraction
 /// outside [0, 1), no trials or repeats, or a number of folds that crossValidate would refuse for the samples left. A
-/// failing trial is a bad one, nothing more.
+/// trial whose model fails scores infinity; the search goes on.
 TuningResult tune(const SampleSet& samples, const ModelSettings& start, const SearchSpace& space,
                   const TuningOptions& options, const TrialCallback& callback = {});
 

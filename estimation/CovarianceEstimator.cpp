@@ -27,8 +27,8 @@ using kernels::stripWidth;
 // Most targets that a thread takes at a time. Estimates alone: so many that eight neighbours among them lie close
 // together. With variances each holds a column of the right-hand sides: the more, the less often the factor is read
 // from memory.
-constexpr std::size_t targetsPerPiece = 4096;
-constexpr std::size_t columnsPerPiece = 128;
+constexpr std::size_t targetsPerRange = 4096;
+constexpr std::size_t columnsPerRange = 128;
 
 // Multiplications below which a second thread costs more to start than it takes over.
 constexpr double minSharedWork = 2e6;
@@ -162,8 +162,8 @@ private:
         std::vector<double> terms(numDriftTerms);
         for (std::size_t k = 0; k < numDriftTerms; ++k)
             terms[k] = driftTerms[stripWidth * k + t];
-        const double bound = solution.calcBound(terms.data());
-        return std::isnan(bound) ? std::numeric_limits<double>::infinity() : bound;
+        const double targetBound = solution.calcBound(terms.data());
+        return std::isnan(targetBound) ? std::numeric_limits<double>::infinity() : targetBound;
     }
 
     /// 1 - |L^-1 c|^2 + |R^-1 (f - F^T C^-1 c)|^2.
@@ -253,26 +253,24 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
 
 void CovarianceEstimator::estimate(const Targets& targets, const Results& results) const
 {
+    if (targets.count == 0)
+        return;
     const bool wantsVariances = results.variances != nullptr;
-    const auto answer = [&](std::size_t first, std::size_t count)
-    {
-        Request request(*this, targets, results);
-        if (wantsVariances)
-            request.estimateWithVariances(first, count);
-        else
-            request.estimate(first, count);
-    };
     const auto numPoints = static_cast<double>(system->getNumPoints());
     const double workPerTarget = wantsVariances ? numPoints * (10.0 + 0.5 * numPoints) : numPoints * 10.0;
-    if (targets.count == 1 || static_cast<double>(targets.count) * workPerTarget < minSharedWork)
-        return answer(0, targets.count);
-
-    const std::size_t numThreads = threads->getNumThreads();
-    const std::size_t sizeOfShare = (targets.count + numThreads - 1) / numThreads;
-    const std::size_t pieceSize = std::min(wantsVariances ? columnsPerPiece : targetsPerPiece,
-                                           (sizeOfShare + stripWidth - 1) / stripWidth * stripWidth);
-    threads->run(targets.count, pieceSize,
-                 [&](std::size_t, std::size_t first, std::size_t end) { answer(first, end - first); });
+    const std::size_t numRanges =
+        static_cast<double>(targets.count) * workPerTarget < minSharedWork ? 1 : threads->getNumThreads();
+    const std::size_t share = (targets.count + numRanges - 1) / numRanges;
+    threads->run(targets.count,
+                 std::min(wantsVariances ? columnsPerRange : targetsPerRange, kernels::roundUpToStrip(share)),
+                 [&](std::size_t, std::size_t first, std::size_t end)
+                 {
+                     Request request(*this, targets, results);
+                     if (wantsVariances)
+                         request.estimateWithVariances(first, end - first);
+                     else
+                         request.estimate(first, end - first);
+                 });
 }
 
 void CovarianceEstimator::raiseBound(double targetBound) const

@@ -32,8 +32,8 @@ public:
     static constexpr double largestBound = 1e-9;
 
     /// Null where this engine does not apply; reason then says why, in the words of a report. parts: of these settings,
-    /// which use all points. numThreads: for building and for requests; 0: as many as there are processors. Throws
-    /// std::bad_alloc.
+    /// which use all points. numThreads: for building and for requests; 0: the cores that this process may use.
+    /// Throws std::bad_alloc.
     static std::unique_ptr<CovarianceEstimator> makeWhereProven(const std::shared_ptr<const ModelParts>& parts,
                                                                 const ModelSettings& settings, int numThreads,
                                                                 std::string& reason);

@@ -150,7 +150,7 @@ void CovarianceInverse::calcBlock(const std::vector<std::size_t>& points, Matrix
         rows.push_back(rowOfPoint[points[i]]);
     const UnitColumns columns(system, rows);
 
-    const std::size_t rowLength = kernels::roundUpToWidth(points.size());
+    const std::size_t rowLength = kernels::roundUpToStrip(points.size());
     ElementStore products; // of columns in their order, where the row's group is not before the column's
     products.allocate(rowLength * rowLength);
     std::fill_n(products.data(), rowLength * rowLength, 0.0);

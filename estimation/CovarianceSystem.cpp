@@ -51,8 +51,7 @@ std::vector<const double*> pointersTo(const std::vector<std::vector<double>>& co
 CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : parts(parts_), driftOrder(driftOrder_)
 {
     const SurrogateModelDataBlock& block = parts.getDataBlock();
-    for (const Normalizer& normalizer : parts.getNormalizers())
-        scales.push_back(normalizer.getScale());
+    scales.resize(parts.getNormalizers().size());
     model = parts.getSemivariogram().getKernelModel(scales.data());
     const std::vector<SourcePointRef>& unordered = parts.getPoints();
     points.reserve(unordered.size());
@@ -79,7 +78,7 @@ CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : 
 
     numDriftTerms = static_cast<std::size_t>(countDriftTerms(driftOrder, scales.size())) + 1;
     triangle.numPositive = kernels::roundUpToTile(points.size());
-    triangle.numRows = triangle.numPositive + kernels::roundUpToWidth(numDriftTerms);
+    triangle.numRows = triangle.numPositive + kernels::roundUpToStrip(numDriftTerms);
 }
 
 std::string CovarianceSystem::findObstacle() const
@@ -98,23 +97,21 @@ bool CovarianceSystem::factorise(ParallelRanges& threads)
     workspace.allocate(kernels::choleskyWorkspaceSize(triangle.numRows));
     triangle.cells = cells.data();
 
+    // Larger tiles first. A system too small to share is one range.
+    const bool isShared = triangle.numRows >= minSharedRows;
     const std::size_t numTiles = triangle.numPositive / triangleTileRows;
-    if (triangle.numRows < minSharedRows)
-    {
-        for (std::size_t tile = 0; tile < numTiles; ++tile)
-            assembleTile(tile);
-    }
-    else // the largest first
-        threads.run(numTiles, 1, [&](std::size_t, std::size_t i, std::size_t) { assembleTile(numTiles - 1 - i); });
+    threads.run(numTiles, isShared ? 1 : numTiles,
+                [&](std::size_t, std::size_t first, std::size_t end)
+                {
+                    for (std::size_t i = first; i < end; ++i)
+                        assembleTile(numTiles - 1 - i);
+                });
     assembleBorder();
 
     kernels::SharedCholesky shared;
     kernels::prepareSharedCholesky(shared, triangle, workspace.data());
-    if (triangle.numRows < minSharedRows)
-        kernels::workOnSharedCholesky(shared);
-    else
-        threads.run(threads.getNumThreads(), 1,
-                    [&shared](std::size_t, std::size_t, std::size_t) { kernels::workOnSharedCholesky(shared); });
+    threads.run(isShared ? threads.getNumThreads() : 1, 1,
+                [&shared](std::size_t, std::size_t, std::size_t) { kernels::workOnSharedCholesky(shared); });
     if (!shared.failed)
         return true;
     cells.allocate(0);

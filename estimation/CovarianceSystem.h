@@ -13,7 +13,7 @@
 namespace fenn
 {
 class ModelParts;
-}
+} // namespace fenn
 
 namespace fenn::estimation
 {
@@ -91,7 +91,7 @@ private:
     const ModelParts& parts;
     const int driftOrder;
     std::vector<double> scales;
-    kernels::SphericalModel model{}; // refers to the scales
+    kernels::SphericalModel model; // refers to the scales
     std::vector<std::size_t> positions;
     std::vector<SourcePointRef> points;
     std::vector<std::vector<double>> coordinates; // one column per input variable

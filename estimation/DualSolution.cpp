@@ -24,6 +24,7 @@ constexpr int maxCorrections = 3;
 
 // Below this a second thread costs more to start than it takes over.
 constexpr std::size_t minSharedPoints = 256;
+constexpr std::size_t stripsPerRange = 4;
 
 // Columns for the norm of the inverse: four at least, and what a strip has room for beside the outputs.
 constexpr std::size_t minNormColumns = 4;
@@ -143,28 +144,23 @@ private:
     void calcResidual()
     {
         const std::size_t numPointStrips = (numPoints + stripWidth - 1) / stripWidth;
-        const auto calcStrip = [this](std::size_t strip)
-        {
-            calcResidualOfPoints(stripWidth * strip);
-        };
-        if (numPoints < minSharedPoints)
-        {
-            for (std::size_t strip = 0; strip < numPointStrips; ++strip)
-                calcStrip(strip);
-        }
-        else
-            threads.run(numPointStrips, 1, [&](std::size_t, std::size_t strip, std::size_t) { calcStrip(strip); });
+        threads.run(numPointStrips, numPoints < minSharedPoints ? numPointStrips : stripsPerRange,
+                    [this](std::size_t, std::size_t first, std::size_t end)
+                    {
+                        for (std::size_t strip = first; strip < end; ++strip)
+                            calcResidualOfPoints(stripWidth * strip);
+                    });
         calcResidualOfDrift();
     }
 
     void calcResidualOfPoints(std::size_t first)
     {
         const std::size_t count = std::min(stripWidth, numPoints - first);
-        const std::size_t numDriftTerms = system.getNumDriftTerms();
+        const std::size_t numTerms = system.getNumDriftTerms();
         const std::size_t numInputVars = system.getModel().numInputVars;
         std::vector<double> targets(stripWidth * numInputVars);
         std::vector<double> scratch(targets.size());
-        std::vector<double> drift(stripWidth * numDriftTerms);
+        std::vector<double> drift(stripWidth * numTerms);
         std::vector<double> sums(2 * stripWidth * numOutputs);
         double* highs = sums.data();
         double* lows = sums.data() + stripWidth * numOutputs;
@@ -184,7 +180,7 @@ private:
             {
                 double& sum = highs[stripWidth * o + t];
                 double& errors = lows[stripWidth * o + t];
-                for (std::size_t k = 0; k < numDriftTerms; ++k)
+                for (std::size_t k = 0; k < numTerms; ++k)
                     subtractProduct(sum, errors, drift[stripWidth * k + t], coefficients_[k]);
                 residual[o * numRows + first + t] = sum + errors;
             }
@@ -193,12 +189,12 @@ private:
 
     void calcResidualOfDrift()
     {
-        const std::size_t numDriftTerms = system.getNumDriftTerms();
+        const std::size_t numTerms = system.getNumDriftTerms();
         std::vector<double> targets(stripWidth * system.getModel().numInputVars);
         std::vector<double> scratch(targets.size());
-        std::vector<double> drift(stripWidth * numDriftTerms);
-        std::vector<double> highs(numOutputs * numDriftTerms);
-        std::vector<double> lows(numOutputs * numDriftTerms);
+        std::vector<double> drift(stripWidth * numTerms);
+        std::vector<double> highs(numOutputs * numTerms);
+        std::vector<double> lows(numOutputs * numTerms);
         for (std::size_t first = 0; first < numPoints; first += stripWidth)
         {
             system.gatherPoints(first, targets.data());
@@ -206,13 +202,12 @@ private:
             for (std::size_t t = 0; t < std::min(stripWidth, numPoints - first); ++t)
             {
                 for (std::size_t sum = 0; sum < highs.size(); ++sum)
-                    subtractProduct(highs[sum], lows[sum], drift[stripWidth * (sum % numDriftTerms) + t],
-                                    getSolution(sum / numDriftTerms)[first + t]);
+                    subtractProduct(highs[sum], lows[sum], drift[stripWidth * (sum % numTerms) + t],
+                                    getSolution(sum / numTerms)[first + t]);
             }
         }
         for (std::size_t sum = 0; sum < highs.size(); ++sum)
-            residual[sum / numDriftTerms * numRows + system.getFirstDriftRow() + sum % numDriftTerms] =
-                highs[sum] + lows[sum];
+            residual[sum / numTerms * numRows + system.getFirstDriftRow() + sum % numTerms] = highs[sum] + lows[sum];
     }
 
     const CovarianceSystem& system;

@@ -10,7 +10,7 @@
 namespace fenn
 {
 class ModelParts;
-}
+} // namespace fenn
 
 namespace fenn::estimation
 {

@@ -53,7 +53,7 @@ void estimateFinite(const Estimator& estimator, const Targets& request, bool wan
         estimator.estimate(request, results);
 }
 
-/// Moves the entries of a column to these rows of a longer one, NaN between them.
+/// Spreads the entries of a column over the given rows of a longer one; the other rows become NaN.
 void spread(std::vector<double>& column, const std::vector<std::size_t>& rows, std::size_t numRows)
 {
     std::vector<double> all(numRows, std::numeric_limits<double>::quiet_NaN());

@@ -10,7 +10,7 @@ namespace fenn::estimation
 class Estimator;
 class SampleSet;
 
-/// What an estimator says of a list of points. NaN stands for "no estimate".
+/// An estimator's answers for a list of targets, in their order. NaN stands for "no estimate".
 struct Estimates
 {
     std::vector<std::vector<double>> values; // one column per output variable, raw units
@@ -23,7 +23,7 @@ struct Estimates
 std::size_t estimateAt(const Estimator& estimator, const std::vector<std::vector<double>>& targets, bool wantsVariances,
                        Estimates& estimates);
 
-/// The estimates, with variances, at the input values of the targets, whose outputs are not looked at.
+/// The estimates, with variances, at the input values of the samples; their outputs are not read.
 Estimates estimateAt(const Estimator& estimator, const SampleSet& targets);
 
 } // namespace fenn::estimation

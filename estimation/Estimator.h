@@ -28,12 +28,12 @@ struct Results
     double* variances = nullptr;    // null: not wanted; Kriging variance for a sill of 1, the same for every output
 };
 
-/// What an estimator is and did, for the report of whoever asked.
+/// Which engine answers and how far off it can be, for the caller's report.
 struct EngineReport
 {
     std::string engine;   // "exact", "covariance form" or "local"
     std::string sentence; // which engine answers, why, and how far its answers can be off
-    double bound = 0.0;   // proven on |estimate - exact one| of all targets so far, in sample standard deviations
+    double bound = 0.0;   // of |estimate - exact one| over all targets so far, proven, in sample standard deviations
     bool isExact = true;  // the plug-in's own bits
 };
 

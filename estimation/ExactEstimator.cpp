@@ -15,8 +15,8 @@
 namespace fenn::estimation
 {
 
-/// Answers one target of a global model by the single forms of the Kriging system, whose bits a request of many has
-/// too. Samples do not change under an estimator, so their coordinates are gathered once.
+/// Answers one target of a global model by the single forms of the Kriging system; a request of many targets has the
+/// same bits. Samples do not change under an estimator, so their coordinates are gathered once.
 class ExactEstimator::CallingThread
 {
 public:

@@ -13,14 +13,14 @@ class KrigingControllerAbstract;
 namespace fenn::estimation
 {
 
-/// The plug-in's own way, by its own controllers: what a host gets that builds a KrigingSurrogateModel of the same
-/// samples and settings and asks it, to the bit, with the Kriging variances that such a host cannot ask for.
+/// Answers by the plug-in's own controllers. Estimates have the bits that a KrigingSurrogateModel of the same samples
+/// and settings gives to a host. Kriging variances, which a host cannot ask for, come with them.
 class ExactEstimator final : public Estimator
 {
 public:
     /// parts: of these settings. numThreads: for building a global model and answering its requests; 0 leaves it to the
-    /// plug-in. reason: why it is this engine that answers, for the report; may be empty.
-    /// Throws as the constructor of KrigingSurrogateModel.
+    /// plug-in. reason: why this engine was chosen, for the report; may be empty. Throws as the constructor of
+    /// KrigingSurrogateModel.
     ExactEstimator(std::shared_ptr<const ModelParts> parts_, const ModelSettings& settings, int numThreads,
                    const std::string& reason);
     ~ExactEstimator() override;
@@ -34,7 +34,7 @@ private:
 
     std::set<int> outputVars; // all of them
     std::unique_ptr<KrigingControllerAbstract> controller;
-    std::unique_ptr<CallingThread> callingThread; // null for a local model, which uses no other one anyway
+    std::unique_ptr<CallingThread> callingThread; // null for a local model, which uses no pool
     EngineReport report;
 };
 

@@ -14,8 +14,8 @@ class ModelParts;
 namespace fenn::estimation
 {
 
-/// The points of a model with an index for those near to a target: nearness is that of the model, by distances between
-/// normalised inputs. Coordinates and outputs are copied into the order of the index, where near points stand together.
+/// The points of a model with a search index. Distances are those of normalised inputs. Coordinates and outputs are
+/// copied in the order of the index, which keeps near points together in memory.
 ///
 /// Refers to the parts, which must outlive it. Immutable after construction: any number of threads may use it.
 class IndexedPoints
@@ -23,8 +23,8 @@ class IndexedPoints
 public:
     explicit IndexedPoints(const ModelParts& parts_);
 
-    /// The nearest points to a target of raw coordinates. normalised: room for one value per input variable. Positions
-    /// are those of ModelParts::getPoints().
+    /// Finds the neighbours of a target; target: raw coordinates. normalised: room for one value per input variable.
+    /// Positions are those of ModelParts::getPoints().
     void find(const double* target, double* normalised, PointIndex::Neighbours& nearest) const;
 
     std::size_t getNumInputVars() const

@@ -13,7 +13,7 @@ namespace fenn::estimation
 namespace
 {
 
-// Targets that a thread takes at a time: some hundred microseconds of work, several times what waking a thread takes.
+// Targets that a thread takes at a time: some hundred microseconds of work, several times the cost of waking a thread.
 constexpr std::size_t rangeSize = 64;
 
 } // namespace

@@ -13,9 +13,9 @@ namespace fenn::estimation
 class LocalSystems;
 class ParallelRanges;
 
-/// Answers each target from its nearest points in normalised inputs, on several threads. The points are found by an
-/// index, the systems over them have the bits of the plug-in's: what differs from its local model is which points are
-/// near. The plug-in measures every input in units of the first one's scale.
+/// Answers each target from its neighbours, on several threads. The system over the neighbours is solved to the
+/// plug-in's bits. What differs from the plug-in's local model is the choice of neighbours: here by distances of
+/// normalised inputs, there with every input scaled as the first one.
 class LocalEstimator final : public Estimator
 {
 public:

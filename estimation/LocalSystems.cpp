@@ -19,10 +19,11 @@ namespace
 
 constexpr std::size_t width = kernels::numSideBySide;
 
-// Fewer targets are answered one by one: eight systems side by side take as long as three alone.
+// Fewer targets than this are answered one by one: eight systems side by side take as long as three alone.
 constexpr std::size_t minTogether = 3;
 
-// Beyond, eight systems leave the cache of a core, and one alone has the rate of large matrices.
+// With more rows eight systems no longer fit into the cache of a core, and one alone reaches the speed of large
+// matrices.
 constexpr std::size_t maxRowsTogether = 128;
 
 constexpr std::size_t noPoint = std::numeric_limits<std::size_t>::max();
@@ -167,7 +168,7 @@ void LocalSystems::gather()
     }
 }
 
-/// The rows and columns behind the semivariogram's, drift terms and ones, and their part of the right-hand side.
+/// The rows and columns after those of the points: drift terms and ones, in the systems and the right-hand sides.
 void LocalSystems::writeConstraints()
 {
     const std::size_t numConstraints = numRows - numNeighbours;
@@ -238,7 +239,7 @@ void LocalSystems::write(std::size_t first, std::size_t count, unsigned odd, con
 
 void LocalSystems::answerAlone(const Lane& lane, std::size_t t, const Results& results)
 {
-    // Distances overflowed. The plug-in would go on with whatever points stood in its list before.
+    // Distances overflowed. (The plug-in would continue with the points of the target before.)
     if (!lane.isComplete)
         throw SurrogateModelInterface::Error("Value overflow");
     system.assemble(lane.points, scratch);

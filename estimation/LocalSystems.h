@@ -15,9 +15,9 @@ namespace fenn::estimation
 
 class IndexedPoints;
 
-/// Answers targets from their nearest points, each by a Kriging system of its own: eight systems at a time, one in each
-/// lane of the vectors, with the bits and the failures of KrigingMatrix, which takes those that lanes cannot, one by
-/// one: a system with a failure, the last few targets, systems of very many points.
+/// Answers targets from their neighbours, each by a Kriging system of its own. Eight systems are solved at a time, one
+/// in each lane of the vectors, with the bits and the failures of KrigingMatrix. What does not suit lanes is solved by
+/// KrigingMatrix itself, one system at a time: systems that fail, the last few targets, systems of very many points.
 ///
 /// A workspace: one per thread. Refers to what it is given, which must outlive it.
 class LocalSystems
@@ -26,12 +26,13 @@ public:
     /// numNeighbours_: points per system. Throws as the constructor of KrigingMatrix.
     LocalSystems(const ModelParts& parts_, const IndexedPoints& points_, int driftOrder_, int numNeighbours_);
 
-    /// Targets first to end - 1. Throws the library's Error of the first target that fails: "Singular matrix", "Value
-    /// overflow", which is also that of a target whose distances overflow, so that fewer points than wanted are near.
+    /// Answers targets first to end - 1. Throws the library's Error of the first target that fails: "Singular matrix"
+    /// or "Value overflow". A target whose distances overflow has fewer neighbours than asked for, and throws "Value
+    /// overflow" too.
     void estimate(const Targets& targets, std::size_t first, std::size_t end, const Results& results);
 
-    /// The same for the points themselves, each at its own place from the nearest others. Positions first to end - 1 of
-    /// ModelParts::getPoints(), entries of the results likewise.
+    /// Leave-one-out: answers points first to end - 1 of ModelParts::getPoints(), each at its own coordinates from its
+    /// neighbours among the others. Results are at the same indices.
     void estimateWithoutEach(std::size_t first, std::size_t end, const Results& results);
 
 private:
@@ -58,7 +59,7 @@ private:
     int driftOrder;
     std::size_t numNeighbours;
     std::size_t numRows;
-    PointIndex::Neighbours nearest; // one more than wanted, for a point that is left out
+    PointIndex::Neighbours nearest; // one more than numNeighbours: leave-one-out drops one
     std::vector<double> normalised;
     std::vector<Lane> lanes;
 

@@ -24,7 +24,7 @@ MergedSamples findMergedSamples(const std::vector<std::vector<double>>& inputs, 
     std::vector<double*> arrays;
     for (const std::vector<double>& column : inputs)
         arrays.push_back(const_cast<double*>(column.data())); // the host contract's type; they are only read
-    // Positive factors are never refused, and merging does not look at scales.
+    // Positive scale factors are never refused, and merging does not read them.
     const ModelParts parts(arrays, {}, static_cast<int>(inputs.front().size()), tolerance,
                            std::vector<double>(inputs.size(), 1.0), 1.0, 0.0);
     return getMergedSamples(parts);

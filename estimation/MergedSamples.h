@@ -12,7 +12,7 @@ class ModelParts;
 namespace fenn::estimation
 {
 
-/// Which samples a model of some tolerance merges, and what that leaves.
+/// Which samples a duplicate tolerance merges, and how many points are left.
 struct MergedSamples
 {
     /// Entry k: the samples that the k-th averaged point stands for, ascending.
@@ -25,9 +25,9 @@ struct MergedSamples
 /// As the model merged them.
 MergedSamples getMergedSamples(const ModelParts& parts);
 
-/// As a model with this tolerance (a fraction of each input variable's range; negative or NaN: nothing) would merge
-/// them, whether or not the library makes a model of these samples at all. inputs: a column per input variable, equally
-/// long and not empty.
+/// What a model with this tolerance would merge, also for samples that no model can be built of. tolerance: fraction of
+/// each input variable's range; negative or NaN merges nothing. inputs: a column per input variable, equally long and
+/// not empty.
 MergedSamples findMergedSamples(const std::vector<std::vector<double>>& inputs, double tolerance);
 
 } // namespace fenn::estimation

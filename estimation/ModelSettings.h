@@ -7,8 +7,8 @@
 namespace fenn::estimation
 {
 
-/// The settings of a KrigingSurrogateModel, in the order and with the meaning of its constructor; as they stand here
-/// they are the defaults. A plain value.
+/// The settings of a KrigingSurrogateModel, in the order and with the meaning of its constructor. The initial values
+/// are the defaults. A plain value.
 struct ModelSettings
 {
     double duplicateTolerance = -1.0; // fraction of each input variable's range; negative merges nothing
@@ -21,17 +21,16 @@ struct ModelSettings
 
 bool operator==(const ModelSettings& a, const ModelSettings& b);
 
-/// Throws std::invalid_argument that names the setting and its value when it is outside what a model of numInputVars
-/// input variables can mean: a NaN tolerance, as many scale factors as variables or none, all of them finite, drift
-/// order 0 to 4, a finite range fraction of at least 0, nugget 0 to 1, no negative number of nearest points. Scale
-/// factors of 0 and other magnitudes that no model takes are left to the library's Error.
+/// Throws std::invalid_argument that names the setting and its value unless all of this holds: the tolerance is not
+/// NaN; there are no scale factors or one for each of the numInputVars input variables, all finite; the drift order is
+/// 0 to 4; the range fraction is finite and at least 0; the nugget is 0 to 1; the number of nearest points is not
+/// negative. Scale factors of 0 and other magnitudes that a model refuses are left to the library's Error.
 void checkSettings(const ModelSettings& settings, std::size_t numInputVars);
 
-/// Whether a model can scale an input variable automatically whose samples span this range: the library takes it
-/// neither for zero nor for infinite.
+/// Whether automatic scaling accepts an input variable whose samples span this range: above 1e-150 and below 1e150.
 bool isScalableRange(double range);
 
-/// Whether a model of so many points, counted after merging, uses all of them for every estimate.
+/// Whether a model of numPoints points, counted after merging, uses all of them for every estimate.
 bool usesAllPoints(const ModelSettings& settings, std::size_t numPoints);
 
 } // namespace fenn::estimation

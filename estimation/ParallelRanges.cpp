@@ -39,7 +39,7 @@ struct ParallelRanges::Job
                     failedAt = first;
                     failure = std::current_exception();
                 }
-                // Those below have all been handed out before this one, and are finished.
+                // All lower ranges were handed out earlier, and are run to their end.
                 hasFailed.store(true, std::memory_order_relaxed);
             }
         }
@@ -113,11 +113,11 @@ void ParallelRanges::startThreads(std::size_t numWanted)
     }
     catch (const std::system_error&)
     {
-        // Refused. The others do the work, and the next run tries again.
+        // Refused: the other threads do the work, and the next run tries again.
     }
     catch (const std::bad_alloc&)
     {
-        // No memory for a thread: the same.
+        // No memory for a thread: likewise.
     }
 }
 

@@ -12,32 +12,32 @@
 namespace fenn::estimation
 {
 
-/// Runs work over ranges of indices on the calling thread and on threads of its own, which are started when they are
-/// first of use and kept until this object goes.
+/// Runs work over ranges of indices on the calling thread and on threads of its own. These are started when first
+/// needed and end with this object.
 ///
-/// Ranges are handed out ascending. When some of them throw, the exception of the lowest range is passed on, whatever
-/// the threads did: no range below one that throws is ever left out. Where the system refuses threads, those that there
-/// are do the work, at worst the calling thread alone.
+/// Ranges are handed out ascending. When ranges throw, the exception of the lowest one is passed on, in whatever order
+/// threads ran them: every range below one that throws is run. Where the system refuses threads, the others do the
+/// work, at worst the calling thread alone.
 ///
-/// One run at a time, and none from within another.
+/// Runs must neither overlap nor nest.
 class ParallelRanges
 {
 public:
-    /// Does the indices first to end - 1. slot: below the number of threads; no two calls at the same time have the
-    /// same one, so that it may choose a workspace.
+    /// Works on indices first to end - 1. slot: below the number of threads, and different for calls that run at the
+    /// same time: each slot may have a workspace.
     using Work = std::function<void(std::size_t slot, std::size_t first, std::size_t end)>;
 
-    /// numThreads: with the calling one; 0: the cores that this process may use.
+    /// numThreads: includes the calling thread; 0: the cores that this process may use.
     explicit ParallelRanges(int numThreads);
     ParallelRanges(const ParallelRanges& other) = delete;
     ParallelRanges& operator=(const ParallelRanges& other) = delete;
     ~ParallelRanges();
 
-    /// The calling thread among them.
+    /// Includes the calling thread.
     std::size_t getNumThreads() const;
 
-    /// Covers the indices below count with ranges of rangeSize, at least 1, the last one shorter where they do not fit.
-    /// A single range is done on the calling thread, which has slot 0.
+    /// Covers the indices below count with ranges of rangeSize, at least 1, the last of which may be shorter. A single
+    /// range is done on the calling thread, which has slot 0.
     void run(std::size_t count, std::size_t rangeSize, const Work& work);
 
 private:

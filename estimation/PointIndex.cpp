@@ -40,9 +40,9 @@ PointIndex::Neighbours::Neighbours(std::size_t maxPts_)
 {
 }
 
-void PointIndex::Neighbours::makeRoom(std::size_t numVars)
+void PointIndex::Neighbours::makeRoom(std::size_t numCoords)
 {
-    const std::size_t size = kernels::treeSearchWorkspaceSize(numVars, maxPts);
+    const std::size_t size = kernels::treeSearchWorkspaceSize(numCoords, maxPts);
     if (size <= workspaceSize)
         return;
     workspaceSize = 0;
@@ -76,7 +76,7 @@ PointIndex::PointIndex(const Coords& coords, std::size_t numPts) : numVars(coord
     fillLeaves(coords);
 }
 
-/// Parts the points of some leaves at the middle leaf, along the variable in which they lie the farthest apart.
+/// Splits the points of some leaves at the middle leaf, along the variable in which they spread most.
 void PointIndex::divide(const Coords& coords, std::size_t firstLeaf, std::size_t endLeaf, std::vector<Key>& keys)
 {
     if (endLeaf - firstLeaf < 2)
@@ -163,7 +163,7 @@ void PointIndex::searchTree(const double* target, Neighbours& nearest) const
     nearest.numFound = count;
 }
 
-/// The definition. Allocates.
+/// The definition of what a search finds. Allocates.
 void PointIndex::lookAtEveryPoint(const double* target, Neighbours& nearest) const
 {
     std::vector<Neighbour> candidates;

@@ -11,12 +11,12 @@
 namespace fenn::estimation
 {
 
-/// Finds the points nearest to a target: the same ones in the same order as a look at every point, by a search tree.
+/// Finds the points nearest to a target by a search tree: the same points, in the same order, as an exhaustive search.
 ///
 /// Squared distances are sums over the variables, ascending, of (target - point)^2, every operation rounded once: those
 /// of NearestNeighborSearch with a scale of 1. Nearer is the lower distance and, at equal distance, the lower position.
-/// Points whose squared distance is not finite, and all points for a target that is not, are never found. The tree only
-/// tells which points need not be looked at.
+/// A point whose squared distance is not finite is never found, nor is any for a target that is not finite. The tree
+/// only rules points out: distances decide.
 ///
 /// Copies the coordinates. Immutable after construction: any number of threads may search, each with neighbours of its
 /// own.
@@ -35,8 +35,8 @@ public:
         }
     };
 
-    /// The at most maxPts nearest points of one search, nearest first, and what searches work in: reused, one allocates
-    /// nothing for an index of as many variables.
+    /// What a search found, at most maxPts points, nearest first, and its workspace. Reuse it: further searches in as
+    /// many variables allocate nothing.
     class Neighbours
     {
     public:
@@ -54,7 +54,7 @@ public:
     private:
         friend class PointIndex;
 
-        void makeRoom(std::size_t numVars);
+        void makeRoom(std::size_t numCoords);
 
         std::size_t maxPts;
         std::size_t numFound = 0;
@@ -71,8 +71,8 @@ public:
     /// target: one coordinate per variable.
     void find(const double* target, Neighbours& nearest) const;
 
-    /// Entry k: the position of the point at place k. Points near to each other stand near to each other in this order:
-    /// what is looked up for all neighbours of a target is best kept in it.
+    /// Entry k: the position of the point at place k. Near points stand near to each other in this order: data that is
+    /// read for all neighbours of a target is best stored in it.
     const std::vector<std::uint32_t>& getOrder() const;
 
 private:

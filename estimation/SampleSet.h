@@ -31,7 +31,7 @@ public:
     std::vector<double*> inputArrays() const;
     std::vector<double*> outputArrays() const;
 
-    /// Largest value of an input variable less the smallest; infinite where that overflows.
+    /// Largest value of an input variable minus the smallest; infinite on overflow.
     double calcInputRange(std::size_t inputVar) const;
 
     /// Unbiased variance of an output variable over all samples (denominator count - 1); NaN for a single sample.

@@ -32,7 +32,7 @@ public:
         const std::size_t numBoxes = (count + boxSize - 1) / boxSize;
         const Index middle = first + static_cast<std::ptrdiff_t>((numBoxes + 1) / 2 * boxSize);
         const std::vector<double>& values = columns[findLongestVariable(first, last)];
-        // A total order: which indices come into which half then depends on no library.
+        // A total order: which half an index falls into then depends on no standard library.
         std::nth_element(first, middle, last,
                          [&](std::size_t a, std::size_t b)
                          { return values[a] != values[b] ? values[a] < values[b] : a < b; });

@@ -7,9 +7,9 @@
 namespace fenn::estimation
 {
 
-/// The indices of points so that neighbours stand together: each run of boxSize indices, the last one perhaps shorter,
-/// fills a small box. All of them are halved, to whole boxes, at the median of the variable along which they reach
-/// farthest, and the halves likewise; in a box they ascend. Depends on nothing but the values.
+/// An order of points in which near ones stand together: each run of boxSize indices (the last may be shorter) covers a
+/// small box. Made by bisection: the points are split at the median of their widest variable, rounded to whole boxes,
+/// then each half likewise. Indices in a box ascend. A pure function of the values.
 ///
 /// columns: one per variable, equally long, finite. scales: one factor per variable.
 std::vector<std::size_t> orderInSpace(const std::vector<std::vector<double>>& columns,

@@ -9,7 +9,7 @@
 namespace fenn::estimation
 {
 
-/// Owns strips of right-hand sides, eight columns side by side each, of undefined value at first.
+/// Owns strips of right-hand sides, each of eight columns side by side. Values are undefined until written.
 class StripStore
 {
 public:

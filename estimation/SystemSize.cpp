@@ -35,7 +35,7 @@ double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int drif
 double calcCovarianceBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder)
 {
     const auto numDriftTerms = static_cast<std::size_t>(countDriftTerms(driftOrder, numInputVars)) + 1;
-    const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToWidth(numDriftTerms);
+    const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToStrip(numDriftTerms);
     const std::size_t size = kernels::PackedTriangle::sizeFor(numRows) + kernels::choleskyWorkspaceSize(numRows);
     return sizeof(double) * static_cast<double>(size);
 }

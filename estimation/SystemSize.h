@@ -13,7 +13,7 @@ int countDriftTerms(int driftOrder, std::size_t numInputVars);
 void checkPointsSuffice(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
 
 /// Bytes that one exact system over this many points takes, its workspace included: a square of doubles over the
-/// points, the drift terms and one constraint, and what the library copies aside while it factorises.
+/// points, the drift terms and one constraint, and the copies that the factorisation makes.
 double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
 
 /// Bytes that the covariance form of a model over this many points takes: one triangle of doubles over the points and

@@ -116,7 +116,7 @@ int availableCores()
 {
     std::ifstream file("/proc/self/cgroup");
     const std::string membership{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    // Rounded up: the last, shared core is worth a thread, for work is handed out in small ranges.
+    // Rounded up: a fraction of a core is worth a thread, because work is handed out in small ranges.
     const double granted = std::ceil(grantedCores(membership, "/sys/fs/cgroup"));
     const int cores = std::max(coresOfAffinity(), 1);
     return granted < cores ? std::max(static_cast<int>(granted), 1) : cores;

@@ -13,9 +13,9 @@ int availableCores();
 /// numThreads where it is above 0, otherwise availableCores().
 int chooseThreadCount(int numThreads);
 
-/// Processor time over elapsed time that the control groups of this process grant, infinity without a limit: the least
-/// of its group and those around it, of either version of control groups. membership: the text of /proc/self/cgroup;
-/// root: where control groups are mounted. What cannot be read sets no limit.
+/// The cores that the control groups of this process grant, as processor time over elapsed time: the least of its own
+/// group and the enclosing ones, of both versions of control groups; infinity without a limit. membership: the text of
+/// /proc/self/cgroup; root: where control groups are mounted. What cannot be read sets no limit.
 double grantedCores(const std::string& membership, const std::string& root);
 
 } // namespace fenn::estimation

@@ -14,10 +14,10 @@ namespace fenn::estimation
 struct EstimatorOptions
 {
     int numThreads = 0;   // 0: the cores that this process may use
-    bool isExact = false; // the plug-in as a host would call it, to the bit
+    bool isExact = false; // true: the plug-in's own bits
 
-    /// Called with the bytes that the exact engine's system takes (calcSystemBytes) before that engine stands in for
-    /// the covariance form, which takes half of that or less; what it throws is passed on. May be empty.
+    /// Called before the exact engine takes the place of the covariance form, which needs half the memory or less.
+    /// bytes: those of the exact engine's system (calcSystemBytes). What it throws is passed on. May be empty.
     std::function<void(double bytes)> checkStandIn{};
 };
 

@@ -14,8 +14,8 @@ class ModelParts;
 namespace fenn::estimation
 {
 
-/// Normalizers, limits, points after merging and semivariogram of the model of these samples: nothing is factorised and
-/// no room is made for a system. They refer to the samples, which must outlive them.
+/// Normalizers, limits, points after merging and semivariogram of the model of these samples: no system is allocated or
+/// factorised. The parts refer to the samples, which must outlive them.
 ///
 /// Throws as checkSettings, the library's Error for scale factors and ranges that it refuses, and std::bad_alloc.
 std::shared_ptr<const ModelParts> makeModelParts(const SampleSet& samples, const ModelSettings& settings);

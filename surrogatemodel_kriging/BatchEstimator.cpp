@@ -115,7 +115,7 @@ void BatchEstimator::fill(Group& group, const Arrays& targetCoords)
     {
         for (std::size_t v = 0; v < inputs.points.getNumInputVars(); ++v)
         {
-            // Lanes without a target repeat the last one: what is computed there is thrown away.
+            // Lanes without a target repeat the last one; their results are discarded.
             for (int t = 0; t < laneCount; ++t)
                 lanes[v * stripWidth + toIndex(t)] =
                     targetCoords[v][group.firstTarget + std::min(first + t, group.numTargets - 1)];

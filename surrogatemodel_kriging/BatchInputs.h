@@ -13,8 +13,8 @@
 namespace fenn
 {
 
-/// What all batches of a request have in common, in the order of the system's rows: gathered once for each request, so
-/// that what the host changed since the last one is seen. Any number of threads may read it.
+/// What all batches of a request share, in the order of the system's rows. Gathered anew for each request, so that it
+/// sees what the host changed since the last one. Any number of threads may read it.
 struct BatchInputs
 {
     /// krigingMatrix: factorised, over sourcePts. normalizerOf: gives each output's centring offset.

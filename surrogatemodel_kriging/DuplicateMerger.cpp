@@ -16,8 +16,8 @@ namespace
 
 using PointIterator = DuplicateMerger::PointIterator;
 
-/// Sorts the points ascending by valueOf and calls mergeRun(first, last) for every chain of two or more neighbours that
-/// lie at most threshold apart, in ascending order.
+/// Sorts the points ascending by valueOf and calls mergeRun(first, last), ascending, for every chain of two or more
+/// points of which each lies at most threshold from the one before.
 ///
 /// The sort is stable and puts NaN last: which points meet, and the order in which a group's values are summed, then
 /// depend on the samples alone. A NaN difference or threshold ends a chain, so a NaN coordinate joins none.
@@ -35,7 +35,7 @@ void splitIntoChainedRuns(PointIterator first, PointIterator last, double thresh
     for (std::size_t i = 0; i < count;)
     {
         std::size_t runEnd = i + 1;
-        // Compared with the neighbour before, never with the first of the run: chaining is intended.
+        // Compared with the point before, never with the first of the run: chaining is intended.
         while (runEnd < count && std::fabs(points[runEnd].value - points[runEnd - 1].value) <= threshold)
             ++runEnd;
         if (runEnd - i > 1)

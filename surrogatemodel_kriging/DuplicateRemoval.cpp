@@ -8,7 +8,7 @@ void SurrogateModelDataBlock::removeDuplicatePts(double tolerance)
     fenn::DuplicateMerger(*this, tolerance, nullptr).merge();
 }
 
-// An exported symbol, so it stays, although removeDuplicatePts reaches the same rule without it.
+// Kept because its symbol is exported: removeDuplicatePts uses the same rule without it.
 void SurrogateModelDataBlock::findDuplicatePts(const SourcePointIterator& first, const SourcePointIterator& last,
                                                int inputVar, double tolerance)
 {

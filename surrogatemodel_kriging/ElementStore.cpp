@@ -33,7 +33,7 @@ void ElementStore::allocate(std::size_t count)
     alignment = large ? hugePage : cacheLine;
     elements = static_cast<double*>(::operator new (numBytes, std::align_val_t{alignment}));
 #ifdef __linux__
-    // A wish only: without huge pages everything works the same, a little later.
+    // Only a request: without huge pages everything works the same, a little slower.
     if (large)
         madvise(elements, numBytes, MADV_HUGEPAGE);
 #endif

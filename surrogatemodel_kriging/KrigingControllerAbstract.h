@@ -8,8 +8,8 @@
 
 class SurrogateModelDataBlock;
 
-/// A strategy that answers a model's requests, and what both strategies share: the samples, the chosen output variables
-/// and one centring offset per output variable.
+/// A way to answer a model's requests, with what all of them need: the data block, the chosen output variables and one
+/// centring offset per output variable.
 ///
 /// Refers to the data block, which must outlive it. setOutputVars must not run beside interpolate.
 class KrigingControllerAbstract

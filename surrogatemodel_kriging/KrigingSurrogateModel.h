@@ -22,8 +22,8 @@ class ModelAccess;
 ///
 /// Estimates are the weighted sums of sample outputs whose weights solve the universal Kriging system in semivariogram
 /// form (G. Matheron, "Le krigeage universel", 1969; N. Cressie, Statistics for Spatial Data, Wiley, 1993, chapter 3).
-/// Globally, one system over all samples is factorised at construction and shared by all targets; locally, one system
-/// over the nearest samples is solved per target. Inputs are normalised per variable; nothing is fitted to the samples.
+/// Globally, one system over all points is factorised at construction and shared by all targets; locally, one system
+/// over its neighbours is solved per target. Inputs are normalised per variable; nothing is fitted to the samples.
 ///
 /// The host's value arrays are referred to, not copied: they must outlive the model. Sample coordinates and outputs
 /// are read anew by each request.
@@ -46,7 +46,8 @@ public:
     /// normalised range of 2k; a common factor then brings the geometric mean of extreme normalised ranges to 2.
     /// driftOrder: 0 (constant mean, ordinary Kriging) to 4; more acts as 4.
     /// rangeFraction: semivariogram range over the diagonal of the normalised sample box. nugget: with sill 1.
-    /// numNearestPoints: 0, or at least the number of samples: global; otherwise the samples per local system.
+    /// numNearestPoints: 0, or at least the number of points after merging: global; otherwise the points per local
+    /// system.
     ///
     /// Throws Error with "Scaling factor too large", "Scaling factor too small", "Value range too small to normalize
     /// data", "Not enough source points for kriging.", "Not enough source points to calculate drift." or, globally,

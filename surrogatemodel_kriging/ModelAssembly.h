@@ -13,14 +13,14 @@ class SurrogateModelDataBlock;
 namespace fenn
 {
 
-// The steps by which a model's parts are put together. KrigingSurrogateModel takes them in its constructor, into
-// members that the host's contract lays down; ModelParts takes the same ones for everything above the plug-in.
+// The steps that put a model's parts together. The constructor of KrigingSurrogateModel takes them, into its own
+// members; ModelParts takes the same ones for everything above the plug-in.
 
-/// The arrays whose limits are measured: those of the host, or, as a host without samples need not have any values,
-/// one zero for each variable.
+/// The arrays whose limits are measured: the host's, or, without samples, when these may be missing, one zero for each
+/// variable.
 std::vector<double*> arraysToMeasure(const std::vector<double*>& inputValueArrays, int numPoints);
 
-/// The given factors, or -1 for every input variable where none are given.
+/// The given factors, or -1 for every input variable if there are none.
 std::vector<double> scaleFactorsOrAutomatic(const std::vector<double>& scaleFactors, std::size_t numInputVars);
 
 /// Measures the limits of the input variables and derives their normalizers; see the constructor of

@@ -14,9 +14,8 @@ class SurrogateModelDataBlock;
 namespace fenn
 {
 
-/// Everything of a model but the system that answers targets: limits and normalizers of the inputs, the data block with
-/// merged points, the semivariogram. The one way in which they are put together, by the plug-in's model and by
-/// everything above it.
+/// A model without the system that answers targets: limits and normalizers of the inputs, the data block with merged
+/// points, the semivariogram. Everything above the plug-in gets them here, put together as by the plug-in's own model.
 ///
 /// Refers to the host's value arrays, which must outlive it. Immutable after construction: any number of threads may
 /// read it.
@@ -36,7 +35,7 @@ public:
     const std::vector<Normalizer>& getNormalizers() const;
     const SurrogateModelDataBlock& getDataBlock() const;
 
-    /// Not const, for controllers take it so; it has no operation that changes it.
+    /// Not const because controllers take it so; no operation changes it.
     SphericalSemivariogram& getSemivariogram() const;
 
     /// The unblanked points, block by block, ascending: entry i owns row i of a global system.

@@ -20,7 +20,8 @@ void NPtsKrigingController::interpolate(const std::vector<double*>& targetCoords
     const auto numInputVars = static_cast<std::size_t>(dataBlock->getNumInputVars());
     std::vector<double> rhs(dimension);
     std::vector<double> rhsCopy(variances.empty() ? 0 : dimension);
-    // Entries that a search does not fill keep what they hold and are used: the first point, or the last target's.
+    // A search may fill fewer entries. The others keep the points of the target before, or the first point, and are
+    // used.
     std::vector<SourcePointRef> neighbours(static_cast<std::size_t>(numNeighbours));
     std::vector<double> coords(numInputVars);
     std::vector<double> scratch(numInputVars);

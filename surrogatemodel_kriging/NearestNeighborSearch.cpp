@@ -15,7 +15,7 @@ namespace
 using fenn::kernels::Candidate;
 using fenn::kernels::minimaPerGroup;
 
-// More groups than this only make their minima overflow the cache: groups then grow.
+// With more groups their minima no longer fit into the cache: larger blocks have larger groups instead.
 constexpr std::size_t maxNumGroups = 1024;
 
 // DELIBERATE: the largest double itself is too far. Test:
@@ -40,8 +40,9 @@ struct IsNearer // a function would not be inlined into the sort
     }
 };
 
-/// The scan for one target. The smallest distances in groups of points tell a bound that about as many points as are
-/// asked for do not exceed; the few groups that reach it are looked at again for these points.
+/// The scan for one target. The smallest distances in groups of points give a bound within which about as many points
+/// lie as are wanted. The groups that have points within the bound are then searched for them; where these are too few,
+/// the bound is raised.
 class Scan
 {
 public:
@@ -63,7 +64,7 @@ public:
         numNearest = std::min(toIndex(maxPts), numPts);
         makeRoom();
         forEachBlock([this](int) { fenn::kernels::groupMinima(points, minima); });
-        // Blanked points have minima too: the more there are, the more points must be within the bound.
+        // Blanked points count in the minima too: the more there are, the more points must be within the bound.
         const auto numUnblanked = toIndex(std::max(dataBlock.getTotalNumUnblankedPoints(), 1));
         std::size_t rank = numNearest * numPts / numUnblanked + 1;
         for (; rank <= folded.size() / 2 && list.count < numNearest; rank *= 4)

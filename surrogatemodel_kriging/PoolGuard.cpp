@@ -325,7 +325,7 @@ void PoolGuard::startTask(const std::shared_ptr<PoolJob>& job, int task, const M
     static_cast<void>(made.release()); // the pool's, and perhaps already deleted
 }
 
-/// Where no threads are to be expected, none are asked for.
+/// No threads are asked for where the system is likely to refuse them.
 bool PoolGuard::mayStart(int numTasks) const
 {
     if (numTasks < 1 || !hasMemoryForThreads(numTasks))

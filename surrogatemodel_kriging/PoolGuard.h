@@ -22,8 +22,8 @@ std::unique_ptr<QThreadPool> makeThreadPool(int maxThreads);
 /// Starts tasks on a pool and waits for them, in a process where threads and memory may run out.
 ///
 /// When the system refuses a thread, Qt's pool says nothing: it counts the thread as busy for ever and keeps the task
-/// that the thread was to run. Who waits for that task, the pool's destructor included, waits for ever. So a task that
-/// has not begun is in one of three states:
+/// that the thread was to run. Waiting for that task, as the pool's destructor does, never ends. So a task that has not
+/// begun is in one of three states:
 ///
 /// 1. Given. It is in the pool's queue, or a thread is about to run it. While threads of the pool are at work, and
 ///    begin tasks in the order in which they were given, the pool is merely busy: the calling thread waits.
@@ -34,7 +34,7 @@ std::unique_ptr<QThreadPool> makeThreadPool(int maxThreads);
 ///    calling threads do all work. No pool of the process asks Qt for threads before it has made as many of its own,
 ///    whose failure is told.
 ///
-/// Nor is Qt asked where there is no memory for threads: there it would end the process.
+/// Nor is Qt asked for threads without the memory for them: it would end the process.
 ///
 /// Between calls the pool holds no threads, unless tasks are overdue. Any number of threads may call run at once.
 class PoolGuard

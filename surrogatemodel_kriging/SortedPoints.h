@@ -8,7 +8,7 @@
 namespace fenn
 {
 
-/// A point and its value of one input variable, so that sorting does not reach for the samples.
+/// A point and its value of one input variable: sorting reads nothing else.
 struct PointWithValue
 {
     double value;

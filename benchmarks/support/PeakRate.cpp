@@ -103,7 +103,7 @@ double bestRate(const Operation& operation)
 {
     alignas(64) double result[8];
     double best = 0.0;
-    for (int repeat = 0; repeat < 40; ++repeat)
+    for (int repeat = 0; repeat < 6; ++repeat)
     {
         const double begin = threadSeconds();
         const double operations = operation(std::size_t{1} << 17, result);

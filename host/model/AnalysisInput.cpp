@@ -17,10 +17,10 @@ fenn::estimation::SampleSet toSampleSet(const SampleTable& samples)
 }
 
 void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                  const std::string& circumstance, const std::function<void()>& work)
+                  const std::string& circumstance, const std::function<void()>& work, bool isExact)
 {
     // Of the model of all samples: a fold's, or a trial's, is hardly smaller.
-    checkModelMemory(samples, settings, findAvailableBytes());
+    checkModelMemory(samples, settings, findAvailableBytes(), isExact);
     try
     {
         work();

@@ -19,8 +19,9 @@ fenn::estimation::SampleSet toSampleSet(const SampleTable& samples);
 /// Runs work and turns what the libraries throw into InputError, in words that name the file and the way out;
 /// UsageError for arguments that the analysis library refuses. Refuses, before any work, a model that is too large for
 /// the machine's memory. circumstance: stands before the explanation, e.g. "without one of 10 folds: "; may be empty.
+/// isExact: as for checkModelMemory.
 void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                  const std::string& circumstance, const std::function<void()>& work);
+                  const std::string& circumstance, const std::function<void()>& work, bool isExact = true);
 
 /// A callback that draws the line. It must not outlive the line.
 fenn::analysis::Progress reportTo(ProgressLine& line);

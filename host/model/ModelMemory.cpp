@@ -107,19 +107,19 @@ double findAvailableBytes()
 }
 
 void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                      double availableBytes)
+                      double availableBytes, bool isExact)
 {
-    const auto bytesFor = [&](std::size_t numPoints)
-    {
-        return fenn::estimation::calcSystemBytes(numPoints, samples.inputs.size(), settings.driftOrder);
-    };
+    const std::size_t numInputVars = samples.inputs.size();
     auto numPoints = static_cast<std::size_t>(samples.getNumSamples());
-    if (bytesFor(numPoints) <= availableBytes)
+    if (fenn::estimation::calcSystemBytes(numPoints, numInputVars, settings.driftOrder) <= availableBytes)
         return;
     if (settings.duplicateTolerance >= 0.0)
         numPoints = fenn::estimation::findMergedSamples(samples.inputs, settings.duplicateTolerance).numPoints;
     const bool local = !fenn::estimation::usesAllPoints(settings, numPoints);
-    const double bytes = bytesFor(local ? static_cast<std::size_t>(settings.numNearestPoints) : numPoints);
+    const std::size_t numInSystem = local ? static_cast<std::size_t>(settings.numNearestPoints) : numPoints;
+    const double bytes = local || isExact
+                             ? fenn::estimation::calcSystemBytes(numInSystem, numInputVars, settings.driftOrder)
+                             : fenn::estimation::calcCovarianceBytes(numInSystem, numInputVars, settings.driftOrder);
     if (bytes <= availableBytes)
         return;
     const std::string figures = " takes " + formatBytes(bytes) + " of memory and there are " +

@@ -14,9 +14,9 @@ namespace krige
 double findAvailableBytes();
 
 /// Throws InputError with the figures and the way out when the system of a model over these samples is larger than
-/// availableBytes.
+/// availableBytes. isExact: a global model's is the exact engine's and not the covariance form's, which takes half.
 void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                      double availableBytes);
+                      double availableBytes, bool isExact = true);
 
 /// "1.23 GB", "340 MB": decimal units, three figures.
 std::string formatBytes(double bytes);

@@ -5,6 +5,7 @@
 #include "estimation/chooseEstimator.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/ModelFailure.h"
+#include "host/model/ModelMemory.h"
 #include "host/text/HostErrors.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/ModelParts.h"
@@ -17,8 +18,14 @@ SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::Mo
                          const fenn::estimation::EstimatorOptions& options)
     : samples(samples_), settings(settings_), sampleSet(toSampleSet(samples_))
 {
-    runExplained(samples, settings, "",
-                 [&] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings, options); });
+    fenn::estimation::EstimatorOptions checked = options;
+    checked.checkStandIn = [this](double)
+    {
+        checkModelMemory(samples, settings, findAvailableBytes());
+    };
+    runExplained(
+        samples, settings, "", [&] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings, checked); },
+        options.isExact);
 }
 
 SampleModel::~SampleModel() = default;

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "surrogatemodel_kriging/kernels/PackedTriangle.h"
+#include "surrogatemodel_kriging/kernels/SolveKernels.h"
 
 namespace fenn::kernels
 {

@@ -20,16 +20,14 @@ namespace HWY_NAMESPACE
 namespace cholesky
 {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
 using dense::kLanes;
 using dense::StripLines;
 using dense::Tag;
 using dense::updateTile;
 using dense::Vec;
+namespace hn = dense::hn;
 
 constexpr std::size_t kTileRows = triangleTileRows;
-static_assert(kTileRows == maxTileRows);
 
 /// A strip's lines of the columns of a tile less the products with that tile's rows: line(c) -= factor(k, c) * line(k)
 /// for k ascending in [begin, end), whole eights.

@@ -3,25 +3,19 @@
 
 #include <cstddef>
 
-#include "surrogatemodel_kriging/kernels/SolveKernels.h"
+#include "surrogatemodel_kriging/kernels/Strips.h"
 
 namespace fenn::kernels
 {
 
 /// Rows of a tile of a packed triangle: as many as the multiplication of two strips takes at a time.
-constexpr std::size_t triangleTileRows = 24;
+constexpr std::size_t triangleTileRows = maxTileRows;
 constexpr std::size_t triangleTileStrips = triangleTileRows / stripWidth;
 
 /// count rounded up to whole tiles.
 constexpr std::size_t roundUpToTile(std::size_t count)
 {
     return (count + triangleTileRows - 1) / triangleTileRows * triangleTileRows;
-}
-
-/// count rounded up to whole strips.
-constexpr std::size_t roundUpToWidth(std::size_t count)
-{
-    return (count + stripWidth - 1) / stripWidth * stripWidth;
 }
 
 /// Lower triangle of a symmetric matrix, cut into tiles of 24 rows, each into three strips of eight. Strip s of tile t

@@ -3,19 +3,10 @@
 
 #include <cstddef>
 
+#include "surrogatemodel_kriging/kernels/SphericalModel.h"
+
 namespace fenn::kernels
 {
-
-/// A spherical semivariogram's constants; see SphericalSemivariogram.
-struct SphericalModel
-{
-    const double* scales; // one per input variable
-    std::size_t numInputVars;
-    double rangeSquared;
-    double nugget;
-    double shapeCoefficient;
-    double threeRangeSquared;
-};
 
 /// values[s * stride + t] of source s and target t, coordinate v of which is sources[v][s] or targets[v][t]:
 ///

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "surrogatemodel_kriging/kernels/SemivariogramKernels.h"
+#include "surrogatemodel_kriging/kernels/SphericalModel.h"
 
 /// Several small Kriging systems of one size, one in each of eight lanes: row i of column c of system t stands at
 /// columns[(c * numRows + i) * 8 + t]. Column numRows is the right-hand side. Lanes never meet: the bits of a system do

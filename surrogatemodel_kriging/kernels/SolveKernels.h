@@ -8,18 +8,6 @@
 namespace fenn::kernels
 {
 
-/// Strips that a group may hold.
-constexpr std::size_t maxGroupStrips = 4;
-
-/// Up to maxGroupStrips strips that are worked on together. Each is aligned to 64 bytes; they do not overlap. What one
-/// target holds never influences another: lanes without a target may hold anything.
-struct StripGroup
-{
-    double* strips = nullptr;
-    std::size_t stride = 0; // doubles from one strip to the next
-    std::size_t numStrips = 0;
-};
-
 /// Forward substitution with the unit lower triangle of the n factor rows: for i ascending from 0, b(i) -= a(i,k) b(k)
 /// for k ascending in [0, i), each product rounded before its subtraction. Nothing is skipped: a leading zero of b is
 /// multiplied like everything else.

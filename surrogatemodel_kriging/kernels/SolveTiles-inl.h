@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <type_traits>
 
-#include "surrogatemodel_kriging/kernels/SolveKernels.h"
+#include "surrogatemodel_kriging/kernels/Strips.h"
 #include "surrogatemodel_kriging/kernels/Unroll.h"
 #include "surrogatemodel_kriging/kernels/Vectors-inl.h"
 

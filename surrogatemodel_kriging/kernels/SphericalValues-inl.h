@@ -9,7 +9,7 @@
 #include <cstddef>
 
 #include "hwy/highway.h"
-#include "surrogatemodel_kriging/kernels/SemivariogramKernels.h"
+#include "surrogatemodel_kriging/kernels/SphericalModel.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace fenn::kernels

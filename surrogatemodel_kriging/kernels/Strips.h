@@ -18,6 +18,18 @@ constexpr std::size_t roundUpToStrip(std::size_t count)
     return (count + stripWidth - 1) / stripWidth * stripWidth;
 }
 
+/// Strips that a group may hold.
+constexpr std::size_t maxGroupStrips = 4;
+
+/// Up to maxGroupStrips strips that are worked on together. Each is aligned to 64 bytes; they do not overlap. What one
+/// target holds never influences another: lanes without a target may hold anything.
+struct StripGroup
+{
+    double* strips = nullptr;
+    std::size_t stride = 0; // doubles from one strip to the next
+    std::size_t numStrips = 0;
+};
+
 } // namespace fenn::kernels
 
 #endif

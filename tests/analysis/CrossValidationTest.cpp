@@ -26,7 +26,7 @@ TEST(CrossValidationTest, SamplesOfAFoldAreEstimatedByTheModelOfTheOthers)
     const ModelSettings settings{-1.0, {1.0, 2.0}, 1, 0.7, 0.1, 0};
     const std::vector<std::size_t> folds = assignFolds(23, 4, 9);
 
-    const Estimates estimates = crossValidate(samples, settings, 4, 9);
+    const Estimates estimates = crossValidate(samples, settings, 4, 9, {}, {0, true});
 
     for (std::size_t fold = 0; fold < 4; ++fold)
     {

@@ -109,20 +109,20 @@ TEST(SettingsCoordinatesTest, RawScalesBeyondTheLargestAnisotropyAreNotOffered)
     EXPECT_FALSE(SettingsCoordinates(narrow, SearchSpace()).withRawScales({}, settings));
 }
 
-TEST(SettingsCoordinatesTest, UnusualnessCountsEachDeparture)
+TEST(SettingsCoordinatesTest, TheNegativeLogPriorIsHalfTheSumOfSquaredDepartures)
 {
     const SettingsCoordinates coordinates(oblongSamples, SearchSpace());
     ModelSettings settings;
     settings.rangeFraction = 0.25; // half a power of 2 below the usual one
     settings.nugget = 0.16;        // its root 0.1 above
 
-    EXPECT_NEAR(coordinates.calcUnusualness(settings), 0.25 + 1.0, 1e-12);
+    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0), 1e-12);
     settings.driftOrder = 2;
-    EXPECT_NEAR(coordinates.calcUnusualness(settings), 0.25 + 1.0 + 2.0, 1e-12);
+    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0 + 2.0), 1e-12);
     settings.scaleFactors = {1.0, 1.0}; // raw units are as usual as automatic scales
-    EXPECT_NEAR(coordinates.calcUnusualness(settings), 0.25 + 1.0 + 2.0, 1e-12);
+    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0 + 2.0), 1e-12);
     settings.scaleFactors = {1.0, 2.0}; // log2 of the ratio is 1 above raw, 2 above automatic
-    EXPECT_NEAR(coordinates.calcUnusualness(settings), 0.25 + 1.0 + 2.0 + 1.0 / 0.09, 1e-12);
+    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0 + 2.0 + 1.0 / 0.09), 1e-12);
 }
 
 } // namespace

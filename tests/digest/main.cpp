@@ -72,7 +72,8 @@ int main(int argc, char** argv)
     try
     {
         printDigest("digest", {fenn::test::linearSystemCases(), fenn::test::sampleCases(), fenn::test::modelCases()});
-        printDigest("digest of the other engines", {fenn::test::localEngineCases(), fenn::test::covarianceEngineCases()});
+        printDigest("digest of the other engines",
+                    {fenn::test::localEngineCases(), fenn::test::covarianceEngineCases()});
     }
     catch (const std::exception& error)
     {

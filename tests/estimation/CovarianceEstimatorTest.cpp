@@ -351,7 +351,8 @@ TEST(CovarianceEstimatorTest, ATargetFarAwayRaisesTheBoundAndGetsItsAnswer)
 
 TEST(CovarianceEstimatorTest, TheReportNamesEngineAndBound)
 {
-    const auto report = build(makeSamples(2, 40, 1, 16), {-1.0, {}, 0, 1.0, 0.1, 0})->getReport();
+    const SampleSet samples = makeSamples(2, 40, 1, 16);
+    const auto report = build(samples, {-1.0, {}, 0, 1.0, 0.1, 0})->getReport();
 
     EXPECT_EQ(report.engine, "covariance form");
     EXPECT_FALSE(report.isExact);
@@ -412,7 +413,8 @@ TEST(CovarianceEstimatorTest, ABoundAboveTheLargestIsRefused)
 
 TEST(CovarianceEstimatorTest, NoTargetsWriteNothing)
 {
-    const auto estimator = build(makeSamples(2, 40, 1, 17), {});
+    const SampleSet samples = makeSamples(2, 40, 1, 17);
+    const auto estimator = build(samples, {});
     double none = 0.0;
     estimator->estimate({{nullptr, nullptr}, 0}, {{&none}, nullptr});
     estimator->estimate({{nullptr, nullptr}, 0}, {{&none}, &none});

@@ -5,6 +5,7 @@
 namespace
 {
 
+using fenn::estimation::calcCovarianceBytes;
 using fenn::estimation::calcSystemBytes;
 using fenn::estimation::countDriftTerms;
 
@@ -26,6 +27,13 @@ TEST(SystemSizeTest, ASystemTakesASquareOfDoublesAndAWorkspaceThatLosesWeightAsI
 TEST(SystemSizeTest, DriftTermsTakeRows)
 {
     EXPECT_GT(calcSystemBytes(100, 10, 4), 8.0 * 1100 * 1100);
+}
+
+TEST(SystemSizeTest, TheCovarianceFormTakesATriangleOfDoubles)
+{
+    EXPECT_GT(calcCovarianceBytes(15000, 2, 1), 8.0 * 15000 * 15000 / 2.0);
+    EXPECT_LT(calcCovarianceBytes(15000, 2, 1), 8.0 * 15000 * 15000 / 2.0 * 1.05);
+    EXPECT_GT(calcCovarianceBytes(100, 10, 4), 8.0 * 1100 * 1100 / 2.0);
 }
 
 } // namespace

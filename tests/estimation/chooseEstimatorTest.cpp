@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "estimation/SystemSize.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "tests/estimation/Samples.h"
 #include "tests/support/ThrownError.h"
@@ -12,6 +13,7 @@ namespace
 {
 
 using fenn::estimation::chooseEstimator;
+using fenn::estimation::EstimatorOptions;
 using fenn::estimation::ModelSettings;
 using fenn::estimation::SampleSet;
 
@@ -44,6 +46,50 @@ TEST(ChooseEstimatorTest, TheLocalEngineAnswersForFewerNeighboursThanPoints)
 
     EXPECT_EQ(chooseEstimator(samples, nearestFive)->getReport().engine, "local");
     EXPECT_NE(chooseEstimator(samples.subset({0, 1, 2, 3, 4}), nearestFive)->getReport().engine, "local");
+}
+
+TEST(ChooseEstimatorTest, TheCovarianceFormAnswersForGlobalModels)
+{
+    const SampleSet samples = fenn::test::smoothSamples(40, 4);
+
+    const auto estimator = chooseEstimator(samples, {});
+
+    EXPECT_EQ(estimator->getReport().engine, "covariance form");
+    EXPECT_FALSE(estimator->getReport().isExact);
+    EXPECT_LE(estimator->getReport().bound, 1e-9);
+}
+
+TEST(ChooseEstimatorTest, TheExactEngineStandsInWhereTheCovarianceFormDoesNotApplyAndSaysWhy)
+{
+    const SampleSet coincident({{0.0, 0.0, 1.0, 2.0, 4.0}}, {{1.0, 1.0, 3.0, 4.0, 5.0}});
+    double bytes = 0.0;
+    EstimatorOptions options;
+    options.checkStandIn = [&bytes](double bytesOfTheSystem)
+    {
+        bytes = bytesOfTheSystem;
+    };
+
+    const auto estimator = chooseEstimator(coincident, {}, options);
+
+    EXPECT_EQ(
+        estimator->getReport().sentence,
+        "exact: one system over all 5 points, to the bits of the plug-in; the covariance form does not apply: its "
+        "matrix is not positive definite");
+    EXPECT_EQ(bytes, fenn::estimation::calcSystemBytes(5, 1, 0));
+}
+
+TEST(ChooseEstimatorTest, WhoRefusesTheStandInIsNotGivenIt)
+{
+    const SampleSet coincident({{0.0, 0.0, 1.0, 2.0, 4.0}}, {{1.0, 1.0, 3.0, 4.0, 5.0}});
+    EstimatorOptions options;
+    options.checkStandIn = [](double)
+    {
+        throw std::runtime_error("too large");
+    };
+
+    EXPECT_THROW(chooseEstimator(coincident, {}, options), std::runtime_error);
+    options.isExact = true;
+    EXPECT_NO_THROW(chooseEstimator(coincident, {}, options));
 }
 
 TEST(ChooseEstimatorTest, TheEstimatorHandsOutThePartsOfItsModel)

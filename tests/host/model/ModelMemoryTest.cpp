@@ -8,6 +8,7 @@
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
 
+using fenn::estimation::calcCovarianceBytes;
 using fenn::estimation::calcSystemBytes;
 using fenn::estimation::ModelSettings;
 using krige::checkModelMemory;
@@ -56,6 +57,17 @@ TEST(ModelMemoryTest, MergedPointsAreNotCounted)
 
     EXPECT_NO_THROW(checkModelMemory(samples, settings, calcSystemBytes(99, 1, 0)));
     EXPECT_THROW(checkModelMemory(samples, {}, calcSystemBytes(99, 1, 0)), InputError);
+}
+
+TEST(ModelMemoryTest, TheCovarianceFormOfAGlobalModelTakesHalf)
+{
+    const SampleTable samples = samplesOnALine(5000);
+    const double bytes = calcCovarianceBytes(5000, 1, 0);
+
+    EXPECT_LT(bytes, 0.52 * calcSystemBytes(5000, 1, 0));
+    EXPECT_NO_THROW(checkModelMemory(samples, {}, bytes, false));
+    EXPECT_THROW(checkModelMemory(samples, {}, bytes, true), InputError);
+    EXPECT_THROW(checkModelMemory(samples, {}, 0.99 * bytes, false), InputError);
 }
 
 TEST(ModelMemoryTest, ALocalModelTakesOneSmallSystem)

@@ -19,8 +19,8 @@ namespace
 
 using fenn::kernels::choleskyWorkspaceSize;
 using fenn::kernels::PackedTriangle;
+using fenn::kernels::roundUpToStrip;
 using fenn::kernels::roundUpToTile;
-using fenn::kernels::roundUpToWidth;
 using fenn::kernels::StripGroup;
 using fenn::kernels::stripWidth;
 using fenn::kernels::triangleTileRows;
@@ -59,12 +59,12 @@ private:
 struct System
 {
     System(std::size_t numPts, std::size_t numBorder, std::uint64_t seed)
-        : cells(PackedTriangle::sizeFor(roundUpToTile(numPts) + roundUpToWidth(numBorder))),
-          workspace(choleskyWorkspaceSize(roundUpToTile(numPts) + roundUpToWidth(numBorder)))
+        : cells(PackedTriangle::sizeFor(roundUpToTile(numPts) + roundUpToStrip(numBorder))),
+          workspace(choleskyWorkspaceSize(roundUpToTile(numPts) + roundUpToStrip(numBorder)))
     {
         triangle.cells = cells.data();
         triangle.numPositive = roundUpToTile(numPts);
-        triangle.numRows = triangle.numPositive + roundUpToWidth(numBorder);
+        triangle.numRows = triangle.numPositive + roundUpToStrip(numBorder);
         RandomNumbers numbers(seed);
         std::vector<double> places(triangle.numRows);
         for (double& place : places)
