@@ -5,9 +5,9 @@
 #include <limits>
 #include <memory>
 
-#include "estimation/GlobalSystem.h"
+#include "analysis/ModelPoints.h"
 #include "estimation/LocalEstimator.h"
-#include "estimation/MergedSamples.h"
+#include "estimation/SystemInverse.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
@@ -29,28 +29,18 @@ constexpr std::size_t pointsPerReport = 4096;
 
 constexpr double noEstimate = std::numeric_limits<double>::quiet_NaN();
 
-std::size_t toIndex(int i)
-{
-    return static_cast<std::size_t>(i);
-}
-
-/// Throws what the constructor of KrigingMatrix throws for one point fewer, without allocating its system.
-void checkOthersSuffice(std::size_t numPoints, std::size_t numInputVars, int driftOrder)
-{
-    if (numPoints <= numInputVars + 1)
-        throw SurrogateModelInterface::Error("Not enough source points for kriging.");
-    if (numPoints <= toIndex(estimation::countDriftTerms(driftOrder, numInputVars)))
-        throw SurrogateModelInterface::Error("Not enough source points to calculate drift.");
-}
-
 void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, const Progress& progress,
                       LeaveOneOutResult& result)
 {
     const std::size_t numPoints = parts.getPoints().size();
-    checkOthersSuffice(numPoints, parts.getNormalizers().size(), driftOrder);
-    const estimation::GlobalSystem system(parts, driftOrder, numThreads);
+    if (numPoints == 0)
+        throw SurrogateModelInterface::Error("Not enough source points for kriging.");
+    estimation::checkPointsSuffice(numPoints - 1, parts.getNormalizers().size(), driftOrder);
+    estimation::EstimatorOptions options;
+    options.numThreads = numThreads;
+    const auto inverse = estimation::makeSystemInverse(parts, driftOrder, options);
     const std::vector<double> diagonal =
-        system.calcInverseDiagonal([&](std::size_t numDone) { report(progress, numDone, numPoints); });
+        inverse->calcDiagonal([&](std::size_t numDone) { report(progress, numDone, numPoints); });
     const auto isSolvable = [&](std::size_t i)
     {
         return std::fabs(1.0 / diagonal[i]) <= largestVariance;
@@ -60,12 +50,7 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, c
 
     for (std::size_t w = 0; w < result.truths.size(); ++w)
     {
-        // Weights sum to 1, so a common offset of the outputs changes no error; but it changes rounding.
-        const double mean = parts.getDataBlock().getOutputVarMean(static_cast<int>(w));
-        std::vector<double> centred = result.truths[w];
-        for (double& value : centred)
-            value -= mean;
-        const std::vector<double> solution = system.solve(centred);
+        const std::vector<double> solution = inverse->solve(centred(result.truths[w], parts.getDataBlock(), w));
         for (std::size_t i = 0; i < numPoints; ++i)
             result.estimates.values[w][i] =
                 isSolvable(i) ? result.truths[w][i] - solution[i] / diagonal[i] : noEstimate;
@@ -99,17 +84,10 @@ LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& set
     const std::size_t numPoints = parts->getPoints().size();
 
     LeaveOneOutResult result;
-    const estimation::MergedSamples merged = estimation::getMergedSamples(*parts);
-    for (const SourcePointRef& point : parts->getPoints())
-        result.members.push_back(point.first == 0 ? std::vector<std::size_t>{toIndex(point.second)}
-                                                  : merged.groups.at(toIndex(point.second)));
+    result.members = membersOfPoints(*parts);
+    result.truths = outputsOfPoints(*parts);
     for (int w = 0; w < block.getNumOutputVars(); ++w)
-    {
-        result.truths.emplace_back();
-        for (const SourcePointRef& point : parts->getPoints())
-            result.truths.back().push_back(block.getOutputValueArraysForBlock(point.first)[toIndex(w)][point.second]);
         result.outputVariances.push_back(block.getOutputVarSampleVariance(w));
-    }
     result.estimates.values.assign(result.truths.size(), std::vector<double>(numPoints));
     result.estimates.variances.resize(numPoints);
 

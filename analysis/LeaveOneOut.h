@@ -41,7 +41,8 @@ struct LeaveOneOutResult
 /// itself. Where the others alone have no solution, recognised by a variance beyond 1e10, estimate and variance are
 /// NaN.
 ///
-/// Costs 2/3 n^3 operations to factorise, 2 n^3 for n solves, and n^2 doubles.
+/// Costs 2/3 n^3 operations and n^2 / 2 doubles by Cholesky's method, 8/3 n^3 and n^2 where only the exact
+/// factorisation is accurate (SystemInverse).
 ///
 /// With numNearestPoints N above 0 and below the number of points, each point is estimated from its N nearest
 /// neighbours by a system of its own (LocalEstimator).

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 #include "analysis/CrossValidation.h"
+#include "analysis/FoldEstimator.h"
 #include "analysis/Folds.h"
 #include "analysis/NelderMead.h"
 #include "estimation/Estimator.h"
@@ -67,6 +69,8 @@ public:
           coordinates(samples_, space_),
           result(result_)
     {
+        for (std::size_t r = 0; r < numRepeats; ++r)
+            folds.push_back(assignFolds(samples.getNumSamples(), options.numFolds, options.seed + r));
     }
 
     void run(const ModelSettings& start)
@@ -124,11 +128,15 @@ private:
 
     double calcScore(const ModelSettings& settings) const
     {
+        std::optional<FoldEstimator> global; // from one factorisation for all repeats
+        if (estimation::usesAllPoints(settings, samples.getNumSamples()))
+            global.emplace(samples, settings, options.estimator);
         double sum = 0.0;
         for (std::size_t r = 0; r < numRepeats; ++r)
         {
             const Estimates estimates =
-                crossValidate(samples, settings, options.numFolds, options.seed + r, {}, options.estimator);
+                global ? global->estimate(folds[r], options.numFolds, false)
+                       : crossValidate(samples, settings, options.numFolds, options.seed + r, {}, options.estimator);
             sum += scoreOf(statisticsOf(samples, estimates, samples), samples, options.objective);
         }
         return sum / static_cast<double>(numRepeats);
@@ -221,6 +229,7 @@ private:
     const TuningOptions& options;
     const TrialCallback& callback;
     std::size_t numRepeats;
+    std::vector<std::vector<std::size_t>> folds; // of each repeat
     SettingsCoordinates coordinates;
     TuningResult& result;
 };

@@ -70,8 +70,9 @@ struct TuningResult
 using TrialCallback = std::function<bool(const Trial& trial, std::size_t numDone, std::size_t maxTrials)>;
 
 /// Searches settings by cross-validation: every trial is scored on the same folds of the samples that are not held out.
-/// First the start, then a coarse grid over drift order, range fraction and nugget, then nearest points and scales,
-/// then the simplex method from the best two. A pure function of its arguments.
+/// A global trial takes one factorisation (FoldEstimator), a local one a model per fold (crossValidate). First the
+/// start, then a coarse grid over drift order, range fraction and nugget, then nearest points and scales, then the
+/// simplex method from the best two. A pure function of its arguments.
 ///
 /// The winner has the lowest penalised score, the first of equals, of the trials that score no worse than the start.
 /// Cross-validation of few samples is noisy, so the best of many trials is partly luck. The penalty draws settings

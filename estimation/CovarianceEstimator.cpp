@@ -45,18 +45,6 @@ std::string toText(double number)
     return text.str();
 }
 
-/// What keeps the covariance form from being tried at all; empty where nothing does.
-std::string obstacleOf(const CovarianceSystem& system)
-{
-    const kernels::SphericalModel model = system.getModel();
-    if (system.getNumPoints() < system.getNumDriftTerms() || system.getNumPoints() <= model.numInputVars)
-        return "there are too few points for the covariance form";
-    const double atRange = model.shapeCoefficient * model.threeRangeSquared;
-    if (!(model.rangeSquared > 0.0) || !std::isfinite(atRange) || !(model.nugget >= 0.0 && model.nugget <= 1.0))
-        return "the covariance form needs a range and a nugget within bounds";
-    return {};
-}
-
 } // namespace
 
 /// Answers some targets of a request, on one thread.
@@ -228,7 +216,7 @@ CovarianceEstimator::makeWhereProven(const std::shared_ptr<const ModelParts>& pa
 {
     std::unique_ptr<CovarianceEstimator> estimator(new CovarianceEstimator(parts, settings, numThreads));
     const CovarianceSystem& system = *estimator->system;
-    reason = obstacleOf(system);
+    reason = system.findObstacle();
     if (!reason.empty())
         return nullptr;
     if (!estimator->system->factorise(*estimator->threads))

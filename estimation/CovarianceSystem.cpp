@@ -55,8 +55,9 @@ CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : 
     model = parts.getSemivariogram().getKernelModel(scales.data());
     const std::vector<SourcePointRef>& unordered = parts.getPoints();
     points.reserve(unordered.size());
-    for (const std::size_t index : orderInSpace(gather(block, unordered), scales, pointsPerBox))
-        points.push_back(unordered[index]);
+    positions = orderInSpace(gather(block, unordered), scales, pointsPerBox);
+    for (const std::size_t position : positions)
+        points.push_back(unordered[position]);
     coordinates = gather(block, points);
 
     low.resize(coordinates.size());
@@ -78,6 +79,16 @@ CovarianceSystem::CovarianceSystem(const ModelParts& parts_, int driftOrder_) : 
     numDriftTerms = static_cast<std::size_t>(countDriftTerms(driftOrder, scales.size())) + 1;
     triangle.numPositive = kernels::roundUpToTile(points.size());
     triangle.numRows = triangle.numPositive + kernels::roundUpToStrip(numDriftTerms);
+}
+
+std::string CovarianceSystem::findObstacle() const
+{
+    if (points.size() < numDriftTerms || points.size() <= model.numInputVars)
+        return "there are too few points for the covariance form";
+    const double atRange = model.shapeCoefficient * model.threeRangeSquared;
+    if (!(model.rangeSquared > 0.0) || !std::isfinite(atRange) || !(model.nugget >= 0.0 && model.nugget <= 1.0))
+        return "the covariance form needs a range and a nugget within bounds";
+    return {};
 }
 
 bool CovarianceSystem::factorise(ParallelRanges& threads)
@@ -184,6 +195,11 @@ const std::vector<SourcePointRef>& CovarianceSystem::getPoints() const
     return points;
 }
 
+const std::vector<std::size_t>& CovarianceSystem::getPositions() const
+{
+    return positions;
+}
+
 const std::vector<double>& CovarianceSystem::getScales() const
 {
     return scales;
@@ -226,9 +242,9 @@ void CovarianceSystem::writeRightHandSides(const double* targets, double* strip,
     std::fill(drift + stripWidth * numDriftTerms, strip + stripWidth * triangle.numRows, 0.0);
 }
 
-void CovarianceSystem::substitute(const kernels::StripGroup& group) const
+void CovarianceSystem::substitute(const kernels::StripGroup& group, std::size_t firstRow) const
 {
-    kernels::substituteLower(triangle, workspace.data(), group);
+    kernels::substituteLower(triangle, workspace.data(), group, firstRow / triangleTileRows);
 }
 
 void CovarianceSystem::solve(const kernels::StripGroup& group) const
@@ -249,6 +265,14 @@ double CovarianceSystem::calcRowNorm(std::size_t i) const
     for (std::size_t j = 0; j <= i; ++j)
         sum += triangle.at(i, j) * triangle.at(i, j);
     return std::sqrt(sum);
+}
+
+double CovarianceSystem::calcSmallestPivot() const
+{
+    double smallest = 1.0;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        smallest = std::min(smallest, triangle.at(i, i) * triangle.at(i, i));
+    return smallest;
 }
 
 } // namespace fenn::estimation

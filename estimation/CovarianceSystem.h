@@ -2,6 +2,7 @@
 #define FENN_ESTIMATION_COVARIANCESYSTEM_H
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "surrogatemodel_kriging/ElementStore.h"
@@ -38,6 +39,9 @@ public:
     CovarianceSystem(const CovarianceSystem& other) = delete;
     CovarianceSystem& operator=(const CovarianceSystem& other) = delete;
 
+    /// What keeps the covariance form from being tried at all, in the words of a report; empty where nothing does.
+    std::string findObstacle() const;
+
     /// Assembles and factorises. Returns false where C or F^T C^-1 F is not positive definite to working precision; the
     /// factors' memory is then free again. Throws std::bad_alloc.
     bool factorise(ParallelRanges& threads);
@@ -47,6 +51,7 @@ public:
     std::size_t getNumRows() const;
     std::size_t getFirstDriftRow() const;
     const std::vector<SourcePointRef>& getPoints() const; // in the order of the rows
+    const std::vector<std::size_t>& getPositions() const; // of these points in ModelParts::getPoints
 
     const std::vector<double>& getScales() const; // of the input variables
     kernels::SphericalModel getModel() const;
@@ -65,14 +70,18 @@ public:
 
     // After factorise, in place:
 
-    /// L X = B: (L^-1 c, R^-1 (f - F^T C^-1 c)) of a right-hand side (c, f).
-    void substitute(const kernels::StripGroup& group) const;
+    /// L X = B: (L^-1 c, R^-1 (f - F^T C^-1 c)) of a right-hand side (c, f). firstRow: the first of a tile; rows above
+    /// it are zeros and are neither read nor written.
+    void substitute(const kernels::StripGroup& group, std::size_t firstRow = 0) const;
 
     /// K X = B.
     void solve(const kernels::StripGroup& group) const;
 
     /// The Euclidean norm of row i of L.
     double calcRowNorm(std::size_t i) const;
+
+    /// Least square of a diagonal element of C's factor: the variance of a point given those before it.
+    double calcSmallestPivot() const;
 
 private:
     void assembleTile(std::size_t tile);
@@ -82,7 +91,8 @@ private:
     const ModelParts& parts;
     const int driftOrder;
     std::vector<double> scales;
-    kernels::SphericalModel model;
+    kernels::SphericalModel model; // refers to the scales
+    std::vector<std::size_t> positions;
     std::vector<SourcePointRef> points;
     std::vector<std::vector<double>> coordinates; // one column per input variable
     std::vector<std::vector<double>> low;         // of each box

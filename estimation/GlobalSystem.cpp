@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "estimation/StripStore.h"
 #include "estimation/ThreadCount.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 #include "surrogatemodel_kriging/ModelParts.h"
@@ -11,19 +12,84 @@
 namespace fenn::estimation
 {
 
-GlobalSystem::GlobalSystem(const ModelParts& parts, int driftOrder, int numThreads)
-    : controller(std::make_unique<AllPtsKrigingController>(&parts.getDataBlock(), &parts.getSemivariogram(), driftOrder,
-                                                           chooseThreadCount(numThreads))),
-      numPoints(parts.getPoints().size())
+namespace
 {
+
+using kernels::maxGroupStrips;
+using kernels::StripGroup;
+using kernels::stripWidth;
+
+constexpr std::size_t groupColumns = maxGroupStrips * stripWidth;
+
+} // namespace
+
+/// Solves for columns of the inverse, a group of strips at a time, with the bits and failures of luSolve.
+class GlobalSystem::Columns
+{
+public:
+    explicit Columns(const GlobalSystem& owner_)
+        : owner(owner_),
+          system(owner_.controller->getSystem()),
+          dimension(static_cast<std::size_t>(system.getDimension())),
+          store(dimension, maxGroupStrips)
+    {
+    }
+
+    /// Column c is that of rows[c], of at most groupColumns.
+    void solve(const std::size_t* rows, std::size_t count)
+    {
+        const StripGroup group = store.getGroup((count + stripWidth - 1) / stripWidth);
+        for (std::size_t s = 0; s < group.numStrips; ++s)
+            std::fill_n(group.strips + group.stride * s, stripWidth * dimension, 0.0);
+        for (std::size_t c = 0; c < count; ++c)
+            store.getColumn(c)[stripWidth * owner.placeOfRow[rows[c]]] = 1.0;
+        bool needsSingleSolve = system.hasTinyDiagonal();
+        if (!needsSingleSolve)
+        {
+            system.substituteGroups({}, group);
+            needsSingleSolve = system.substituteGroups(group, {});
+        }
+        if (needsSingleSolve)
+        {
+            for (std::size_t c = 0; c < count; ++c)
+                solveSingly(rows[c], store.getColumn(c));
+        }
+    }
+
+    double get(std::size_t row, std::size_t c) const
+    {
+        return store.getColumn(c)[stripWidth * row];
+    }
+
+private:
+    void solveSingly(std::size_t row, double* column)
+    {
+        std::vector<double> solution(dimension, 0.0);
+        solution[row] = 1.0;
+        system.luSolve(solution.data());
+        for (std::size_t i = 0; i < dimension; ++i)
+            column[stripWidth * i] = solution[i];
+    }
+
+    const GlobalSystem& owner;
+    const KrigingMatrix& system;
+    std::size_t dimension;
+    StripStore store;
+};
+
+GlobalSystem::GlobalSystem(const ModelParts& parts, int driftOrder, int numThreads)
+    : SystemInverse(parts.getPoints().size(), numThreads),
+      controller(std::make_unique<AllPtsKrigingController>(&parts.getDataBlock(), &parts.getSemivariogram(), driftOrder,
+                                                           chooseThreadCount(numThreads)))
+{
+    std::vector<int> rowOrder;
+    controller->getSystem().calcRowOrder(rowOrder);
+    placeOfRow.resize(rowOrder.size());
+    for (std::size_t i = 0; i < rowOrder.size(); ++i)
+        placeOfRow[static_cast<std::size_t>(rowOrder[i])] = i;
 }
 
 GlobalSystem::~GlobalSystem() = default;
-
-std::size_t GlobalSystem::getNumPoints() const
-{
-    return numPoints;
-}
 
 std::vector<double> GlobalSystem::solve(const std::vector<double>& values) const
 {
@@ -31,23 +97,38 @@ std::vector<double> GlobalSystem::solve(const std::vector<double>& values) const
     std::vector<double> column(static_cast<std::size_t>(system.getDimension()), 0.0);
     std::copy(values.begin(), values.end(), column.begin());
     system.luSolve(column.data());
+    column.resize(values.size());
     return column;
 }
 
-std::vector<double> GlobalSystem::calcInverseDiagonal(const std::function<void(std::size_t numDone)>& afterEach) const
+void GlobalSystem::calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const
 {
-    const KrigingMatrix& system = controller->getSystem();
-    std::vector<double> diagonal(numPoints);
-    std::vector<double> column(static_cast<std::size_t>(system.getDimension()));
-    for (std::size_t i = 0; i < numPoints; ++i)
+    Columns columns(*this);
+    std::vector<std::size_t> rows;
+    for (std::size_t begin = first; begin < end; begin += groupColumns)
     {
-        std::fill(column.begin(), column.end(), 0.0);
-        column[i] = 1.0;
-        system.luSolve(column.data());
-        diagonal[i] = column[i];
-        afterEach(i + 1);
+        rows.clear();
+        for (std::size_t i = begin; i < std::min(end, begin + groupColumns); ++i)
+            rows.push_back(i);
+        columns.solve(rows.data(), rows.size());
+        for (std::size_t c = 0; c < rows.size(); ++c)
+            diagonal[rows[c]] = columns.get(rows[c], c);
     }
-    return diagonal;
+}
+
+void GlobalSystem::calcBlock(const std::vector<std::size_t>& points, Matrix& block) const
+{
+    Columns columns(*this);
+    for (std::size_t begin = 0; begin < points.size(); begin += groupColumns)
+    {
+        const std::size_t count = std::min(groupColumns, points.size() - begin);
+        columns.solve(points.data() + begin, count);
+        for (std::size_t i = 0; i < points.size(); ++i)
+        {
+            for (std::size_t c = 0; c < count; ++c)
+                block.getRow(static_cast<int>(i))[begin + c] = columns.get(points[i], c);
+        }
+    }
 }
 
 } // namespace fenn::estimation

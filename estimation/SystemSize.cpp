@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/kernels/CholeskyKernels.h"
 #include "surrogatemodel_kriging/kernels/LuKernels.h"
@@ -12,6 +13,14 @@ namespace fenn::estimation
 int countDriftTerms(int driftOrder, std::size_t numInputVars)
 {
     return numDriftTerms(driftOrder, static_cast<int>(numInputVars));
+}
+
+void checkPointsSuffice(std::size_t numPoints, std::size_t numInputVars, int driftOrder)
+{
+    if (numPoints <= numInputVars)
+        throw SurrogateModelInterface::Error("Not enough source points for kriging.");
+    if (numPoints < static_cast<std::size_t>(countDriftTerms(driftOrder, numInputVars)))
+        throw SurrogateModelInterface::Error("Not enough source points to calculate drift.");
 }
 
 double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder)

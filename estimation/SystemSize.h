@@ -9,6 +9,9 @@ namespace fenn::estimation
 /// Number of monomials of a polynomial drift of this degree, without the constant.
 int countDriftTerms(int driftOrder, std::size_t numInputVars);
 
+/// Throws the library's Error as the constructor of KrigingMatrix for so many points, which would make room for them.
+void checkPointsSuffice(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
+
 /// Bytes that one exact system over this many points takes, its workspace included: a square of doubles over the
 /// points, the drift terms and one constraint, and the copies that the factorisation makes.
 double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);

@@ -78,13 +78,14 @@ bool finishBlock(const PackedTriangle& triangle, double* reciprocals, const Chol
 // stay in the second-level cache.
 constexpr std::size_t kBlockTiles = 8;
 
-void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group)
+void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group,
+                     std::size_t firstTile)
 {
     const std::size_t numTiles = triangle.numTiles();
-    for (std::size_t first = 0; first < numTiles; first += kBlockTiles)
+    for (std::size_t first = firstTile; first < numTiles; first += kBlockTiles)
     {
         const std::size_t end = first + kBlockTiles < numTiles ? first + kBlockTiles : numTiles;
-        for (std::size_t k = 0; k < first; k += kBlockTiles)
+        for (std::size_t k = firstTile; k < first; k += kBlockTiles)
         {
             for (std::size_t tile = first; tile < end; ++tile)
             {
@@ -169,6 +170,33 @@ void substituteLowerTransposed(const PackedTriangle& triangle, const double* rec
     }
 }
 
+/// The lines of a tile in a block of rows.
+struct BlockLines
+{
+    double* cells;
+    std::size_t rowLength;
+
+    double* at(std::size_t i) const
+    {
+        return cells + rowLength * i;
+    }
+    void prefetchNext(std::size_t) const {}
+};
+
+void subtractColumnProducts(const StripGroup& a, const StripGroup& b, std::size_t begin, std::size_t end, double* block,
+                            std::size_t rowLength)
+{
+    for (std::size_t row = 0; row < a.numStrips; row += triangleTileStrips)
+    {
+        const std::size_t numLeft = a.numStrips - row;
+        const std::size_t numRows = stripWidth * (numLeft < triangleTileStrips ? numLeft : triangleTileStrips);
+        for (std::size_t column = 0; column < b.numStrips; ++column)
+            updateTile(BlockLines{block + stripWidth * (rowLength * row + column), rowLength},
+                       a.strips + a.stride * row + stripWidth * begin, a.stride,
+                       b.strips + b.stride * column + stripWidth * begin, end - begin, numRows);
+    }
+}
+
 } // namespace HWY_NAMESPACE
 } // namespace fenn::kernels
 HWY_AFTER_NAMESPACE();
@@ -186,6 +214,7 @@ HWY_EXPORT(negateBlock);
 HWY_EXPORT(finishBlock);
 HWY_EXPORT(substituteLower);
 HWY_EXPORT(substituteLowerTransposed);
+HWY_EXPORT(subtractColumnProducts);
 
 /// Number of block columns that are done in a block of rows.
 using Progress = std::atomic<std::size_t>;
@@ -294,14 +323,21 @@ void workOnSharedCholesky(SharedCholesky& shared)
     CholeskyPiece(shared).work();
 }
 
-void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group)
+void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group,
+                     std::size_t firstTile)
 {
-    HWY_DYNAMIC_DISPATCH(substituteLower)(triangle, reciprocals, group);
+    HWY_DYNAMIC_DISPATCH(substituteLower)(triangle, reciprocals, group, firstTile);
 }
 
 void substituteLowerTransposed(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group)
 {
     HWY_DYNAMIC_DISPATCH(substituteLowerTransposed)(triangle, reciprocals, group);
+}
+
+void subtractColumnProducts(const StripGroup& a, const StripGroup& b, std::size_t begin, std::size_t end, double* block,
+                            std::size_t rowLength)
+{
+    HWY_DYNAMIC_DISPATCH(subtractColumnProducts)(a, b, begin, end, block, rowLength);
 }
 
 } // namespace fenn::kernels

@@ -49,11 +49,20 @@ void workOnSharedCholesky(SharedCholesky& shared);
 ///
 ///     b(i) -= a(i,k) b(k) for k ascending in [0, i), each product rounded before its subtraction; b(i) *=
 ///     reciprocals[i]
-void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group);
+///
+/// firstTile: whole tiles of rows at the top that hold zeros in every strip. They are neither read nor written; zeros
+/// of positive sign give the bits of a substitution from the first row on.
+void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group,
+                     std::size_t firstTile = 0);
 
 /// Solves L^T X = B likewise: for i descending b(i) -= a(k,i) b(k) for k descending from the last row to i + 1, each
 /// product rounded before its subtraction, then b(i) *= reciprocals[i].
 void substituteLowerTransposed(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group);
+
+/// block[rowLength * i + j] -= a_i(k) b_j(k) for k ascending in [begin, end), whole eights, each product rounded before
+/// its subtraction: i counts the columns of the strips of a, j those of b.
+void subtractColumnProducts(const StripGroup& a, const StripGroup& b, std::size_t begin, std::size_t end, double* block,
+                            std::size_t rowLength);
 
 } // namespace fenn::kernels
 

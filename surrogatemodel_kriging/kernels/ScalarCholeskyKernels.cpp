@@ -49,14 +49,16 @@ bool factoriseCholesky(const PackedTriangle& triangle, double* workspace)
     return true;
 }
 
-void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group)
+void substituteLower(const PackedTriangle& triangle, const double* reciprocals, const StripGroup& group,
+                     std::size_t firstTile)
 {
+    const std::size_t firstRow = triangleTileRows * firstTile;
     forEachLane(group,
                 [&](double* b)
                 {
-                    for (std::size_t i = 0; i < triangle.numRows; ++i)
+                    for (std::size_t i = firstRow; i < triangle.numRows; ++i)
                     {
-                        for (std::size_t k = 0; k < i; ++k)
+                        for (std::size_t k = firstRow; k < i; ++k)
                             b[stripWidth * i] -= triangle.at(i, k) * b[stripWidth * k];
                         b[stripWidth * i] *= reciprocals[i];
                     }
@@ -74,6 +76,25 @@ void substituteLowerTransposed(const PackedTriangle& triangle, const double* rec
                             b[stripWidth * i] -= triangle.at(k, i) * b[stripWidth * k];
                         b[stripWidth * i] *= reciprocals[i];
                     }
+                });
+}
+
+void subtractColumnProducts(const StripGroup& a, const StripGroup& b, std::size_t begin, std::size_t end, double* block,
+                            std::size_t rowLength)
+{
+    std::size_t i = 0;
+    forEachLane(a,
+                [&](const double* columnOfA)
+                {
+                    std::size_t j = 0;
+                    forEachLane(b,
+                                [&](const double* columnOfB)
+                                {
+                                    double& sum = block[rowLength * i + j++];
+                                    for (std::size_t k = begin; k < end; ++k)
+                                        sum -= columnOfA[stripWidth * k] * columnOfB[stripWidth * k];
+                                });
+                    ++i;
                 });
 }
 

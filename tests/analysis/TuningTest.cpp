@@ -7,9 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "analysis/CrossValidation.h"
+#include "analysis/Folds.h"
 #include "estimation/Estimates.h"
 #include "estimation/Estimator.h"
 #include "estimation/chooseEstimator.h"
+#include "tests/analysis/Refits.h"
 #include "tests/estimation/Samples.h"
 
 namespace
@@ -167,13 +169,37 @@ TEST(TuningTest, WithoutHeldOutSamplesAllAreSearchedOn)
 
     EXPECT_TRUE(result.heldOutSamples.empty());
     EXPECT_TRUE(result.winnerHeldOut.statistics.empty());
-    const auto estimates = fenn::analysis::crossValidate(samples, {}, 5, 1);
+    // The scored quantity: folds left out of the model of all samples, normalisers and range being those of all.
+    std::vector<std::vector<std::size_t>> groups(5);
+    const std::vector<std::size_t> folds = fenn::analysis::assignFolds(30, 5, 1);
+    for (std::size_t i = 0; i < folds.size(); ++i)
+        groups[folds[i]].push_back(i);
+    const auto estimates = fenn::test::refitWithoutGroups(samples, {}, groups);
     double expected = 0.0;
     for (std::size_t w = 0; w < 2; ++w)
         expected += fenn::analysis::calcErrorStatistics(samples.getOutput(w), estimates.values[w], {}, 1.0).rmse /
                     std::sqrt(samples.calcOutputVariance(w));
     ASSERT_EQ(result.trials.size(), 1U);
-    EXPECT_DOUBLE_EQ(result.trials[0].score, expected / 2.0);
+    EXPECT_NEAR(result.trials[0].score, expected / 2.0, 1e-12);
+}
+
+TEST(TuningTest, LocalTrialsAreScoredByModelsOfTheOtherFolds)
+{
+    TuningOptions options = quickOptions();
+    options.heldOutFraction = 0.0;
+    options.numRepeats = 1;
+    options.maxTrials = 1;
+    const SampleSet samples = smoothSamples(60, 4);
+    const ModelSettings local{-1.0, {}, 0, 1.0, 0.0, 12};
+
+    const double score = tune(samples, local, SearchSpace(), options).trials[0].score;
+
+    const auto estimates = fenn::analysis::crossValidate(samples, local, 5, 1);
+    double expected = 0.0;
+    for (std::size_t w = 0; w < 2; ++w)
+        expected += fenn::analysis::calcErrorStatistics(samples.getOutput(w), estimates.values[w], {}, 1.0).rmse /
+                    std::sqrt(samples.calcOutputVariance(w));
+    EXPECT_DOUBLE_EQ(score, expected / 2.0);
 }
 
 TEST(TuningTest, FewSamplesAreValidatedUpToThreeTimesUnlessSaid)

@@ -309,6 +309,85 @@ TEST(CholeskyKernelsTest, SubstitutionsHaveTheBitsOfThePlainLoops)
     }
 }
 
+TEST(CholeskyKernelsTest, ASubstitutionFromALaterTileOnSkipsZerosAboveIt)
+{
+    for (const Size& size : sizes())
+    {
+        System system(size.numPts, size.numBorder, size.numPts);
+        ASSERT_TRUE(fenn::kernels::factoriseCholesky(system.triangle, system.workspace.data()));
+        for (std::size_t firstTile = 0; firstTile < system.triangle.numTiles(); ++firstTile)
+        {
+            RandomNumbers numbers(size.numPts + firstTile);
+            Strips start(system.triangle.numRows, 2);
+            Strips garbage = start;
+            for (std::size_t i = 0; i < 2 * start.stride; ++i)
+            {
+                const bool isAbove = i % start.stride < stripWidth * triangleTileRows * firstTile;
+                start.store.data()[i] = isAbove ? 0.0 : numbers.next(-1.0, 1.0);
+                garbage.store.data()[i] = isAbove ? std::nan("") : start.store.data()[i];
+            }
+            Strips whole = start, definition = garbage;
+            fenn::kernels::scalar::substituteLower(system.triangle, system.workspace.data(), whole.group());
+            fenn::kernels::scalar::substituteLower(system.triangle, system.workspace.data(), definition.group(),
+                                                   firstTile);
+            for (std::size_t i = 0; i < 2 * start.stride; ++i)
+            {
+                if (i % start.stride >= stripWidth * triangleTileRows * firstTile)
+                {
+                    ASSERT_TRUE(sameBits(definition.store.data()[i], whole.store.data()[i]));
+                }
+            }
+            forEachRunnableTarget(
+                [&](const char* name)
+                {
+                    SCOPED_TRACE(std::string(name) + ", " + std::to_string(size.numPts) + " points, from tile " +
+                                 std::to_string(firstTile));
+                    Strips actual = garbage;
+                    fenn::kernels::substituteLower(system.triangle, system.workspace.data(), actual.group(), firstTile);
+                    EXPECT_TRUE(sameBits(actual.store.entries(), definition.store.entries()));
+                });
+        }
+    }
+}
+
+TEST(CholeskyKernelsTest, ProductsOfColumnsHaveTheBitsOfThePlainLoops)
+{
+    constexpr std::size_t numRows = 40;
+    for (std::size_t numA = 0; numA <= 7; ++numA)
+    {
+        for (const std::size_t numB : {0U, 1U, 4U})
+        {
+            for (const auto& [begin, end] : {std::pair<std::size_t, std::size_t>{0, numRows}, {8, 32}, {16, 16}})
+            {
+                RandomNumbers numbers(10 * numA + numB);
+                Strips a(numRows, numA);
+                Strips b(numRows, numB);
+                for (Strips* strips : {&a, &b})
+                {
+                    for (std::size_t i = 0; i < stripWidth * numRows * (strips == &a ? numA : numB); ++i)
+                        strips->store.data()[i] = oddNumber(numbers);
+                }
+                const std::size_t rowLength = stripWidth * numB + 3; // the rest of a row is left alone
+                std::vector<double> start(stripWidth * numA * rowLength);
+                for (double& value : start)
+                    value = numbers.next(-1.0, 1.0);
+                std::vector<double> expected = start;
+                fenn::kernels::scalar::subtractColumnProducts(a.group(), b.group(), begin, end, expected.data(),
+                                                              rowLength);
+                forEachRunnableTarget(
+                    [&](const char* name)
+                    {
+                        SCOPED_TRACE(std::string(name) + ", " + std::to_string(numA) + " by " + std::to_string(numB));
+                        std::vector<double> actual = start;
+                        fenn::kernels::subtractColumnProducts(a.group(), b.group(), begin, end, actual.data(),
+                                                              rowLength);
+                        EXPECT_TRUE(sameBits(actual, expected));
+                    });
+            }
+        }
+    }
+}
+
 TEST(CholeskyKernelsTest, ProductsAreRoundedBeforeTheirSubtraction)
 {
     // (1 + 2^-30)^2 rounds to 1 + 2^-29: the second pivot is 4 exactly; fused, 2^-60 less, its root's last bit differs.

@@ -1,0 +1,78 @@
+#ifndef FENN_ESTIMATION_SYSTEMINVERSE_H
+#define FENN_ESTIMATION_SYSTEMINVERSE_H
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "estimation/chooseEstimator.h"
+
+class Matrix;
+
+namespace fenn
+{
+class ModelParts;
+}
+
+namespace fenn::estimation
+{
+
+class ParallelRanges;
+
+/// The inverse of the Kriging system K of all points of a model, in semivariogram form as KrigingMatrix has it, as far
+/// as it belongs to the points of ModelParts::getPoints: for what is computed from the system itself and not from
+/// targets. K is factorised once, in the form that the implementation knows.
+///
+/// Results depend on the model alone, to the bit, not on the number of threads. Requests must not overlap.
+class SystemInverse
+{
+public:
+    SystemInverse(const SystemInverse& other) = delete;
+    SystemInverse& operator=(const SystemInverse& other) = delete;
+    virtual ~SystemInverse();
+
+    std::size_t getNumPoints() const;
+
+    /// The points' part of K^-1 (values, 0): one value per point, zeros for the other rows. Throws Error as
+    /// Matrix::luSolve.
+    virtual std::vector<double> solve(const std::vector<double>& values) const = 0;
+
+    /// The diagonal elements that belong to points. afterSome: called on the calling thread, as the work proceeds, with
+    /// the number of elements that are known; what it throws is passed on. Throws Error as Matrix::luSolve.
+    std::vector<double> calcDiagonal(const std::function<void(std::size_t numDone)>& afterSome) const;
+
+    /// Takes the block of K^-1 in the rows and columns of a group's points, in their order.
+    using UseBlock = std::function<void(std::size_t group, Matrix& block)>;
+
+    /// Calls use for each group, none of them empty, on several threads at once. What use throws is passed on, of
+    /// several the exception of the first group. Throws Error as Matrix::luSolve, and std::bad_alloc.
+    void calcBlocks(const std::vector<std::vector<std::size_t>>& groups, const UseBlock& use) const;
+
+protected:
+    /// numThreads: 0 for the cores that this process may use.
+    SystemInverse(std::size_t numPoints_, int numThreads);
+
+    ParallelRanges& getThreads() const;
+
+private:
+    /// Entries first to end - 1 of the diagonal, in an order of the implementation's; where they go is its matter too.
+    /// Called on several threads at once.
+    virtual void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const = 0;
+
+    /// block has the dimension of points. Called on several threads at once.
+    virtual void calcBlock(const std::vector<std::size_t>& points, Matrix& block) const = 0;
+
+    const std::size_t numPoints;
+    std::unique_ptr<ParallelRanges> threads;
+};
+
+/// From the covariance form where it is accurate, otherwise, and where options ask for it, from the plug-in's own
+/// factorisation. The choice depends on the model and the options alone. parts must outlive the inverse. Throws as the
+/// constructor of GlobalSystem, and what options.checkStandIn throws.
+std::unique_ptr<SystemInverse> makeSystemInverse(const ModelParts& parts, int driftOrder,
+                                                 const EstimatorOptions& options);
+
+} // namespace fenn::estimation
+
+#endif

@@ -1,0 +1,211 @@
+#include "estimation/SystemInverse.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numeric>
+#include <stdexcept>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "estimation/CovarianceInverse.h"
+#include "estimation/GlobalSystem.h"
+#include "estimation/makeModelParts.h"
+#include "surrogatemodel_kriging/KrigingMatrix.h"
+#include "surrogatemodel_kriging/ModelParts.h"
+#include "surrogatemodel_kriging/SphericalSemivariogram.h"
+#include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
+#include "tests/estimation/Samples.h"
+#include "tests/support/BitComparison.h"
+
+namespace
+{
+
+using fenn::ModelParts;
+using fenn::estimation::CovarianceInverse;
+using fenn::estimation::EstimatorOptions;
+using fenn::estimation::GlobalSystem;
+using fenn::estimation::makeModelParts;
+using fenn::estimation::makeSystemInverse;
+using fenn::estimation::ModelSettings;
+using fenn::estimation::SampleSet;
+using fenn::estimation::SystemInverse;
+using fenn::test::sameBits;
+using fenn::test::smoothSamples;
+
+using Rows = std::vector<std::vector<double>>;
+
+/// The points' part of the inverse of the plug-in's system, column by column.
+Rows plainInverse(const ModelParts& parts, int driftOrder)
+{
+    const auto numPoints = parts.getPoints().size();
+    KrigingMatrix system(parts.getDataBlock(), static_cast<int>(numPoints), &parts.getSemivariogram(), driftOrder);
+    std::vector<double> scratch(parts.getNormalizers().size());
+    system.assemble(parts.getPoints(), scratch);
+    system.luDecompose();
+    Rows inverse(numPoints, std::vector<double>(numPoints));
+    for (std::size_t j = 0; j < numPoints; ++j)
+    {
+        std::vector<double> column(static_cast<std::size_t>(system.getDimension()), 0.0);
+        column[j] = 1.0;
+        system.luSolve(column.data());
+        for (std::size_t i = 0; i < numPoints; ++i)
+            inverse[i][j] = column[i];
+    }
+    return inverse;
+}
+
+/// In groups of uneven sizes, every third point's first; their order within a group is a falling one.
+std::vector<std::vector<std::size_t>> unevenGroups(std::size_t numPoints)
+{
+    std::vector<std::vector<std::size_t>> groups(numPoints > 2 ? 3 : 1);
+    for (std::size_t p = numPoints; p-- > 0;)
+        groups[p % 3 == 0 ? 0 : (p < numPoints / 4 ? groups.size() - 1 : groups.size() / 2)].push_back(p);
+    return groups;
+}
+
+std::vector<Rows> blocksOf(const SystemInverse& inverse, const std::vector<std::vector<std::size_t>>& groups)
+{
+    std::vector<Rows> blocks(groups.size());
+    inverse.calcBlocks(groups,
+                       [&](std::size_t g, Matrix& block)
+                       {
+                           const int count = block.getDimension();
+                           for (int i = 0; i < count; ++i)
+                               blocks[g].emplace_back(block.getRow(i), block.getRow(i) + count);
+                       });
+    return blocks;
+}
+
+double largestMagnitude(const Rows& rows)
+{
+    double largest = 0.0;
+    for (const std::vector<double>& row : rows)
+    {
+        for (const double element : row)
+            largest = std::max(largest, std::fabs(element));
+    }
+    return largest;
+}
+
+void expectInverse(const SystemInverse& inverse, const Rows& expected)
+{
+    const std::size_t numPoints = expected.size();
+    const double tolerance = 1e-11 * largestMagnitude(expected); // a condition of some thousands
+    ASSERT_EQ(inverse.getNumPoints(), numPoints);
+
+    const std::vector<double> diagonal = inverse.calcDiagonal([](std::size_t) {});
+    ASSERT_EQ(diagonal.size(), numPoints);
+    for (std::size_t i = 0; i < numPoints; ++i)
+        ASSERT_NEAR(diagonal[i], expected[i][i], tolerance) << "point " << i;
+
+    const auto groups = unevenGroups(numPoints);
+    const std::vector<Rows> blocks = blocksOf(inverse, groups);
+    for (std::size_t g = 0; g < groups.size(); ++g)
+    {
+        ASSERT_EQ(blocks[g].size(), groups[g].size());
+        for (std::size_t i = 0; i < groups[g].size(); ++i)
+        {
+            for (std::size_t j = 0; j < groups[g].size(); ++j)
+                ASSERT_NEAR(blocks[g][i][j], expected[groups[g][i]][groups[g][j]], tolerance) << i << ", " << j;
+        }
+    }
+
+    const std::vector<double> values = fenn::test::randomValues(1, numPoints, -1.0, 1.0, 3)[0];
+    const std::vector<double> solution = inverse.solve(values);
+    ASSERT_EQ(solution.size(), numPoints);
+    for (std::size_t i = 0; i < numPoints; ++i)
+        ASSERT_NEAR(solution[i], std::inner_product(values.begin(), values.end(), expected[i].begin(), 0.0),
+                    100.0 * tolerance);
+}
+
+TEST(SystemInverseTest, BothFormsHoldTheInverseOfThePlugInsSystem)
+{
+    for (const std::size_t numSamples : {7U, 24U, 25U, 40U, 71U, 130U, 261U})
+    {
+        for (const int driftOrder : {0, 1, 2})
+        {
+            SCOPED_TRACE(testing::Message() << numSamples << " samples, drift " << driftOrder);
+            const SampleSet samples = smoothSamples(numSamples, numSamples);
+            const auto parts = makeModelParts(samples, {-1.0, {}, driftOrder, 0.8, 0.1, 0});
+            const Rows expected = plainInverse(*parts, driftOrder);
+
+            const auto covariance = CovarianceInverse::makeWhereAccurate(*parts, driftOrder, 2);
+            ASSERT_NE(covariance, nullptr);
+            expectInverse(*covariance, expected);
+            expectInverse(GlobalSystem(*parts, driftOrder, 2), expected);
+        }
+    }
+}
+
+TEST(SystemInverseTest, TheNumberOfThreadsChangesNoBit)
+{
+    const SampleSet samples = smoothSamples(300, 4);
+    const auto parts = makeModelParts(samples, {});
+    const auto groups = unevenGroups(300);
+    for (const bool isExact : {false, true})
+    {
+        EstimatorOptions options;
+        options.isExact = isExact;
+        options.numThreads = 1;
+        const auto once = makeSystemInverse(*parts, 1, options);
+        options.numThreads = 3;
+        const auto again = makeSystemInverse(*parts, 1, options);
+
+        EXPECT_TRUE(sameBits(once->calcDiagonal([](std::size_t) {}), again->calcDiagonal([](std::size_t) {})));
+        const std::vector<Rows> blocks = blocksOf(*once, groups);
+        const std::vector<Rows> otherBlocks = blocksOf(*again, groups);
+        for (std::size_t g = 0; g < groups.size(); ++g)
+        {
+            for (std::size_t i = 0; i < groups[g].size(); ++i)
+                EXPECT_TRUE(sameBits(blocks[g][i], otherBlocks[g][i]));
+        }
+    }
+}
+
+TEST(SystemInverseTest, TheExactFormAnswersWhereItIsAskedForAndWhereTheOtherIsNotAccurate)
+{
+    const SampleSet smooth = smoothSamples(30, 4);
+    std::vector<std::vector<double>> inputs = fenn::test::randomValues(2, 30, 0.0, 1.0, 4);
+    for (std::vector<double>& column : inputs)
+        column[1] = column[0] + 1e-12; // a pivot of some 1e-12
+    const SampleSet nearlyCoincident(inputs, fenn::test::randomValues(1, 30, 0.0, 1.0, 5));
+    std::size_t numAsked = 0;
+    EstimatorOptions options;
+    options.checkStandIn = [&](double bytes)
+    {
+        EXPECT_GE(bytes, 8.0 * 31 * 31);
+        ++numAsked;
+    };
+
+    EXPECT_NE(dynamic_cast<const CovarianceInverse*>(makeSystemInverse(*makeModelParts(smooth, {}), 0, options).get()),
+              nullptr);
+    EXPECT_EQ(numAsked, 0U);
+    const auto parts = makeModelParts(nearlyCoincident, {});
+    EXPECT_NE(dynamic_cast<const GlobalSystem*>(makeSystemInverse(*parts, 0, options).get()), nullptr);
+    EXPECT_EQ(numAsked, 1U);
+    options.isExact = true;
+    const auto smoothParts = makeModelParts(smooth, {});
+    EXPECT_NE(dynamic_cast<const GlobalSystem*>(makeSystemInverse(*smoothParts, 0, options).get()), nullptr);
+    EXPECT_EQ(numAsked, 1U);
+}
+
+TEST(SystemInverseTest, KnownElementsOfTheDiagonalAreTold)
+{
+    const SampleSet samples = smoothSamples(600, 4);
+    const auto parts = makeModelParts(samples, {});
+    EstimatorOptions options;
+    options.numThreads = 1;
+    const auto inverse = makeSystemInverse(*parts, 1, options);
+    std::vector<std::size_t> told;
+
+    inverse->calcDiagonal([&](std::size_t numDone) { told.push_back(numDone); });
+
+    EXPECT_GE(told.size(), 2U);
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_EQ(told.back(), 600U);
+    EXPECT_THROW(inverse->calcDiagonal([](std::size_t) { throw std::runtime_error("stop"); }), std::runtime_error);
+}
+
+} // namespace
