@@ -61,7 +61,7 @@ test_ValidateStopsAtCtrlC()
 test_TuneShowsItsTrialsAndStopsAtCtrlC()
 {
     write_scattered 600
-    in_terminal 4 tune samples.csv --inputs x,y --outputs z -o best.toml --trials trials.csv
+    in_terminal 4 tune samples.csv --inputs x,y --outputs z --repeats 10 -o best.toml --trials trials.csv
     expect_status 130
     expect_screen '[0-9]+ of 150 trials \([0-9]+ %\), [0-9.]+/s, .* left'
     expect_files samples.csv
