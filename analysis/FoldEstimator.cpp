@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "analysis/ModelPoints.h"
-#include "estimation/SystemInverse.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
+#include "estimation/makeSystemInverse.h"
 #include "surrogatemodel_kriging/Matrix.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"

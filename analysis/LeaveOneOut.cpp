@@ -7,9 +7,9 @@
 
 #include "analysis/ModelPoints.h"
 #include "estimation/LocalEstimator.h"
-#include "estimation/SystemInverse.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
+#include "estimation/makeSystemInverse.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"

@@ -6,8 +6,6 @@
 #include <memory>
 #include <vector>
 
-#include "estimation/chooseEstimator.h"
-
 class Matrix;
 
 namespace fenn
@@ -66,12 +64,6 @@ private:
     const std::size_t numPoints;
     std::unique_ptr<ParallelRanges> threads;
 };
-
-/// From the covariance form where it is accurate, otherwise, and where options ask for it, from the plug-in's own
-/// factorisation. The choice depends on the model and the options alone. parts must outlive the inverse. Throws as the
-/// constructor of GlobalSystem, and what options.checkStandIn throws.
-std::unique_ptr<SystemInverse> makeSystemInverse(const ModelParts& parts, int driftOrder,
-                                                 const EstimatorOptions& options);
 
 } // namespace fenn::estimation
 

@@ -12,6 +12,7 @@
 #include "estimation/CovarianceInverse.h"
 #include "estimation/GlobalSystem.h"
 #include "estimation/makeModelParts.h"
+#include "estimation/makeSystemInverse.h"
 #include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
