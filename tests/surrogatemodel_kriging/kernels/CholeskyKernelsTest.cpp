@@ -357,8 +357,10 @@ TEST(CholeskyKernelsTest, ProductsOfColumnsHaveTheBitsOfThePlainLoops)
     {
         for (const std::size_t numB : {0U, 1U, 4U})
         {
-            for (const auto& [begin, end] : {std::pair<std::size_t, std::size_t>{0, numRows}, {8, 32}, {16, 16}})
+            for (const auto& range : {std::pair<std::size_t, std::size_t>{0, numRows}, {8, 32}, {16, 16}})
             {
+                const std::size_t begin = range.first;
+                const std::size_t end = range.second;
                 RandomNumbers numbers(10 * numA + numB);
                 Strips a(numRows, numA);
                 Strips b(numRows, numB);
