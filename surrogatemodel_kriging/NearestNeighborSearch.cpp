@@ -55,7 +55,8 @@ public:
         // relies on it. Test: NearestNeighborSearchTest.EveryVariableUsesTheScaleOfTheFirst
         points.scale = normalizers.empty() ? 0.0 : normalizers[0].getScale(); // without variables all points coincide
         points.numVars = toIndex(numInputVars);
-        forEachBlock([this](int) { numPts += points.numPts; });
+        for (int b = 0; b < numBlocks; ++b)
+            numPts += toIndex(std::max(dataBlock.getNumPtsInBlock(b), 0));
     }
 
     /// Writes the at most maxPts nearest points, nearest first, and returns their number. Once for each object.
