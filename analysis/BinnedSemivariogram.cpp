@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
+#include "analysis/Folds.h"
+#include "analysis/ModelPoints.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
@@ -16,6 +19,10 @@ namespace fenn::analysis
 namespace
 {
 
+constexpr std::uint64_t drawingSeed = 1;
+
+constexpr double degree = 0.017453292519943295; // in radians
+
 /// The points of a model side by side: one column per variable, raw units.
 struct PointColumns
 {
@@ -25,19 +32,32 @@ struct PointColumns
 
 PointColumns gatherPoints(const ModelParts& parts, std::size_t outputVar)
 {
-    const SurrogateModelDataBlock& block = parts.getDataBlock();
     PointColumns columns;
-    columns.inputs.resize(static_cast<std::size_t>(block.getNumInputVars()));
-    for (const auto& [b, i] : parts.getPoints())
-    {
-        for (std::size_t v = 0; v < columns.inputs.size(); ++v)
-            columns.inputs[v].push_back(block.getInputValueArraysForBlock(b)[v][i]);
-        columns.output.push_back(block.getOutputValueArraysForBlock(b)[outputVar][i]);
-    }
+    for (std::size_t v = 0; v < parts.getNormalizers().size(); ++v)
+        columns.inputs.push_back(inputOfPoints(parts, v));
+    columns.output = outputOfPoints(parts, outputVar);
     return columns;
 }
 
-/// Point i and those after it, as the semivariogram takes them.
+std::vector<double> inOrder(const std::vector<double>& values, const std::vector<std::size_t>& order)
+{
+    std::vector<double> ordered;
+    ordered.reserve(order.size());
+    for (const std::size_t i : order)
+        ordered.push_back(values[i]);
+    return ordered;
+}
+
+PointColumns inOrder(const PointColumns& columns, const std::vector<std::size_t>& order)
+{
+    PointColumns ordered;
+    for (const std::vector<double>& column : columns.inputs)
+        ordered.inputs.push_back(inOrder(column, order));
+    ordered.output = inOrder(columns.output, order);
+    return ordered;
+}
+
+/// Some points after another, as the semivariogram takes them.
 class PointTail
 {
 public:
@@ -61,6 +81,119 @@ private:
     PointArrays arrays;
 };
 
+/// Which pairs to look at: point i with those after it and before ends[i].
+struct Partners
+{
+    PointColumns points;
+    std::vector<std::size_t> ends;
+};
+
+/// ends for points in ascending order of these values: up to the last one no farther away than reach.
+std::vector<std::size_t> endsWithin(const std::vector<double>& ascending, double scale, double reach)
+{
+    std::vector<std::size_t> ends;
+    std::size_t end = 0;
+    for (const double value : ascending)
+    {
+        while (end < ascending.size() && (ascending[end] - value) * scale <= reach)
+            ++end;
+        ends.push_back(end);
+    }
+    return ends;
+}
+
+double countPairs(const std::vector<std::size_t>& ends)
+{
+    double count = 0.0;
+    for (std::size_t i = 0; i < ends.size(); ++i)
+        count += static_cast<double>(ends[i] - i - 1);
+    return count;
+}
+
+Partners choosePartners(const ModelParts& parts, const BinningOptions& options, double maxLag)
+{
+    Partners partners{gatherPoints(parts, options.outputVar), {}};
+    const std::size_t numPts = partners.points.output.size();
+    const auto maxPairs = static_cast<double>(options.maxPairs);
+    if (0.5 * static_cast<double>(numPts) * (static_cast<double>(numPts) - 1.0) <= maxPairs)
+    {
+        partners.ends.assign(numPts, numPts);
+        return partners;
+    }
+
+    std::size_t bestVar = 0;
+    double fewest = -1.0;
+    for (std::size_t v = 0; v < partners.points.inputs.size(); ++v)
+    {
+        std::vector<double> ascending = partners.points.inputs[v];
+        std::sort(ascending.begin(), ascending.end());
+        const double count = countPairs(endsWithin(ascending, parts.getNormalizers()[v].getScale(), maxLag));
+        if (fewest < 0.0 || count < fewest)
+        {
+            fewest = count;
+            bestVar = v;
+        }
+    }
+    // Of a share s of the points, s^2 of the pairs are expected.
+    const double share = std::min(1.0, std::sqrt(maxPairs / fewest));
+    std::vector<std::size_t> order = shuffledIndices(numPts, drawingSeed);
+    order.resize(std::max<std::size_t>(2, static_cast<std::size_t>(share * static_cast<double>(numPts))));
+    const std::vector<double>& sortedBy = partners.points.inputs[bestVar];
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b)
+              { return sortedBy[a] != sortedBy[b] ? sortedBy[a] < sortedBy[b] : a < b; });
+    partners.points = inOrder(partners.points, order);
+    partners.ends = endsWithin(partners.points.inputs[bestVar], parts.getNormalizers()[bestVar].getScale(), maxLag);
+    return partners;
+}
+
+/// Whether a pair of points lies in the direction asked for, if one is.
+class DirectionFilter
+{
+public:
+    explicit DirectionFilter(const BinningOptions& options) : isActive(options.direction.has_value())
+    {
+        if (!isActive)
+            return;
+        cosine = std::cos(*options.direction * degree);
+        sine = std::sin(*options.direction * degree);
+        // Widened by rounding, so that a pair just at the tolerance counts on both sides.
+        smallestCosine = options.tolerance >= 90.0 ? 0.0 : std::cos(options.tolerance * degree) * (1.0 - 1e-12);
+    }
+
+    bool takes(const std::vector<std::vector<double>>& inputs, std::size_t i, std::size_t j) const
+    {
+        if (!isActive)
+            return true;
+        const double x = inputs[0][j] - inputs[0][i];
+        const double y = inputs[1][j] - inputs[1][i];
+        const double length = std::hypot(x, y);
+        return length > 0.0 && std::fabs(x * cosine + y * sine) >= smallestCosine * length;
+    }
+
+private:
+    bool isActive;
+    double cosine = 0.0;
+    double sine = 0.0;
+    double smallestCosine = 0.0;
+};
+
+void checkOptions(const ModelParts& parts, const BinningOptions& options, double maxLag)
+{
+    if (options.outputVar >= static_cast<std::size_t>(parts.getDataBlock().getNumOutputVars()))
+        throw std::invalid_argument("there is no output variable " + std::to_string(options.outputVar));
+    if (options.numLags == 0)
+        throw std::invalid_argument("the number of lags must be at least 1");
+    if (!(maxLag > 0.0 && std::isfinite(maxLag)))
+        throw std::invalid_argument("the maximum lag must be finite and above 0");
+    if (!options.direction)
+        return;
+    if (parts.getNormalizers().size() != 2)
+        throw std::invalid_argument("a direction needs two input variables");
+    if (!std::isfinite(*options.direction) || !(options.tolerance > 0.0))
+        throw std::invalid_argument("a direction must be finite and its tolerance above 0");
+}
+
 } // namespace
 
 double defaultMaxLag(const ModelParts& parts)
@@ -75,32 +208,35 @@ double defaultMaxLag(const ModelParts& parts)
     return 0.5 * std::sqrt(squaredDiagonal);
 }
 
-std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t outputVar, std::size_t numLags,
-                                        double maxLag)
+std::optional<double> commonScale(const ModelParts& parts)
 {
-    const SurrogateModelDataBlock& block = parts.getDataBlock();
-    if (outputVar >= static_cast<std::size_t>(block.getNumOutputVars()))
-        throw std::invalid_argument("there is no output variable " + std::to_string(outputVar));
-    if (numLags == 0)
-        throw std::invalid_argument("the number of lags must be at least 1");
-    if (maxLag == 0.0)
-        maxLag = defaultMaxLag(parts);
-    if (!(maxLag > 0.0 && std::isfinite(maxLag)))
-        throw std::invalid_argument("the maximum lag must be finite and above 0");
+    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
+    for (const Normalizer& normalizer : normalizers)
+    {
+        if (normalizer.getScale() != normalizers[0].getScale())
+            return std::nullopt;
+    }
+    return normalizers[0].getScale();
+}
+
+BinnedSemivariogram binSemivariogram(const ModelParts& parts, const BinningOptions& options)
+{
+    const double maxLag = options.maxLag == 0.0 ? defaultMaxLag(parts) : options.maxLag;
+    checkOptions(parts, options, maxLag);
 
     const std::vector<Normalizer>& normalizers = parts.getNormalizers();
-    const PointColumns points = gatherPoints(parts, outputVar);
-    const std::size_t numPts = points.output.size();
-    const double outputVariance = block.getOutputVarSampleVariance(static_cast<int>(outputVar));
-    const double width = maxLag / static_cast<double>(numLags);
-    std::vector<LagBin> bins(numLags); // sums until the end
-    std::vector<double> modelValues(numPts);
-    for (std::size_t i = 0; i + 1 < numPts; ++i)
+    const Partners partners = choosePartners(parts, options, maxLag);
+    const PointColumns& points = partners.points;
+    const DirectionFilter filter(options);
+    const double width = maxLag / static_cast<double>(options.numLags);
+    std::vector<LagBin> bins(options.numLags); // sums until the end
+    std::vector<double> modelValues(points.output.size());
+    for (std::size_t i = 0; i + 1 < points.output.size(); ++i)
     {
-        const std::size_t numPartners = numPts - i - 1;
+        const std::size_t numPartners = partners.ends[i] - i - 1;
         const PointTail point(points, i, 1);
-        const PointTail partners(points, i + 1, numPartners);
-        parts.getSemivariogram().evaluatePairs(point.get(), partners.get(), modelValues.data(), numPartners);
+        const PointTail following(points, i + 1, numPartners);
+        parts.getSemivariogram().evaluatePairs(point.get(), following.get(), modelValues.data(), numPartners);
         for (std::size_t k = 0; k < numPartners; ++k)
         {
             const std::size_t j = i + 1 + k;
@@ -111,9 +247,9 @@ std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t out
                 lagSquared += difference * difference;
             }
             const double lag = std::sqrt(lagSquared);
-            if (!(lag <= maxLag))
+            if (!(lag <= maxLag) || !filter.takes(points.inputs, i, j))
                 continue;
-            const auto b = std::min(static_cast<std::size_t>(lag / width), numLags - 1);
+            const auto b = std::min(static_cast<std::size_t>(lag / width), options.numLags - 1);
             const double outputDifference = points.output[i] - points.output[j];
             bins[b].meanLag += lag;
             bins[b].semivariance += outputDifference * outputDifference;
@@ -122,21 +258,32 @@ std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t out
         }
     }
 
-    std::vector<LagBin> filled;
-    for (std::size_t b = 0; b < numLags; ++b)
+    const double sill = options.sill ? *options.sill : varianceOfPoints(parts, options.outputVar);
+    BinnedSemivariogram result{{}, parts.getPoints().size(), points.output.size()};
+    for (std::size_t b = 0; b < options.numLags; ++b)
     {
         LagBin bin = bins[b];
         if (bin.numPairs == 0)
             continue;
         const auto count = static_cast<double>(bin.numPairs);
         bin.lowerLag = static_cast<double>(b) * width;
-        bin.upperLag = b + 1 == numLags ? maxLag : static_cast<double>(b + 1) * width;
+        bin.upperLag = b + 1 == options.numLags ? maxLag : static_cast<double>(b + 1) * width;
         bin.meanLag /= count;
         bin.semivariance *= 0.5 / count;
-        bin.modelValue *= outputVariance / count;
-        filled.push_back(bin);
+        bin.modelValue *= sill / count;
+        result.bins.push_back(bin);
     }
-    return filled;
+    return result;
+}
+
+std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t outputVar, std::size_t numLags,
+                                        double maxLag)
+{
+    BinningOptions options;
+    options.outputVar = outputVar;
+    options.numLags = numLags;
+    options.maxLag = maxLag;
+    return binSemivariogram(parts, options).bins;
 }
 
 } // namespace fenn::analysis

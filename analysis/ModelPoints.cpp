@@ -19,15 +19,34 @@ std::vector<std::vector<std::size_t>> membersOfPoints(const ModelParts& parts)
     return members;
 }
 
+std::vector<double> inputOfPoints(const ModelParts& parts, std::size_t inputVar)
+{
+    std::vector<double> values;
+    values.reserve(parts.getPoints().size());
+    for (const auto& [block, i] : parts.getPoints())
+        values.push_back(parts.getDataBlock().getInputValueArraysForBlock(block)[inputVar][i]);
+    return values;
+}
+
+std::vector<double> outputOfPoints(const ModelParts& parts, std::size_t outputVar)
+{
+    std::vector<double> values;
+    values.reserve(parts.getPoints().size());
+    for (const auto& [block, i] : parts.getPoints())
+        values.push_back(parts.getDataBlock().getOutputValueArraysForBlock(block)[outputVar][i]);
+    return values;
+}
+
+double varianceOfPoints(const ModelParts& parts, std::size_t outputVar)
+{
+    return parts.getDataBlock().getOutputVarSampleVariance(static_cast<int>(outputVar));
+}
+
 std::vector<std::vector<double>> outputsOfPoints(const ModelParts& parts)
 {
-    const SurrogateModelDataBlock& block = parts.getDataBlock();
-    std::vector<std::vector<double>> outputs(static_cast<std::size_t>(block.getNumOutputVars()));
-    for (std::size_t w = 0; w < outputs.size(); ++w)
-    {
-        for (const SourcePointRef& point : parts.getPoints())
-            outputs[w].push_back(block.getOutputValueArraysForBlock(point.first)[w][point.second]);
-    }
+    std::vector<std::vector<double>> outputs;
+    for (int w = 0; w < parts.getDataBlock().getNumOutputVars(); ++w)
+        outputs.push_back(outputOfPoints(parts, static_cast<std::size_t>(w)));
     return outputs;
 }
 

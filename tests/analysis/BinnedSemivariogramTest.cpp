@@ -13,6 +13,10 @@ namespace
 {
 
 using fenn::analysis::binnedSemivariogram;
+using fenn::analysis::BinnedSemivariogram;
+using fenn::analysis::BinningOptions;
+using fenn::analysis::binSemivariogram;
+using fenn::analysis::commonScale;
 using fenn::analysis::defaultMaxLag;
 using fenn::analysis::LagBin;
 using fenn::estimation::makeModelParts;
@@ -114,6 +118,139 @@ TEST(BinnedSemivariogramTest, WhatCannotBeBinnedIsRefused)
     EXPECT_THROW(binnedSemivariogram(*parts, 0, 0), std::invalid_argument);
     EXPECT_THROW(binnedSemivariogram(*parts, 0, 4, -1.0), std::invalid_argument);
     EXPECT_THROW(binnedSemivariogram(*parts, 0, 4, std::nan("")), std::invalid_argument);
+}
+
+TEST(BinnedSemivariogramTest, TheModelMayHaveASillOfItsOwn)
+{
+    const SampleSet samples({{0.0, 1.0, 2.0}}, {{0.0, 2.0, 2.0}});
+    const auto parts = makeModelParts(samples, {});
+    BinningOptions options;
+    options.numLags = 4;
+    options.maxLag = 2.0;
+    options.sill = 10.0;
+
+    const std::vector<LagBin> bins = binSemivariogram(*parts, options).bins;
+
+    EXPECT_DOUBLE_EQ(bins[0].modelValue, 6.875);
+    EXPECT_EQ(bins[1].modelValue, 10.0);
+}
+
+TEST(BinnedSemivariogramTest, InputsOfOneScaleShareIt)
+{
+    const SampleSet samples({{0.0, 1.0, 4.0}, {0.0, 2.0, 1.0}}, {{0.0, 2.0, 2.0}});
+
+    const auto equal = makeModelParts(samples, {-1.0, {1.0, 1.0}, 0, 1.0, 0.0, 0});
+    EXPECT_EQ(commonScale(*equal), equal->getNormalizers()[0].getScale());
+    EXPECT_EQ(commonScale(*makeModelParts(samples, {})), std::nullopt);
+}
+
+TEST(BinnedSemivariogramTest, ADirectionTakesThePairsAlongIt)
+{
+    // A square with sides of 1, its corners anticlockwise: two sides along each axis and the diagonals.
+    const SampleSet samples({{0.0, 1.0, 1.0, 0.0}, {0.0, 0.0, 1.0, 1.0}}, {{0.0, 1.0, 4.0, 9.0}});
+    const auto parts = makeModelParts(samples, {});
+    BinningOptions options;
+    options.numLags = 1;
+    options.maxLag = 10.0;
+    const auto sumOfSquares = [&](double direction, double tolerance)
+    {
+        options.direction = direction;
+        options.tolerance = tolerance;
+        const std::vector<LagBin> bins = binSemivariogram(*parts, options).bins;
+        return bins.empty() ? 0.0 : 2.0 * bins[0].semivariance * static_cast<double>(bins[0].numPairs);
+    };
+    constexpr double alongX = 1.0 + 25.0;
+    constexpr double alongY = 9.0 + 81.0;
+
+    EXPECT_DOUBLE_EQ(sumOfSquares(0.0, 10.0), alongX);
+    EXPECT_DOUBLE_EQ(sumOfSquares(90.0, 10.0), alongY);
+    EXPECT_DOUBLE_EQ(sumOfSquares(45.0, 10.0), 16.0);
+    EXPECT_DOUBLE_EQ(sumOfSquares(135.0, 10.0), 64.0);
+    EXPECT_DOUBLE_EQ(sumOfSquares(-45.0, 10.0), 64.0);
+    EXPECT_DOUBLE_EQ(sumOfSquares(20.0, 10.0), 0.0);
+    EXPECT_DOUBLE_EQ(sumOfSquares(20.0, 25.0), alongX + 16.0);
+    EXPECT_DOUBLE_EQ(sumOfSquares(0.0, 45.0), alongX + 16.0 + 64.0); // those at the tolerance count
+    EXPECT_DOUBLE_EQ(sumOfSquares(0.0, 90.0), alongX + alongY + 16.0 + 64.0);
+}
+
+TEST(BinnedSemivariogramTest, DirectionsAreThoseOfTheInputsUnits)
+{
+    // Both axes span 2 when normalised; as they stand, the diagonal rises by 0.1.
+    const SampleSet samples({{0.0, 10.0}, {0.0, 1.0}}, {{0.0, 2.0}});
+    const auto parts = makeModelParts(samples, {});
+    BinningOptions options;
+    options.maxLag = 10.0;
+    options.tolerance = 1.0;
+
+    options.direction = std::atan(0.1) * 180.0 / 3.14159265358979;
+    EXPECT_EQ(binSemivariogram(*parts, options).bins.size(), 1U);
+    options.direction = 45.0;
+    EXPECT_EQ(binSemivariogram(*parts, options).bins.size(), 0U);
+}
+
+TEST(BinnedSemivariogramTest, BeyondTheLargestNumberOfPairsOnlyThoseWithinReachAreFormed)
+{
+    const SampleSet samples = fenn::test::smoothSamples(400, 10);
+    const auto parts = makeModelParts(samples, {});
+    BinningOptions options;
+    options.numLags = 7;
+    options.maxLag = 0.2; // of sides of 2: some tenth of the pairs lie so near in one input
+    const BinnedSemivariogram all = binSemivariogram(*parts, options);
+    options.maxPairs = 400 * 399 / 4;
+
+    const BinnedSemivariogram near = binSemivariogram(*parts, options);
+
+    EXPECT_EQ(near.numPoints, 400U);
+    EXPECT_EQ(near.numPointsUsed, 400U);
+    ASSERT_EQ(near.bins.size(), all.bins.size());
+    for (std::size_t b = 0; b < all.bins.size(); ++b)
+    {
+        EXPECT_EQ(near.bins[b].numPairs, all.bins[b].numPairs);
+        EXPECT_NEAR(near.bins[b].semivariance / all.bins[b].semivariance, 1.0, 1e-12);
+        EXPECT_NEAR(near.bins[b].modelValue / all.bins[b].modelValue, 1.0, 1e-12);
+    }
+}
+
+TEST(BinnedSemivariogramTest, PairsThatAreStillTooManyAreFormedFromAShareOfThePoints)
+{
+    const SampleSet samples = fenn::test::smoothSamples(2000, 11);
+    const auto parts = makeModelParts(samples, {});
+    BinningOptions options;
+    options.numLags = 5;
+    const BinnedSemivariogram all = binSemivariogram(*parts, options);
+    options.maxPairs = 200000;
+
+    const BinnedSemivariogram some = binSemivariogram(*parts, options);
+
+    EXPECT_EQ(all.numPointsUsed, 2000U);
+    EXPECT_GT(some.numPointsUsed, 500U);
+    EXPECT_LT(some.numPointsUsed, 1000U);
+    std::size_t numPairs = 0;
+    for (std::size_t b = 0; b < 5; ++b)
+    {
+        numPairs += some.bins[b].numPairs;
+        EXPECT_NEAR(some.bins[b].semivariance / all.bins[b].semivariance, 1.0, 0.15);
+    }
+    EXPECT_LT(numPairs, 220000U);
+    EXPECT_EQ(binSemivariogram(*parts, options).bins[2].semivariance, some.bins[2].semivariance);
+}
+
+TEST(BinnedSemivariogramTest, DirectionsThatCannotBeAreRefused)
+{
+    const SampleSet line({{0.0, 1.0, 2.0}}, {{0.0, 2.0, 2.0}});
+    const SampleSet plane = fenn::test::smoothSamples(10, 12);
+    const auto lineParts = makeModelParts(line, {});
+    const auto planeParts = makeModelParts(plane, {});
+    BinningOptions options;
+    options.direction = 10.0;
+
+    EXPECT_THROW(binSemivariogram(*lineParts, options), std::invalid_argument);
+    EXPECT_NO_THROW(binSemivariogram(*planeParts, options));
+    options.tolerance = 0.0;
+    EXPECT_THROW(binSemivariogram(*planeParts, options), std::invalid_argument);
+    options.tolerance = 10.0;
+    options.direction = std::nan("");
+    EXPECT_THROW(binSemivariogram(*planeParts, options), std::invalid_argument);
 }
 
 } // namespace

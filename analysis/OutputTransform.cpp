@@ -1,0 +1,54 @@
+#include "analysis/OutputTransform.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+#include "estimation/StandardError.h"
+
+namespace fenn::analysis
+{
+
+Interval predictionInterval(double estimate, double standardError, double factor)
+{
+    const double halfWidth = factor * standardError;
+    return {estimate - halfWidth, estimate + halfWidth};
+}
+
+double clamped(double value, const Interval& limits)
+{
+    if (value < limits.lower)
+        return limits.lower;
+    return value > limits.upper ? limits.upper : value;
+}
+
+std::vector<double> toLogarithms(const std::vector<double>& values)
+{
+    std::vector<double> logarithms;
+    logarithms.reserve(values.size());
+    for (const double value : values)
+    {
+        if (!(value > 0.0 && std::isfinite(value)))
+            throw std::invalid_argument("the value of sample " + std::to_string(logarithms.size()) +
+                                        " has no logarithm: it must be above 0");
+        logarithms.push_back(std::log(value));
+    }
+    return logarithms;
+}
+
+double expectationOf(double estimate, double variance, double driftProduct, double sill)
+{
+    return std::exp(estimate + sill * (0.5 * estimation::acceptedVariance(variance) - driftProduct));
+}
+
+double medianOf(double estimate)
+{
+    return std::exp(estimate);
+}
+
+Interval fromLogarithms(const Interval& interval)
+{
+    return {std::exp(interval.lower), std::exp(interval.upper)};
+}
+
+} // namespace fenn::analysis

@@ -1,0 +1,53 @@
+#ifndef FENN_ANALYSIS_OUTPUTTRANSFORM_H
+#define FENN_ANALYSIS_OUTPUTTRANSFORM_H
+
+#include <limits>
+#include <vector>
+
+namespace fenn::analysis
+{
+
+/// Ends of an interval, or limits that values are brought into.
+struct Interval
+{
+    double lower = -std::numeric_limits<double>::infinity();
+    double upper = std::numeric_limits<double>::infinity();
+};
+
+/// estimate - factor * standardError and estimate + factor * standardError, factor from intervalFactor. NaN where one
+/// of them is.
+Interval predictionInterval(double estimate, double standardError, double factor);
+
+/// A value brought into limits; NaN stays.
+double clamped(double value, const Interval& limits);
+
+// Outputs that are modelled by their natural logarithms. What is estimated of the logarithm comes back in the data's
+// units in three ways: as the expectation, as the median and as an interval.
+
+/// Throws std::invalid_argument, with the number of the sample from 0, for a value that is not above 0 and finite.
+std::vector<double> toLogarithms(const std::vector<double>& values);
+
+/// Unbiased estimate of the expectation where the logarithm is estimated as y, with the drift's coefficients, the
+/// constant's among them, unknown:
+///
+///     exp(y + sill (V / 2 - mu^T f)),    Gamma lambda + F mu = gamma,    V = lambda^T gamma + mu^T f
+///
+/// For the logarithm is normal with variance sill, but y itself varies with sill lambda^T C lambda = sill (1 - V + 2
+/// mu^T f): half of the difference is what exp(y) lacks.
+///
+/// Source: A. G. Journel and C. J. Huijbregts, Mining Geostatistics (Academic Press, 1978), section VIII.A.1; in
+/// covariances, with the other sign of mu, there.
+///
+/// variance: V for a sill of 1. driftProduct: mu^T f of the target. NaN where the variance is not accepted
+/// (estimation::acceptedVariance).
+double expectationOf(double estimate, double variance, double driftProduct, double sill);
+
+/// exp(y): half of all values lie below it. Lower than the expectation, and not unbiased.
+double medianOf(double estimate);
+
+/// Ends of an interval of the logarithm, each by itself: it holds as many values.
+Interval fromLogarithms(const Interval& interval);
+
+} // namespace fenn::analysis
+
+#endif
