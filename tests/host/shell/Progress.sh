@@ -95,7 +95,7 @@ test_ProgressCanBeAskedFor()
     predict --exact --grid 700x700 -o out.csv --progress
     expect_status 0
     expect_stderr 'progress: '
-    grep -qE 'progress: [0-9]+ of 490000 targets \([0-9]+ %\), [0-9]+/s, [0-9]+ s left' "$scratch/log/err" || fail 'no figures'
+    grep -qE 'progress: [0-9]+ of 490000 targets \([0-9]+ %\), [0-9]+/s, ([0-9]+ min )?[0-9]+ s left' "$scratch/log/err" || fail 'no figures'
 }
 
 test_QuietAndProgressAreAUsageError()
