@@ -293,6 +293,23 @@ EngineReport CovarianceEstimator::getReport() const
     return report;
 }
 
+std::vector<std::vector<double>> CovarianceEstimator::calcDualWeights() const
+{
+    const std::size_t numPoints = system->getNumPoints();
+    std::vector<std::vector<double>> weights(solution->getWeights().numOutputs, std::vector<double>(numPoints));
+    for (std::size_t w = 0; w < weights.size(); ++w)
+    {
+        for (std::size_t i = 0; i < numPoints; ++i)
+            weights[w][system->getPositions()[i]] = solution->getWeights().values[w * numPoints + i];
+    }
+    return weights;
+}
+
+double CovarianceEstimator::calcReciprocalCondition() const
+{
+    return 1.0 / (system->calcNorm(solution->getDriftScales()) * solution->getInverseNorm());
+}
+
 bool CovarianceEstimator::isGlobal() const
 {
     return true;

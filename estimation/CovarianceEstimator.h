@@ -41,6 +41,8 @@ public:
 
     void estimate(const Targets& targets, const Results& results) const override;
     EngineReport getReport() const override;
+    std::vector<std::vector<double>> calcDualWeights() const override;
+    double calcReciprocalCondition() const override;
     bool isGlobal() const override;
 
 private:

@@ -1,8 +1,10 @@
 #include "estimation/CovarianceInverse.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
+#include "estimation/InverseNorm.h"
 #include "estimation/ParallelRanges.h"
 #include "estimation/StripStore.h"
 #include "surrogatemodel_kriging/Matrix.h"
@@ -110,6 +112,31 @@ std::vector<double> CovarianceInverse::solve(const std::vector<double>& values) 
     for (std::size_t i = 0; i < values.size(); ++i)
         solution[i] = -column[stripWidth * rowOfPoint[i]];
     return solution;
+}
+
+double CovarianceInverse::calcLogDeterminant() const
+{
+    return system.calcLogDeterminant();
+}
+
+double CovarianceInverse::calcReciprocalCondition() const
+{
+    const std::vector<double> scales(system.getNumDriftTerms(), 1.0);
+    InverseNorm norm(system.getRowScales(scales), stripWidth);
+    const StripStore store(system.getNumRows(), 1);
+    for (int solve = 0; solve < InverseNorm::numSolves; ++solve)
+    {
+        norm.writeColumns(store, 0);
+        system.solve(store.getGroup());
+        norm.readSolutions(store, 0);
+    }
+    const double condition = system.calcNorm(scales) * norm.getEstimate();
+    return std::isnan(condition) ? 0.0 : 1.0 / condition;
+}
+
+bool CovarianceInverse::isWellConditioned() const
+{
+    return true; // or makeWhereAccurate would not have made it
 }
 
 void CovarianceInverse::calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const

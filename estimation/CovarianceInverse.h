@@ -27,6 +27,9 @@ public:
                                                                 int numThreads);
 
     std::vector<double> solve(const std::vector<double>& values) const override;
+    double calcLogDeterminant() const override;
+    double calcReciprocalCondition() const override;
+    bool isWellConditioned() const override;
 
 private:
     CovarianceInverse(const ModelParts& parts, int driftOrder, int numThreads);

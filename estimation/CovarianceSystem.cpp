@@ -242,6 +242,52 @@ void CovarianceSystem::writeRightHandSides(const double* targets, double* strip,
     std::fill(drift + stripWidth * numDriftTerms, strip + stripWidth * triangle.numRows, 0.0);
 }
 
+std::vector<double> CovarianceSystem::getRowScales(const std::vector<double>& driftScales) const
+{
+    std::vector<double> rowScales(triangle.numRows, 0.0);
+    std::fill_n(rowScales.begin(), points.size(), 1.0);
+    std::copy(driftScales.begin(), driftScales.end(),
+              rowScales.begin() + static_cast<std::ptrdiff_t>(triangle.numPositive));
+    return rowScales;
+}
+
+double CovarianceSystem::calcNorm(const std::vector<double>& driftScales) const
+{
+    std::vector<double> targets(stripWidth * scales.size());
+    std::vector<double> scratch(targets.size());
+    std::vector<double> covariances(stripWidth * points.size());
+    std::vector<double> lines(stripWidth * numDriftTerms);
+    std::vector<double> ofDrift(numDriftTerms, 0.0);
+    double largest = 0.0;
+    for (std::size_t begin = 0; begin < points.size(); begin += stripWidth)
+    {
+        gatherPoints(begin, targets.data());
+        kernels::evaluateCovariances(getModel(), getBoxedPoints(), 0, points.size(), targets.data(),
+                                     covariances.data());
+        writeDriftTerms(targets.data(), lines.data(), scratch.data());
+        double sums[stripWidth];
+        std::fill_n(sums, stripWidth, model.nugget); // a point's covariance with itself is 1, not 1 - nugget
+        for (std::size_t j = 0; j < points.size(); ++j)
+        {
+            for (std::size_t t = 0; t < stripWidth; ++t)
+                sums[t] += std::fabs(covariances[stripWidth * j + t]);
+        }
+        for (std::size_t t = 0; t < std::min(stripWidth, points.size() - begin); ++t)
+        {
+            for (std::size_t k = 0; k < numDriftTerms; ++k)
+            {
+                const double term = std::fabs(lines[stripWidth * k + t]) / driftScales[k];
+                sums[t] += term;
+                ofDrift[k] += term;
+            }
+            largest = std::max(largest, sums[t]);
+        }
+    }
+    for (const double sum : ofDrift)
+        largest = std::max(largest, sum);
+    return largest;
+}
+
 void CovarianceSystem::substitute(const kernels::StripGroup& group, std::size_t firstRow) const
 {
     kernels::substituteLower(triangle, workspace.data(), group, firstRow / triangleTileRows);
@@ -257,6 +303,16 @@ void CovarianceSystem::solve(const kernels::StripGroup& group) const
             strip[i] = -strip[i];
     }
     kernels::substituteLowerTransposed(triangle, workspace.data(), group);
+}
+
+double CovarianceSystem::calcLogDeterminant() const
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        sum += 2.0 * std::log(triangle.at(i, i));
+    for (std::size_t i = triangle.numPositive; i < triangle.numPositive + numDriftTerms; ++i)
+        sum += 2.0 * std::log(std::fabs(triangle.at(i, i)));
+    return sum;
 }
 
 double CovarianceSystem::calcRowNorm(std::size_t i) const

@@ -68,6 +68,13 @@ public:
     /// The right-hand side (c, f) of eight targets, all rows of a strip.
     void writeRightHandSides(const double* targets, double* strip, double* scratch) const;
 
+    /// One per row: 1 for points, those of driftScales, one per drift term, and 0 where nothing belongs.
+    std::vector<double> getRowScales(const std::vector<double>& driftScales) const;
+
+    /// The largest column sum of magnitudes of S^-1 K S^-1 with 1 for points and driftScales in the diagonal S. Costs
+    /// n^2 covariances.
+    double calcNorm(const std::vector<double>& driftScales) const;
+
     // After factorise, in place:
 
     /// L X = B: (L^-1 c, R^-1 (f - F^T C^-1 c)) of a right-hand side (c, f). firstRow: the first of a tile; rows above
@@ -76,6 +83,9 @@ public:
 
     /// K X = B.
     void solve(const kernels::StripGroup& group) const;
+
+    /// Natural logarithm of the magnitude of K's determinant.
+    double calcLogDeterminant() const;
 
     /// The Euclidean norm of row i of L.
     double calcRowNorm(std::size_t i) const;

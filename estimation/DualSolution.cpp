@@ -254,14 +254,9 @@ DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& par
         }
     }
 
-    std::vector<double> scales(system.getNumRows());
-    std::fill_n(scales.begin(), numPoints, 1.0);
     for (std::size_t k = 0; k < numDriftTerms; ++k)
-    {
         driftScales.push_back(system.calcRowNorm(system.getFirstDriftRow() + k));
-        scales[system.getFirstDriftRow() + k] = driftScales.back();
-    }
-    InverseNorm norm(std::move(scales), refinement.getNumNormColumns());
+    InverseNorm norm(system.getRowScales(driftScales), refinement.getNumNormColumns());
 
     const auto take = [&]
     {
@@ -295,10 +290,21 @@ DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& par
     refinement.solve(norm);
     refinement.refine(&norm);
     refinement.solveNorm(norm);
+    inverseNorm = norm.getEstimate();
     const auto numUsedRows = static_cast<double>(numPoints + numDriftTerms);
-    relativeError = 4.0 * numUsedRows * (numUsedRows + 2.0) * unitRoundoff * norm.getEstimate();
+    relativeError = 4.0 * numUsedRows * (numUsedRows + 2.0) * unitRoundoff * inverseNorm;
     for (int numCorrections = 1; !take() && numCorrections < maxCorrections; ++numCorrections)
         refinement.refine(nullptr);
+}
+
+double DualSolution::getInverseNorm() const
+{
+    return inverseNorm;
+}
+
+const std::vector<double>& DualSolution::getDriftScales() const
+{
+    return driftScales;
 }
 
 kernels::PointWeights DualSolution::getWeights() const

@@ -34,6 +34,10 @@ public:
     DualSolution(const CovarianceSystem& system, const ModelParts& parts, ParallelRanges& threads,
                  const std::vector<double>& driftMagnitudes, double tolerance);
 
+    /// Estimate of the norm of S K^-1 S, with 1 for points and getDriftScales in the diagonal S. See InverseNorm.
+    double getInverseNorm() const;
+    const std::vector<double>& getDriftScales() const;
+
     /// Of the points in the system's order.
     kernels::PointWeights getWeights() const;
 
@@ -67,7 +71,8 @@ private:
     std::vector<Output> outputs;
     std::vector<double> weights;      // output by output
     std::vector<double> coefficients; // likewise
-    double relativeError = 0.0;       // of a correction: rho
+    double inverseNorm = 0.0;
+    double relativeError = 0.0; // of a correction: rho
 };
 
 } // namespace fenn::estimation

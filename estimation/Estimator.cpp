@@ -14,4 +14,9 @@ const ModelParts& Estimator::getParts() const
     return *parts;
 }
 
+const std::shared_ptr<const ModelParts>& Estimator::shareParts() const
+{
+    return parts;
+}
+
 } // namespace fenn::estimation

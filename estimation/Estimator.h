@@ -56,11 +56,25 @@ public:
 
     virtual EngineReport getReport() const = 0;
 
+    // Of a global model's one system K over all points, see SystemInverse; a local model has none.
+
+    /// Per output variable the dual weights, one per point of ModelParts::getPoints: the points' part of K^-1 (z, 0)
+    /// for the outputs z, in covariance form, so that z^T weights is the generalised sum of squares that the drift
+    /// leaves. Empty for a local model. Throws Error as estimate.
+    virtual std::vector<std::vector<double>> calcDualWeights() const = 0;
+
+    /// Estimate of 1 / (|K| |K^-1|) in the form that was factorised: relative errors of solutions are about 1e-16 over
+    /// it. 0 where they mean nothing, NaN for a local model. Costs n^2 semivariogram values and some solves.
+    virtual double calcReciprocalCondition() const = 0;
+
     /// Whether every estimate uses all points.
     virtual bool isGlobal() const = 0;
 
     /// Normalizers, limits, points after merging and semivariogram. Lives as long as the estimator.
     const ModelParts& getParts() const;
+
+    /// For another engine over the same points.
+    const std::shared_ptr<const ModelParts>& shareParts() const;
 
 protected:
     explicit Estimator(std::shared_ptr<const ModelParts> parts_);

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "estimation/BorderedSystem.h"
 #include "estimation/ThreadCount.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
 #include "surrogatemodel_kriging/ModelParts.h"
@@ -30,6 +31,11 @@ public:
           scratch(target.size())
     {
         system.gatherCoordinates(points, coordinates);
+    }
+
+    const KrigingMatrix& getSystem() const
+    {
+        return system;
     }
 
     void estimate(const Targets& targets, const Results& results)
@@ -121,6 +127,30 @@ void ExactEstimator::estimate(const Targets& targets, const Results& results) co
 EngineReport ExactEstimator::getReport() const
 {
     return report;
+}
+
+std::vector<std::vector<double>> ExactEstimator::calcDualWeights() const
+{
+    if (!isGlobal())
+        return {};
+    const SurrogateModelDataBlock& block = getParts().getDataBlock();
+    std::vector<std::vector<double>> weights;
+    for (const int outputVar : outputVars)
+    {
+        std::vector<double> values; // centred: a common offset changes nothing but the rounding
+        for (const auto& [b, i] : getParts().getPoints())
+            values.push_back(block.getOutputValueArraysForBlock(b)[outputVar][i] - block.getOutputVarMean(outputVar));
+        weights.push_back(solveForPoints(callingThread->getSystem(), values));
+        for (double& weight : weights.back())
+            weight = -weight; // on vectors that the drift terms annihilate, semivariances act as minus covariances
+    }
+    return weights;
+}
+
+double ExactEstimator::calcReciprocalCondition() const
+{
+    return isGlobal() ? estimation::calcReciprocalCondition(callingThread->getSystem(), getParts())
+                      : std::numeric_limits<double>::quiet_NaN();
 }
 
 bool ExactEstimator::isGlobal() const

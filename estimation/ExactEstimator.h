@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
@@ -27,6 +28,8 @@ public:
 
     void estimate(const Targets& targets, const Results& results) const override;
     EngineReport getReport() const override;
+    std::vector<std::vector<double>> calcDualWeights() const override;
+    double calcReciprocalCondition() const override;
     bool isGlobal() const override;
 
 private:

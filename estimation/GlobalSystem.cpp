@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "estimation/BorderedSystem.h"
 #include "estimation/StripStore.h"
 #include "estimation/ThreadCount.h"
 #include "surrogatemodel_kriging/AllPtsKrigingController.h"
@@ -77,8 +78,9 @@ private:
     StripStore store;
 };
 
-GlobalSystem::GlobalSystem(const ModelParts& parts, int driftOrder, int numThreads)
-    : SystemInverse(parts.getPoints().size(), numThreads),
+GlobalSystem::GlobalSystem(const ModelParts& parts_, int driftOrder, int numThreads)
+    : SystemInverse(parts_.getPoints().size(), numThreads),
+      parts(parts_),
       controller(std::make_unique<AllPtsKrigingController>(&parts.getDataBlock(), &parts.getSemivariogram(), driftOrder,
                                                            chooseThreadCount(numThreads)))
 {
@@ -93,12 +95,22 @@ GlobalSystem::~GlobalSystem() = default;
 
 std::vector<double> GlobalSystem::solve(const std::vector<double>& values) const
 {
-    const KrigingMatrix& system = controller->getSystem();
-    std::vector<double> column(static_cast<std::size_t>(system.getDimension()), 0.0);
-    std::copy(values.begin(), values.end(), column.begin());
-    system.luSolve(column.data());
-    column.resize(values.size());
-    return column;
+    return solveForPoints(controller->getSystem(), values);
+}
+
+double GlobalSystem::calcLogDeterminant() const
+{
+    return estimation::calcLogDeterminant(controller->getSystem());
+}
+
+double GlobalSystem::calcReciprocalCondition() const
+{
+    return estimation::calcReciprocalCondition(controller->getSystem(), parts);
+}
+
+bool GlobalSystem::isWellConditioned() const
+{
+    return calcReciprocalCondition() >= smallestReciprocalCondition;
 }
 
 void GlobalSystem::calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const

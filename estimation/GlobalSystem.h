@@ -25,6 +25,9 @@ public:
     ~GlobalSystem() override;
 
     std::vector<double> solve(const std::vector<double>& values) const override;
+    double calcLogDeterminant() const override;
+    double calcReciprocalCondition() const override;
+    bool isWellConditioned() const override;
 
 private:
     class Columns;
@@ -32,6 +35,7 @@ private:
     void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const override;
     void calcBlock(const std::vector<std::size_t>& points, Matrix& block) const override;
 
+    const ModelParts& parts;
     std::unique_ptr<AllPtsKrigingController> controller; // for its system
     std::vector<std::size_t> placeOfRow;                 // where its row order puts each row
 };

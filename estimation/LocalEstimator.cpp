@@ -63,6 +63,16 @@ EngineReport LocalEstimator::getReport() const
     return report;
 }
 
+std::vector<std::vector<double>> LocalEstimator::calcDualWeights() const
+{
+    return {};
+}
+
+double LocalEstimator::calcReciprocalCondition() const
+{
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
 bool LocalEstimator::isGlobal() const
 {
     return false;

@@ -26,6 +26,8 @@ public:
 
     void estimate(const Targets& targets, const Results& results) const override;
     EngineReport getReport() const override;
+    std::vector<std::vector<double>> calcDualWeights() const override;
+    double calcReciprocalCondition() const override;
     bool isGlobal() const override;
 
     /// Leave-one-out: estimates points first to first + count - 1 of ModelParts::getPoints(), each at its own place

@@ -18,6 +18,10 @@ namespace fenn::estimation
 
 class ParallelRanges;
 
+/// Reciprocal condition below which points cannot be told apart: a hundred spacings of doubles at 1, so that no digit
+/// of an estimate can be relied upon.
+constexpr double smallestReciprocalCondition = 1e-14;
+
 /// The inverse of the Kriging system K of all points of a model, in semivariogram form as KrigingMatrix has it, as far
 /// as it belongs to the points of ModelParts::getPoints: for what is computed from the system itself and not from
 /// targets. K is factorised once, in the form that the implementation knows.
@@ -35,6 +39,16 @@ public:
     /// The points' part of K^-1 (values, 0): one value per point, zeros for the other rows. Throws Error as
     /// Matrix::luSolve.
     virtual std::vector<double> solve(const std::vector<double>& values) const = 0;
+
+    /// Natural logarithm of the magnitude of K's determinant, which is that of C times that of F^T C^-1 F.
+    virtual double calcLogDeterminant() const = 0;
+
+    /// Estimate of 1 / (|K| |K^-1|) in the form that was factorised, the norms being largest column sums of magnitudes;
+    /// 0 where solutions mean nothing. Costs n^2 semivariogram values and a dozen solves.
+    virtual double calcReciprocalCondition() const = 0;
+
+    /// Whether the reciprocal condition is at least smallestReciprocalCondition; cheaper where that is known without.
+    virtual bool isWellConditioned() const = 0;
 
     /// The diagonal elements that belong to points. afterSome: called on the calling thread, as the work proceeds, with
     /// the number of elements that are known; what it throws is passed on. Throws Error as Matrix::luSolve.

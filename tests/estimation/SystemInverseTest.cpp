@@ -17,6 +17,7 @@
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
+#include "tests/estimation/DenseKriging.h"
 #include "tests/estimation/Samples.h"
 #include "tests/support/BitComparison.h"
 
@@ -32,6 +33,8 @@ using fenn::estimation::makeSystemInverse;
 using fenn::estimation::ModelSettings;
 using fenn::estimation::SampleSet;
 using fenn::estimation::SystemInverse;
+using fenn::test::DenseKriging;
+using fenn::test::DenseMatrix;
 using fenn::test::sameBits;
 using fenn::test::smoothSamples;
 
@@ -207,6 +210,114 @@ TEST(SystemInverseTest, KnownElementsOfTheDiagonalAreTold)
     EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
     EXPECT_EQ(told.back(), 600U);
     EXPECT_THROW(inverse->calcDiagonal([](std::size_t) { throw std::runtime_error("stop"); }), std::runtime_error);
+}
+
+SampleSet samplesAt(std::vector<std::vector<double>> inputs)
+{
+    const std::size_t count = inputs[0].size();
+    return {std::move(inputs), fenn::test::randomValues(1, count, 0.0, 1.0, 3)};
+}
+
+TEST(SystemInverseTest, LogDeterminantIsThatOfTheDenseSystemInBothForms)
+{
+    const SampleSet samples = smoothSamples(40, 5);
+    for (const int driftOrder : {0, 1, 2, 3})
+    {
+        for (const double nugget : {0.0, 0.4})
+        {
+            SCOPED_TRACE(testing::Message() << "drift " << driftOrder << ", nugget " << nugget);
+            const ModelSettings settings{-1.0, {1.0, 2.0}, driftOrder, 0.7, nugget, 0};
+            const auto parts = makeModelParts(samples, settings);
+            const auto expected = static_cast<double>(DenseKriging(*parts, settings).borderedSystem().logDeterminant());
+
+            EXPECT_NEAR(GlobalSystem(*parts, driftOrder).calcLogDeterminant(), expected, 1e-9);
+            const auto covarianceForm = CovarianceInverse::makeWhereAccurate(*parts, driftOrder, 1);
+            ASSERT_NE(covarianceForm, nullptr);
+            EXPECT_NEAR(covarianceForm->calcLogDeterminant(), expected, 1e-9);
+        }
+    }
+}
+
+TEST(SystemInverseTest, ReciprocalConditionIsNearThatOfTheDenseSystem)
+{
+    const SampleSet samples = smoothSamples(40, 6);
+    for (const int driftOrder : {0, 2, 4})
+    {
+        for (const double nugget : {0.0, 0.4, 1.0})
+        {
+            SCOPED_TRACE(testing::Message() << "drift " << driftOrder << ", nugget " << nugget);
+            const ModelSettings settings{-1.0, {}, driftOrder, 0.7, nugget, 0};
+            const auto parts = makeModelParts(samples, settings);
+            const DenseMatrix system = DenseKriging(*parts, settings).borderedSystem();
+            const auto expected = static_cast<double>(1.0L / (system.norm() * system.inverse().norm()));
+
+            const double actual = GlobalSystem(*parts, driftOrder).calcReciprocalCondition();
+
+            EXPECT_GE(actual, expected * (1.0 - 1e-6)); // the norm of the inverse is estimated from below
+            EXPECT_LE(actual, expected * 3.0);
+        }
+    }
+}
+
+TEST(SystemInverseTest, ReciprocalConditionOfTheCovarianceFormIsNearThatOfItsDenseSystem)
+{
+    const SampleSet samples = smoothSamples(40, 6);
+    for (const int driftOrder : {0, 1, 2})
+    {
+        for (const double nugget : {0.0, 0.4})
+        {
+            SCOPED_TRACE(testing::Message() << "drift " << driftOrder << ", nugget " << nugget);
+            const ModelSettings settings{-1.0, {}, driftOrder, 0.7, nugget, 0};
+            const auto parts = makeModelParts(samples, settings);
+            const DenseKriging dense(*parts, settings);
+            const DenseMatrix c = dense.covariances();
+            const DenseMatrix f = dense.drift();
+            const std::size_t numPoints = c.getNumRows();
+            DenseMatrix system(numPoints + f.getNumColumns(), numPoints + f.getNumColumns());
+            for (std::size_t i = 0; i < numPoints; ++i)
+            {
+                for (std::size_t j = 0; j < numPoints; ++j)
+                    system(i, j) = c(i, j);
+                for (std::size_t k = 0; k < f.getNumColumns(); ++k)
+                    system(i, numPoints + k) = system(numPoints + k, i) = f(i, k);
+            }
+            const auto expected = static_cast<double>(1.0L / (system.norm() * system.inverse().norm()));
+            const auto inverse = CovarianceInverse::makeWhereAccurate(*parts, driftOrder, 1);
+            ASSERT_NE(inverse, nullptr);
+
+            const double actual = inverse->calcReciprocalCondition();
+
+            EXPECT_GE(actual, expected * (1.0 - 1e-6));
+            EXPECT_LE(actual, expected * 3.0);
+            EXPECT_TRUE(inverse->isWellConditioned());
+        }
+    }
+}
+
+TEST(SystemInverseTest, ConditionFollowsTheDistanceOfTheNearestPair)
+{
+    for (const double distance : {1e-3, 1e-6, 1e-9})
+    {
+        const SampleSet samples = samplesAt({{0.0, 0.2, 0.2 + distance, 0.7, 1.0}});
+        const double condition = GlobalSystem(*makeModelParts(samples, {}), 0).calcReciprocalCondition();
+
+        EXPECT_GT(condition, distance / 10.0);
+        EXPECT_LT(condition, distance * 10.0);
+    }
+}
+
+TEST(SystemInverseTest, RepeatedPointsLeaveNoConditionUnlessThereIsANugget)
+{
+    const SampleSet samples = samplesAt({{0.0, 0.2, 0.2, 0.7, 1.0}});
+    const auto parts = makeModelParts(samples, {});
+    const auto partsWithNugget = makeModelParts(samples, {-1.0, {}, 0, 1.0, 0.1, 0});
+    const GlobalSystem without(*parts, 0);
+    const GlobalSystem withNugget(*partsWithNugget, 0);
+
+    EXPECT_EQ(without.calcReciprocalCondition(), 0.0);
+    EXPECT_FALSE(without.isWellConditioned());
+    EXPECT_GT(withNugget.calcReciprocalCondition(), 1e-3);
+    EXPECT_TRUE(withNugget.isWellConditioned());
 }
 
 } // namespace
