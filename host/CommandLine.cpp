@@ -1,6 +1,8 @@
 #include "host/CommandLine.h"
 
 #include <exception>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <new>
 #include <ostream>
@@ -29,6 +31,41 @@ constexpr int statusDone = 0;
 constexpr int statusFailed = 1;
 constexpr int statusUsage = 2;
 
+/// What krige can do, in the order of its help.
+struct Subcommand
+{
+    const char* name;
+    const char* description;
+    std::unique_ptr<Command> (*make)(CLI::App& app);
+    bool reports; // on standard error, and so takes --quiet and --progress
+};
+
+template <typename T>
+std::unique_ptr<Command> make(CLI::App& app)
+{
+    return std::make_unique<T>(app);
+}
+
+constexpr Subcommand subcommands[] = {
+    {"predict", "Estimate at targets from a file or on a grid", make<PredictCommand>, true},
+    {"validate", "Cross-validate, or compare estimates with known values", make<ValidateCommand>, true},
+    {"tune", "Search for the settings that estimate best", make<TuneCommand>, true},
+    {"variogram", "Compare the empirical semivariogram with the model's", make<VariogramCommand>, true},
+    {"info", "Describe a sample file, and the memory and time that a model takes", make<InfoCommand>, false},
+};
+
+std::string listSubcommands()
+{
+    std::string list;
+    for (const Subcommand& subcommand : subcommands)
+    {
+        if (!list.empty())
+            list += &subcommand == std::end(subcommands) - 1 ? " and " : ", ";
+        list += subcommand.name;
+    }
+    return list;
+}
+
 int reportUsageError(std::ostream& err, const CLI::App& app, const char* message)
 {
     std::string command = "krige";
@@ -44,7 +81,7 @@ std::string describeParseError(const CLI::App& app, const CLI::ParseError& error
     const std::vector<std::string> unknown = app.remaining();
     if (!app.get_subcommands().empty() || unknown.empty())
         return error.what();
-    return quoteForMessage(unknown.front()) + " is none of the subcommands predict, validate, tune, variogram and info";
+    return quoteForMessage(unknown.front()) + " is none of the subcommands " + listSubcommands();
 }
 
 int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
@@ -60,35 +97,21 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
                "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
                "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid 200x100 -o grid.csv "
                "--plot grid.png");
-    const PredictCommand predict(*app.add_subcommand("predict", "Estimate at targets from a file or on a grid"));
-    const ValidateCommand validate(
-        *app.add_subcommand("validate", "Cross-validate, or compare estimates with known values"));
-    const TuneCommand tune(*app.add_subcommand("tune", "Search for the settings that estimate best"));
-    const VariogramCommand variogram(
-        *app.add_subcommand("variogram", "Compare the empirical semivariogram with the model's"));
-    const InfoCommand info(
-        *app.add_subcommand("info", "Describe a sample file, and the memory and time that a model takes"));
     ConsoleOptions consoleOptions;
-    for (CLI::App* const subcommand : app.get_subcommands({}))
+    std::map<std::string, std::unique_ptr<Command>> commands;
+    for (const Subcommand& subcommand : subcommands)
     {
-        if (subcommand->get_name() != "info")
-            addConsoleOptions(*subcommand, consoleOptions);
+        CLI::App& options = *app.add_subcommand(subcommand.name, subcommand.description);
+        commands[subcommand.name] = subcommand.make(options);
+        if (subcommand.reports)
+            addConsoleOptions(options, consoleOptions);
     }
 
     try
     {
         app.parse(argc, argv);
         Console console(err, consoleOptions);
-        if (app.got_subcommand("predict"))
-            predict.run(console);
-        else if (app.got_subcommand("validate"))
-            validate.run(out, console);
-        else if (app.got_subcommand("tune"))
-            tune.run(out, console);
-        else if (app.got_subcommand("info"))
-            info.run(out);
-        else
-            variogram.run(out, console);
+        commands.at(app.get_subcommands().front()->get_name())->run(out, console);
         return statusDone;
     }
     catch (const CLI::ParseError& error)

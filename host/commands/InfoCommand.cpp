@@ -216,7 +216,7 @@ ColumnGuess InfoCommand::chooseColumns(const FileSurvey& survey) const
     return {inputNames, outputNames};
 }
 
-void InfoCommand::run(std::ostream& out) const
+void InfoCommand::run(std::ostream& out, Console& /*console*/) const
 {
     if (inputNames.empty() != outputNames.empty())
         throw UsageError("--inputs and --outputs go together; give both or neither");

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/commands/Command.h"
 #include "host/files/ReadSettings.h"
 #include "host/model/SampleSurvey.h"
 
@@ -17,16 +18,13 @@ namespace krige
 {
 
 /// `krige info`: what a sample file holds, what a model over it would take, and a command to begin with.
-class InfoCommand
+class InfoCommand final : public Command
 {
 public:
-    /// Adds the subcommand's options; the object must live until it has run.
     explicit InfoCommand(CLI::App& command);
-    InfoCommand(const InfoCommand& other) = delete;
-    InfoCommand& operator=(const InfoCommand& other) = delete;
 
     /// Throws UsageError or InputError.
-    void run(std::ostream& out) const;
+    void run(std::ostream& out, Console& console) const override;
 
 private:
     ColumnGuess chooseColumns(const FileSurvey& survey) const;

@@ -241,7 +241,7 @@ std::unique_ptr<PredictionWriter> PredictCommand::makeWriter(OutputFile& output,
     return std::make_unique<CsvPredictions>(output, shard.isFirst() ? columnNames() : std::vector<std::string>());
 }
 
-void PredictCommand::run(Console& console) const
+void PredictCommand::run(std::ostream& /*out*/, Console& console) const
 {
     Report report(console.getReport());
     checkUsage();

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
 #include "host/targets/GridSpec.h"
 #include "host/targets/PredictionWriter.h"
@@ -19,16 +20,13 @@ class Console;
 /// `krige predict`: estimates at the targets of a file or a grid, written as CSV: the inputs in the order of --inputs,
 /// one column per output, on request the variance and one standard error per output, then kept columns. Grids also as
 /// VTK.
-class PredictCommand
+class PredictCommand final : public Command
 {
 public:
-    /// Adds the subcommand's options; the object must live until it has run.
     explicit PredictCommand(CLI::App& command);
-    PredictCommand(const PredictCommand& other) = delete;
-    PredictCommand& operator=(const PredictCommand& other) = delete;
 
     /// Throws UsageError, InputError or ClosedPipe; no output file is left behind then.
-    void run(Console& console) const;
+    void run(std::ostream& out, Console& console) const override;
 
 private:
     void checkUsage() const;

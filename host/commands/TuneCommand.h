@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "analysis/Tuning.h"
+#include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleTable.h"
 #include "host/text/Console.h"
@@ -19,16 +20,13 @@ namespace krige
 {
 
 /// `krige tune`: searches the settings that estimate samples best from each other, and writes them for --config.
-class TuneCommand
+class TuneCommand final : public Command
 {
 public:
-    /// Adds the subcommand's options; the object must live until it has run.
     explicit TuneCommand(CLI::App& command);
-    TuneCommand(const TuneCommand& other) = delete;
-    TuneCommand& operator=(const TuneCommand& other) = delete;
 
     /// Throws UsageError or InputError; no file is left behind then. out: the scores and the winner.
-    void run(std::ostream& out, Console& console) const;
+    void run(std::ostream& out, Console& console) const override;
 
 private:
     fenn::analysis::SearchSpace chooseSpace(const fenn::estimation::SampleSet& samples) const;

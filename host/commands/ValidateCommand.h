@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleTable.h"
 #include "host/reports/ValidationResult.h"
@@ -23,16 +24,13 @@ class Report;
 
 /// `krige validate`: how far estimates are from known values, by cross-validation in folds, by leaving out one point at
 /// a time, or against a file of known values.
-class ValidateCommand
+class ValidateCommand final : public Command
 {
 public:
-    /// Adds the subcommand's options; the object must live until it has run.
     explicit ValidateCommand(CLI::App& command);
-    ValidateCommand(const ValidateCommand& other) = delete;
-    ValidateCommand& operator=(const ValidateCommand& other) = delete;
 
     /// Throws UsageError or InputError. out: the tables of errors.
-    void run(std::ostream& out, Console& console) const;
+    void run(std::ostream& out, Console& console) const override;
 
 private:
     ValidationResult crossValidate(const SampleTable& samples, Console& console) const;

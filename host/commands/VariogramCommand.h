@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
 #include "host/text/Console.h"
 
@@ -14,16 +15,13 @@ namespace krige
 {
 
 /// `krige variogram`: the empirical semivariogram of an output beside the model's, every lag or binned.
-class VariogramCommand
+class VariogramCommand final : public Command
 {
 public:
-    /// Adds the subcommand's options; the object must live until it has run.
     explicit VariogramCommand(CLI::App& command);
-    VariogramCommand(const VariogramCommand& other) = delete;
-    VariogramCommand& operator=(const VariogramCommand& other) = delete;
 
     /// Throws UsageError or InputError. out: the table, unless it goes to a file.
-    void run(std::ostream& out, Console& console) const;
+    void run(std::ostream& out, Console& console) const override;
 
 private:
     void write(std::ostream& out, const std::string& text) const;

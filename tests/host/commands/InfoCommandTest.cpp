@@ -23,7 +23,7 @@ protected:
     {
         words.insert(words.begin(), folder.write("s.csv", text));
         CommandRun<krige::InfoCommand> run(words);
-        run.command.run(run.out);
+        run.command.run(run.out, run.getConsole());
         return run.out.str();
     }
 

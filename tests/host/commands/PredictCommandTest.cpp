@@ -39,7 +39,7 @@ protected:
                                      folder.pathOf("out.csv"), "--exact"};
         all.insert(all.end(), words.begin(), words.end());
         CommandRun<krige::PredictCommand> predict(all);
-        predict.command.run(predict.getConsole());
+        predict.command.run(predict.out, predict.getConsole());
         report = predict.getReport();
     }
 

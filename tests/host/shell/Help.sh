@@ -25,7 +25,7 @@ test_EveryOptionHasADefaultOrIsNeededAndAnExample()
             /^  -/ { check(); if ($0 !~ /--(help|version)/) { term = $0; text = "" } next }
             /^        / { text = text " " $0; next }
             { check() }
-            END { check(); exit bad || n < 5 }' || fail "$subcommand: incomplete"
+            END { check(); exit bad || n < 2 }' || fail "$subcommand: incomplete"
     done
 }
 
@@ -50,7 +50,7 @@ test_EveryOptionStandsInTheManualPage()
     for subcommand in $(subcommands); do
         heading=$(echo "krige $subcommand" | tr '[:lower:]' '[:upper:]')
         sed -n "/^.SH \"$heading\"/,/^.SH /p" plain >section
-        [ "$(options "$subcommand" | wc -l)" -ge 4 ] || fail "$subcommand: options not found"
+        options "$subcommand" | grep -qx -- --help || fail "$subcommand: options not found"
         for option in $(options "$subcommand"); do
             grep -qE -- "^(-., )?$option( |$)" section || fail "$subcommand: $option is missing"
         done
