@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <limits>
 #include <memory>
@@ -19,9 +18,9 @@
 #include <vector>
 
 #include "benchmarks/support/Bars.h"
+#include "benchmarks/support/SingleForms.h"
 #include "estimation/LocalEstimator.h"
 #include "estimation/PointIndex.h"
-#include "surrogatemodel_kriging/KrigingMatrix.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
@@ -115,24 +114,13 @@ public:
     {
         estimate();
         const auto numWanted = static_cast<std::size_t>(numNeighbours);
-        KrigingMatrix matrix(parts->getDataBlock(), numNeighbours, &parts->getSemivariogram(), 0);
-        std::vector<double> scratch(targets.size());
-        std::vector<double> rhs(static_cast<std::size_t>(matrix.getDimension()));
+        fenn::benchmarks::SingleForms singleForms(parts->getDataBlock(), numNeighbours, parts->getSemivariogram());
         for (std::size_t t = 0; t < targets[0].size(); t += targets[0].size() / 50)
         {
             std::vector<double> target;
             for (const std::vector<double>& column : targets)
                 target.push_back(column[t]);
-            const std::vector<SourcePointRef> found = lookAtEveryPoint(target, numWanted);
-            matrix.assemble(found, scratch);
-            matrix.luDecompose();
-            matrix.buildRightHandSide(rhs.data(), 0, target, found, scratch);
-            const std::vector<double> rhsCopy = rhs;
-            matrix.luSolve(rhs.data());
-            const double expected[] = {matrix.estimate(0, found, rhs.data()),
-                                       matrix.dotProduct(rhs.data(), rhsCopy.data())};
-            if (std::memcmp(&expected[0], &results[0][t], sizeof(double)) != 0 ||
-                std::memcmp(&expected[1], &results[1][t], sizeof(double)) != 0)
+            if (!singleForms.give(results[0][t], results[1][t], target, lookAtEveryPoint(target, numWanted)))
                 return false;
         }
         return true;

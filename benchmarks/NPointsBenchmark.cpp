@@ -8,7 +8,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <set>
 #include <vector>
@@ -17,6 +16,7 @@
 
 #include "benchmarks/support/Bars.h"
 #include "benchmarks/support/ScatteredSamples.h"
+#include "benchmarks/support/SingleForms.h"
 #include "benchmarks/support/SizeSweep.h"
 #include "benchmarks/support/ThreadTime.h"
 #include "surrogatemodel_kriging/NPtsKrigingController.h"
@@ -77,23 +77,13 @@ public:
     bool bitsAgree()
     {
         interpolate();
-        KrigingMatrix matrix(*samples.block, numNearest, &semivariogram, 0);
+        fenn::benchmarks::SingleForms singleForms(*samples.block, numNearest, semivariogram);
         std::vector<SourcePointRef> found(static_cast<std::size_t>(numNearest));
-        std::vector<double> scratch(samples.targets.size());
-        std::vector<double> rhs(static_cast<std::size_t>(matrix.getDimension()));
         for (std::size_t t = 0; t < numTargets; ++t)
         {
             const std::vector<double> target = samples.target(t);
             search.findNearestPts(target, numNearest, found);
-            matrix.assemble(found, scratch);
-            matrix.luDecompose();
-            matrix.buildRightHandSide(rhs.data(), 0, target, found, scratch);
-            const std::vector<double> rhsCopy = rhs;
-            matrix.luSolve(rhs.data());
-            const double expected[] = {matrix.estimate(0, found, rhs.data()),
-                                       matrix.dotProduct(rhs.data(), rhsCopy.data())};
-            if (std::memcmp(&expected[0], &results[0][t], sizeof(double)) != 0 ||
-                std::memcmp(&expected[1], &results[1][t], sizeof(double)) != 0)
+            if (!singleForms.give(results[0][t], results[1][t], target, found))
                 return false;
         }
         return true;
