@@ -11,9 +11,10 @@ namespace fenn::kernels
 ///
 /// Points stand leaf after leaf, every leaf but the last one full: the point at a place p is number p % leafSize of
 /// leaf p / leafSize, and its coordinate v is coordinates[(leaf * numVars + v) * leafSize + number]. What is left of
-/// the last leaf holds infinities. The node over leaves first to end - 1, at least two, is nodes[middle] of middle =
-/// first + (end
-/// - first) / 2: it parts leaves first to middle - 1 from the others.
+/// the last leaf holds infinities.
+///
+/// The node over leaves first to end - 1, at least two, is nodes[middle]: it parts leaves first to middle - 1 from the
+/// others, where middle = first + (end - first) / 2.
 struct PointTree
 {
     struct Node
