@@ -1,8 +1,6 @@
 #include "host/commands/PredictCommand.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cmath>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -16,6 +14,7 @@
 #include "host/pictures/SurfacePicture.h"
 #include "host/reports/DuplicatesReport.h"
 #include "host/reports/Report.h"
+#include "host/targets/Predictor.h"
 #include "host/text/Console.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
@@ -42,12 +41,6 @@ bool isVtk(const std::string& path)
     return std::filesystem::path(path).extension() == ".vtk";
 }
 
-/// Root of the variance, which is one for a sill of 1, in the units of an output.
-double calcStandardError(double variance, double sampleVariance)
-{
-    return std::sqrt(variance * sampleVariance); // NaN for a negative one
-}
-
 using Columns = std::vector<std::vector<double>>;
 
 /// What the picture shows: the grid's box, else the samples'.
@@ -61,55 +54,6 @@ std::vector<PictureAxis> boxOf(const GridSpec& grid, const SampleTable& samples)
     }
     return box;
 }
-
-/// Replaces values by one column per value name.
-class Predictor
-{
-public:
-    Predictor(const SampleModel& model_, std::size_t numOutputs, bool withVariance_)
-        : model(model_), withVariance(withVariance_)
-    {
-        for (std::size_t output = 0; withVariance && output < numOutputs; ++output)
-            sampleVariances.push_back(model.getSampleVariance(output));
-    }
-
-    void predict(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values)
-    {
-        const Clock::time_point start = Clock::now();
-        numWithoutEstimate += model.estimate(targets, values, withVariance ? &variances : nullptr);
-        seconds += std::chrono::duration<double>(Clock::now() - start).count();
-        if (!withVariance)
-            return;
-        values.push_back(variances);
-        for (const double sampleVariance : sampleVariances)
-        {
-            std::vector<double> errors;
-            for (const double variance : variances)
-                errors.push_back(calcStandardError(variance, sampleVariance));
-            values.push_back(std::move(errors));
-        }
-    }
-
-    std::uint64_t getNumWithoutEstimate() const
-    {
-        return numWithoutEstimate;
-    }
-
-    double getLibrarySeconds() const
-    {
-        return seconds;
-    }
-
-private:
-    using Clock = std::chrono::steady_clock;
-
-    const SampleModel& model;
-    bool withVariance;
-    std::vector<double> sampleVariances; // per output
-    std::vector<double> variances;
-    std::uint64_t numWithoutEstimate = 0;
-    double seconds = 0.0;
-};
 
 } // namespace
 
@@ -130,7 +74,7 @@ PredictCommand::PredictCommand(CLI::App& command)
                     "or --at is needed. Examples: --grid 200x100, --grid x=0:10:101,y=0:5:51")
         ->type_name("AXES");
     command.add_flag(
-        "--variance", withVariance,
+        "--variance", request.withVariance,
         "Add a column variance, the Kriging variance for a sill of 1, and per output NAME_stderr, the root "
         "of variance times the samples' variance of that output; nan where the variance is negative. "
         "Default: off. Example: --variance");
@@ -168,21 +112,15 @@ PredictCommand::PredictCommand(CLI::App& command)
         "  krige predict samples.csv.gz --inputs x,y --outputs z --variance --at targets.csv --keep id -o -");
 }
 
-std::vector<std::string> PredictCommand::valueNames() const
+std::vector<PredictionColumn> PredictCommand::predictionColumns() const
 {
-    std::vector<std::string> names = options.outputNames;
-    if (!withVariance)
-        return names;
-    names.emplace_back("variance");
-    for (const std::string& name : options.outputNames)
-        names.push_back(name + "_stderr");
-    return names;
+    return choosePredictionColumns(options.outputNames, request);
 }
 
 std::vector<std::string> PredictCommand::columnNames() const
 {
     std::vector<std::string> names = options.inputNames;
-    const std::vector<std::string> values = valueNames();
+    const std::vector<std::string> values = namesOf(predictionColumns());
     names.insert(names.end(), values.begin(), values.end());
     names.insert(names.end(), keptNames.begin(), keptNames.end());
     return names;
@@ -237,7 +175,7 @@ std::unique_ptr<TargetSource> PredictCommand::openTargets(const GridSpec& grid) 
 std::unique_ptr<PredictionWriter> PredictCommand::makeWriter(OutputFile& output, const GridSpec& grid) const
 {
     if (isVtk(outputPath))
-        return std::make_unique<VtkPredictions>(output, grid, valueNames());
+        return std::make_unique<VtkPredictions>(output, grid, namesOf(predictionColumns()));
     return std::make_unique<CsvPredictions>(output, shard.isFirst() ? columnNames() : std::vector<std::string>());
 }
 
@@ -266,7 +204,7 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
 
-    Predictor predictor(model, options.outputNames.size(), withVariance);
+    Predictor predictor(model, predictionColumns());
     std::uint64_t numTargets = 0;
     std::vector<std::vector<double>> targets;
     std::vector<std::vector<double>> values;

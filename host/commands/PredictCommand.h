@@ -8,6 +8,7 @@
 #include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
 #include "host/targets/GridSpec.h"
+#include "host/targets/PredictionColumns.h"
 #include "host/targets/PredictionWriter.h"
 #include "host/targets/Shard.h"
 #include "host/targets/TargetSource.h"
@@ -30,7 +31,7 @@ public:
 
 private:
     void checkUsage() const;
-    std::vector<std::string> valueNames() const;
+    std::vector<PredictionColumn> predictionColumns() const;
     std::vector<std::string> columnNames() const;
     std::unique_ptr<TargetSource> openTargets(const GridSpec& grid) const;
     std::unique_ptr<PredictionWriter> makeWriter(OutputFile& output, const GridSpec& grid) const;
@@ -44,7 +45,7 @@ private:
     std::string targetsPath; // empty: a grid
     std::string gridText;    // empty: a file
     std::vector<std::string> keptNames;
-    bool withVariance = false;
+    PredictionRequest request;
     Shard shard;
     std::string duplicatesPath; // empty: no report
     std::string outputPath;

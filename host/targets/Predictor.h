@@ -1,0 +1,76 @@
+#ifndef FENN_HOST_TARGETS_PREDICTOR_H
+#define FENN_HOST_TARGETS_PREDICTOR_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "host/targets/PredictionColumns.h"
+
+namespace krige
+{
+
+class SampleModel;
+
+/// What the model answers for one block of targets, before columns are made of it. One value per target everywhere.
+struct AnsweredTargets
+{
+    std::vector<std::vector<double>> estimates; // one column per output
+    std::vector<double> variances;              // for a sill of 1; empty unless wanted
+};
+
+/// Marks targets whose predictions are to be nan: sets isMasked[t], which is false for all of them at first or true
+/// where another mask has set it. targets: one column per input.
+using TargetMask = std::function<void(const std::vector<std::vector<double>>& targets, const AnsweredTargets& answers,
+                                      std::vector<bool>& isMasked)>;
+
+/// Makes the columns of predictions, block by block. To add a column: a Quantity, its place in choosePredictionColumns,
+/// its formula in valueOf.
+class Predictor
+{
+public:
+    /// Refers to the model, which must outlive it.
+    Predictor(const SampleModel& model_, std::vector<PredictionColumn> columns_);
+
+    /// To be called before the first block. Every mask sees the answers as the model gave them.
+    void addMask(TargetMask mask);
+
+    /// Replaces values by one column per prediction column. targets: one column per input. Throws as
+    /// SampleModel::estimate.
+    void predict(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values);
+
+    /// Targets so far that lack a coordinate.
+    std::uint64_t getNumWithoutEstimate() const
+    {
+        return numWithoutEstimate;
+    }
+
+    /// Targets so far that a mask took the predictions of.
+    std::uint64_t getNumMasked() const
+    {
+        return numMasked;
+    }
+
+    double getLibrarySeconds() const
+    {
+        return seconds;
+    }
+
+private:
+    double valueOf(const PredictionColumn& column, std::size_t t) const;
+    void applyMasks(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values);
+
+    const SampleModel& model;
+    std::vector<PredictionColumn> columns;
+    std::vector<TargetMask> masks;
+    std::vector<double> sills; // per output; empty unless variances are wanted
+    AnsweredTargets answers;   // kept: it grows to a block's size once
+    std::uint64_t numWithoutEstimate = 0;
+    std::uint64_t numMasked = 0;
+    double seconds = 0.0;
+};
+
+} // namespace krige
+
+#endif
