@@ -182,7 +182,7 @@ void TuneCommand::run(std::ostream& out, Console& console) const
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
     if (!outputPath.empty())
-        writeWhole(outputPath, settingsFileText(result.trials[result.winner].settings));
+        writeWhole(outputPath, settingsFileText(options.settings.withModel(result.trials[result.winner].settings)));
     printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, samples.outputNames,
                 tuning.objective);
     if (!out.flush())

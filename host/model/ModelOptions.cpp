@@ -49,7 +49,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
     addOption(
         command, "--config", "FILE", [&](const std::string& path) { readSettingsFile(path, options.settings); },
         "Settings file, as krige tune writes it: lines such as drift = 1 with the names of the options from "
-        "--duplicate-tolerance to --nearest; an option on the command line wins over it. Default: none. Example: "
+        "--duplicate-tolerance to --sill; an option on the command line wins over it. Default: none. Example: "
         "--config best.toml");
     addOption(
         command, "--inputs", "NAMES",
@@ -101,6 +101,7 @@ void checkModelOptions(const ModelOptions& options)
     if (!options.settings.scaleFactors.empty() && options.settings.scaleFactors.size() != options.inputNames.size())
         throw UsageError("--scale: " + countOf(options.settings.scaleFactors.size(), "factor") + " for " +
                          countOf(options.inputNames.size(), "input") + "; give one each");
+    checkSillChoices(options.settings.sills, options.outputNames.size());
 }
 
 } // namespace krige

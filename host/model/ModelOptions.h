@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "estimation/ModelSettings.h"
 #include "estimation/chooseEstimator.h"
 #include "host/files/ReadSettings.h"
+#include "host/model/Settings.h"
 
 namespace CLI
 {
@@ -24,7 +24,7 @@ struct ModelOptions
     ReadSettings reading;
     std::vector<std::string> inputNames;
     std::vector<std::string> outputNames;
-    fenn::estimation::ModelSettings settings;
+    Settings settings;
     fenn::estimation::EstimatorOptions estimator;
 };
 
@@ -41,7 +41,7 @@ void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& 
 std::vector<std::string> parseNames(const std::string& option, const std::string& text);
 
 /// Checks what no option can check alone: throws UsageError when a column is named twice or --scale has not one factor
-/// per input.
+/// per input, or --sill not one value per output.
 void checkModelOptions(const ModelOptions& options);
 
 } // namespace krige

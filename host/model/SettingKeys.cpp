@@ -64,46 +64,55 @@ const std::vector<SettingKey>& settingKeys()
         {"duplicate-tolerance", "T",
          "Merge samples whose inputs differ by at most this fraction of each input's range into one point, their mean; "
          "0 merges samples at the same place, a negative value none. Default: -1. Example: --duplicate-tolerance 0",
-         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.duplicateTolerance = parseSetting(name, text);
          }},
         {"scale", "NUMBERS",
          "One factor per input: -k scales its range in the samples to 2k; a positive factor is the weight of its raw "
          "values beside those of the other inputs. Default: -1 each, every input counts alike. Example: --scale 1,10",
-         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.scaleFactors = parseScaleFactors(name, text);
          }},
         {"drift", "P", "Degree of the polynomial drift, 0 (a constant mean) to 4. Default: 0. Example: --drift 1",
-         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.driftOrder = parseCount(name, text, maxDriftOrder, "from 0 to 4");
          }},
         {"range", "F",
          "Range of the semivariogram, the distance beyond which samples tell nothing about each other, as a fraction "
          "of the diagonal of the samples' normalised box. Default: 1. Example: --range 0.5",
-         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.rangeFraction = parseSetting(name, text, 0.0, std::numeric_limits<double>::max(), "at least 0");
          }},
         {"nugget", "C",
          "Nugget as a fraction of the sill, 0 to 1; above 0 it smooths noisy samples. Default: 0. Example: --nugget "
          "0.05",
-         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.nugget = parseSetting(name, text, 0.0, 1.0, "between 0 and 1");
          }},
         {"nearest", "N",
          "Estimate each target from its N nearest samples; 0: from all of them. Default: 0. Example: --nearest 32",
-         [](fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text)
+         [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.numNearestPoints = parseCount(name, text, std::numeric_limits<int>::max(), "of at least 0");
+         }},
+        {"sill", "RULES",
+         "Sill of each output, which its standard errors and intervals take: auto estimates it from the points, for "
+         "the given range, nugget and drift; sample is the variance of the points; or a number above 0 in squared "
+         "units of the output. One value per output, or one word for all of them. Default: auto. Examples: --sill "
+         "sample, --sill 12.5,auto",
+         [](Settings& settings, const std::string& name, const std::string& text)
+         {
+             settings.sills = parseSillChoices(name, text);
          }}};
     return keys;
 }
 
-void applySetting(fenn::estimation::ModelSettings& settings, const std::string& key, const std::string& text)
+void applySetting(Settings& settings, const std::string& key, const std::string& text)
 {
     std::string names;
     for (const SettingKey& known : settingKeys())

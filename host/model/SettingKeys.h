@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "estimation/ModelSettings.h"
+#include "host/model/Settings.h"
 
 namespace krige
 {
@@ -17,14 +17,14 @@ struct SettingKey
     const char* help;
 
     /// Reads the setting's value from text. Throws UsageError that begins with name, the option or key that was typed.
-    void (*apply)(fenn::estimation::ModelSettings& settings, const std::string& name, const std::string& text);
+    void (*apply)(Settings& settings, const std::string& name, const std::string& text);
 };
 
 /// All settings, in the order of the help.
 const std::vector<SettingKey>& settingKeys();
 
 /// Sets what key stands for. Throws UsageError that names the key and the value, or the keys there are.
-void applySetting(fenn::estimation::ModelSettings& settings, const std::string& key, const std::string& text);
+void applySetting(Settings& settings, const std::string& key, const std::string& text);
 
 } // namespace krige
 

@@ -49,7 +49,7 @@ void appendSetting(std::string& text, const char* key, const std::string& value)
 
 } // namespace
 
-std::string settingsFileText(const fenn::estimation::ModelSettings& settings)
+std::string settingsFileText(const Settings& settings)
 {
     std::string text = "# Settings of a krige model, for --config\n";
     appendSetting(text, "duplicate-tolerance", formatNumber(settings.duplicateTolerance));
@@ -64,10 +64,12 @@ std::string settingsFileText(const fenn::estimation::ModelSettings& settings)
     appendSetting(text, "range", formatNumber(settings.rangeFraction));
     appendSetting(text, "nugget", formatNumber(settings.nugget));
     appendSetting(text, "nearest", std::to_string(settings.numNearestPoints));
+    if (!settings.sills.empty())
+        appendSetting(text, "sill", tomlOf(settings.sills));
     return text;
 }
 
-void readSettingsFile(const std::string& path, fenn::estimation::ModelSettings& settings)
+void readSettingsFile(const std::string& path, Settings& settings)
 {
     const std::string text = readWhole(path);
     std::map<std::string, std::size_t> lineOfKey;

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "estimation/ModelSettings.h"
+#include "host/model/Settings.h"
 
 namespace krige
 {
@@ -15,15 +15,17 @@ namespace krige
 ///     drift = 1
 ///     range = 0.35
 ///     scale = [1, -2]
+///     sill = ["auto", 12.5]
 ///
 /// Keys that are left out keep their values. An array may also stand without its brackets.
 
-/// The file that makes readSettingsFile give these settings, to the bit. Scale factors are left out when automatic.
-std::string settingsFileText(const fenn::estimation::ModelSettings& settings);
+/// The file that makes readSettingsFile give these settings, to the bit. Scale factors and sills are left out
+/// when automatic.
+std::string settingsFileText(const Settings& settings);
 
 /// Replaces the settings that the file names. Throws InputError with file and line for anything but known keys, each
 /// once, with the values that their options take.
-void readSettingsFile(const std::string& path, fenn::estimation::ModelSettings& settings);
+void readSettingsFile(const std::string& path, Settings& settings);
 
 } // namespace krige
 

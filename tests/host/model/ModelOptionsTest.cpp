@@ -41,7 +41,7 @@ TEST(ModelOptionsTest, WithoutOptionsTheSettingsAreTheModelsDefaults)
     EXPECT_EQ(options.samplesPath, "samples.csv");
     EXPECT_THAT(options.inputNames, ElementsAre("x", "y"));
     EXPECT_THAT(options.outputNames, ElementsAre("z"));
-    EXPECT_TRUE(options.settings == fenn::estimation::ModelSettings());
+    EXPECT_TRUE(options.settings == krige::Settings());
 }
 
 TEST(ModelOptionsTest, EverySettingHasAnOption)

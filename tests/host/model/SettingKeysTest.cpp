@@ -5,8 +5,8 @@
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
 
-using fenn::estimation::ModelSettings;
 using krige::applySetting;
+using krige::Settings;
 using krige::UsageError;
 using krige::test::messageOf;
 
@@ -15,7 +15,7 @@ namespace
 
 std::string faultOf(const std::string& key, const std::string& text)
 {
-    ModelSettings settings;
+    Settings settings;
     return messageOf<UsageError>([&] { applySetting(settings, key, text); });
 }
 
@@ -23,29 +23,31 @@ std::string faultOf(const std::string& key, const std::string& text)
 
 TEST(SettingKeysTest, EveryKeySetsItsOwnField)
 {
-    ModelSettings settings;
+    Settings settings;
     applySetting(settings, "duplicate-tolerance", "0.25");
     applySetting(settings, "scale", "1,-2");
     applySetting(settings, "drift", "3");
     applySetting(settings, "range", "0.5");
     applySetting(settings, "nugget", "0.125");
     applySetting(settings, "nearest", "32");
+    applySetting(settings, "sill", "sample,2.5");
 
-    ModelSettings expected;
+    Settings expected;
     expected.duplicateTolerance = 0.25;
     expected.scaleFactors = {1.0, -2.0};
     expected.driftOrder = 3;
     expected.rangeFraction = 0.5;
     expected.nugget = 0.125;
     expected.numNearestPoints = 32;
+    expected.sills = {{krige::SillChoice::Rule::Sample, 0.0}, {krige::SillChoice::Rule::Given, 2.5}};
     EXPECT_TRUE(settings == expected);
-    EXPECT_EQ(krige::settingKeys().size(), 6u);
+    EXPECT_EQ(krige::settingKeys().size(), 7u);
 }
 
 TEST(SettingKeysTest, AnUnknownKeyIsAnsweredWithThoseThereAre)
 {
     EXPECT_EQ(faultOf("drfit", "1"), "'drfit' is no setting; the settings are duplicate-tolerance, scale, drift, "
-                                     "range, nugget, nearest");
+                                     "range, nugget, nearest, sill");
 }
 
 TEST(SettingKeysTest, AValueOutOfBoundsIsAnsweredWithTheBounds)
@@ -67,7 +69,7 @@ TEST(SettingKeysTest, WhatIsNoFiniteNumberIsRefused)
 
 TEST(SettingKeysTest, ARefusedValueLeavesTheSettingAlone)
 {
-    ModelSettings settings;
+    Settings settings;
     settings.driftOrder = 2;
 
     EXPECT_THROW(applySetting(settings, "drift", "9"), UsageError);
@@ -76,7 +78,7 @@ TEST(SettingKeysTest, ARefusedValueLeavesTheSettingAlone)
 
 TEST(SettingKeysTest, TheMessageBeginsWithTheNameThatWasTyped)
 {
-    ModelSettings settings;
+    Settings settings;
     const krige::SettingKey& drift = krige::settingKeys()[2];
 
     EXPECT_THAT(messageOf<UsageError>([&] { drift.apply(settings, "--drift", "x"); }), testing::StartsWith("--drift:"));

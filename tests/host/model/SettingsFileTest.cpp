@@ -5,16 +5,17 @@
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
 
-using fenn::estimation::ModelSettings;
+using krige::Settings;
+using krige::SillChoice;
 using krige::test::TemporaryFolder;
 
 namespace
 {
 
-ModelSettings readBack(const ModelSettings& settings)
+Settings readBack(const Settings& settings)
 {
     const TemporaryFolder folder;
-    ModelSettings result;
+    Settings result;
     result.driftOrder = 4; // anything but what is written
     result.numNearestPoints = 99;
     krige::readSettingsFile(folder.write("s.toml", krige::settingsFileText(settings)), result);
@@ -25,15 +26,16 @@ ModelSettings readBack(const ModelSettings& settings)
 
 TEST(SettingsFileTest, WhatIsWrittenReadsBackToTheSameBits)
 {
-    ModelSettings settings;
+    Settings settings;
     settings.duplicateTolerance = 1e-7;
     settings.scaleFactors = {1.0 / 3.0, -2.0, 1e-100};
     settings.driftOrder = 2;
     settings.rangeFraction = 0.1 + 0.2;
     settings.nugget = 5e-324;
     settings.numNearestPoints = 32;
+    settings.sills = {{SillChoice::Rule::Given, 0.1 + 0.2}, {}, {SillChoice::Rule::Sample, 0.0}};
 
-    const ModelSettings result = readBack(settings);
+    const Settings result = readBack(settings);
 
     EXPECT_EQ(result.duplicateTolerance, settings.duplicateTolerance);
     EXPECT_EQ(result.scaleFactors, settings.scaleFactors);
@@ -41,11 +43,12 @@ TEST(SettingsFileTest, WhatIsWrittenReadsBackToTheSameBits)
     EXPECT_EQ(result.rangeFraction, settings.rangeFraction);
     EXPECT_EQ(result.nugget, settings.nugget);
     EXPECT_EQ(result.numNearestPoints, settings.numNearestPoints);
+    EXPECT_EQ(result.sills, settings.sills);
 }
 
 TEST(SettingsFileTest, DefaultsReadBackAsDefaults)
 {
-    const ModelSettings result = readBack(ModelSettings());
+    const Settings result = readBack(Settings());
 
     EXPECT_EQ(result.duplicateTolerance, -1.0);
     EXPECT_TRUE(result.scaleFactors.empty());
@@ -53,12 +56,13 @@ TEST(SettingsFileTest, DefaultsReadBackAsDefaults)
     EXPECT_EQ(result.rangeFraction, 1.0);
     EXPECT_EQ(result.nugget, 0.0);
     EXPECT_EQ(result.numNearestPoints, 0);
+    EXPECT_TRUE(result.sills.empty());
 }
 
 TEST(SettingsFileTest, KeysThatAreLeftOutKeepTheirValues)
 {
     const TemporaryFolder folder;
-    ModelSettings settings;
+    Settings settings;
     settings.nugget = 0.25;
     krige::readSettingsFile(folder.write("s.toml", "scale = 1, 2\n"), settings);
 

@@ -1,0 +1,26 @@
+#ifndef FENN_HOST_MODEL_SETTINGS_H
+#define FENN_HOST_MODEL_SETTINGS_H
+
+#include <vector>
+
+#include "estimation/ModelSettings.h"
+#include "host/model/SillChoice.h"
+
+namespace krige
+{
+
+/// What a settings file holds and the options of the same names say: the settings of the model itself, and those by
+/// which the program turns its answers into the data's units. A plain value.
+struct Settings : fenn::estimation::ModelSettings
+{
+    std::vector<SillChoice> sills; // per output, or one word for all; empty: automatic
+
+    /// These settings with another model.
+    Settings withModel(const fenn::estimation::ModelSettings& model) const;
+};
+
+bool operator==(const Settings& a, const Settings& b);
+
+} // namespace krige
+
+#endif
