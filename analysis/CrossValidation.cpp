@@ -1,13 +1,15 @@
 #include "analysis/CrossValidation.h"
 
+#include <memory>
+
 #include "analysis/Folds.h"
-#include "estimation/Estimator.h"
 
 namespace fenn::analysis
 {
 
 Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings, std::size_t numFolds,
-                        std::uint64_t seed, const Progress& progress, const EstimatorOptions& options)
+                        std::uint64_t seed, const Progress& progress, const EstimatorOptions& options,
+                        const UseFoldModel& useFoldModel)
 {
     const std::size_t numSamples = samples.getNumSamples();
     const std::vector<std::size_t> folds = assignFolds(numSamples, numFolds, seed);
@@ -22,8 +24,11 @@ Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings,
             (folds[i] == fold ? leftOut : remaining).push_back(i);
 
         const SampleSet modelSamples = samples.subset(remaining);
-        const Estimates estimates =
-            estimateAt(*estimation::chooseEstimator(modelSamples, settings, options), samples.subset(leftOut));
+        const std::unique_ptr<estimation::Estimator> estimator =
+            estimation::chooseEstimator(modelSamples, settings, options);
+        const Estimates estimates = estimateAt(*estimator, samples.subset(leftOut));
+        if (useFoldModel)
+            useFoldModel(fold, *estimator);
         for (std::size_t k = 0; k < leftOut.size(); ++k)
         {
             for (std::size_t w = 0; w < all.values.size(); ++w)

@@ -48,13 +48,19 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, c
     for (std::size_t i = 0; i < numPoints; ++i)
         result.estimates.variances[i] = isSolvable(i) ? -1.0 / diagonal[i] : noEstimate;
 
+    std::vector<std::vector<double>> dualWeights;
     for (std::size_t w = 0; w < result.truths.size(); ++w)
     {
-        const std::vector<double> solution = inverse->solve(centred(result.truths[w], parts.getDataBlock(), w));
+        dualWeights.push_back(inverse->solve(centred(result.truths[w], parts.getDataBlock(), w)));
         for (std::size_t i = 0; i < numPoints; ++i)
             result.estimates.values[w][i] =
-                isSolvable(i) ? result.truths[w][i] - solution[i] / diagonal[i] : noEstimate;
+                isSolvable(i) ? result.truths[w][i] - dualWeights[w][i] / diagonal[i] : noEstimate;
+        for (double& weight : dualWeights[w])
+            weight = -weight; // the semivariogram form has the other sign
     }
+    if (!inverse->isWellConditioned())
+        dualWeights.clear();
+    result.sills = restrictedSills(parts, dualWeights, driftOrder);
 }
 
 void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours, int numThreads,
@@ -72,6 +78,7 @@ void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOr
         estimator.estimateWithoutEach(i, count, where);
         report(progress, i + count, numPoints);
     }
+    result.sills = leaveOneOutSills(estimator);
 }
 
 } // namespace
@@ -80,14 +87,11 @@ LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& set
                               int numThreads)
 {
     const std::shared_ptr<const ModelParts> parts = estimation::makeModelParts(samples, settings);
-    const SurrogateModelDataBlock& block = parts->getDataBlock();
     const std::size_t numPoints = parts->getPoints().size();
 
     LeaveOneOutResult result;
     result.members = membersOfPoints(*parts);
     result.truths = outputsOfPoints(*parts);
-    for (int w = 0; w < block.getNumOutputVars(); ++w)
-        result.outputVariances.push_back(block.getOutputVarSampleVariance(w));
     result.estimates.values.assign(result.truths.size(), std::vector<double>(numPoints));
     result.estimates.variances.resize(numPoints);
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "analysis/Progress.h"
+#include "analysis/Sill.h"
 #include "estimation/Estimates.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
@@ -23,7 +24,7 @@ struct LeaveOneOutResult
     Estimates estimates;                     // of each point, without it
     std::vector<std::vector<double>> truths; // a column per output variable: the point's value, averaged if merged
     std::vector<std::vector<std::size_t>> members; // the samples that the point stands for: one, or those merged
-    std::vector<double> outputVariances;           // per output variable: sample variance over the points
+    std::vector<Sill> sills;                       // per output variable: of the full model
 };
 
 /// Leave-one-out cross-validation: each point of the model estimated from the others, with the normalisers, the range

@@ -7,6 +7,7 @@
 
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/KrigingSurrogateModel.h"
+#include "surrogatemodel_kriging/ModelParts.h"
 #include "tests/estimation/Samples.h"
 #include "tests/support/BitComparison.h"
 
@@ -47,6 +48,21 @@ TEST(CrossValidationTest, SamplesOfAFoldAreEstimatedByTheModelOfTheOthers)
             EXPECT_GT(estimates.variances[leftOut[k]], 0.0);
         }
     }
+}
+
+TEST(CrossValidationTest, EachFoldsModelIsShownOnce)
+{
+    const SampleSet samples = smoothSamples(23, 5);
+    std::vector<std::size_t> shown;
+
+    crossValidate(samples, {}, 4, 9, {}, {},
+                  [&](std::size_t fold, const fenn::estimation::Estimator& estimator)
+                  {
+                      shown.push_back(fold);
+                      EXPECT_EQ(estimator.getParts().getPoints().size(), fold < 3 ? 17U : 18U);
+                  });
+
+    EXPECT_EQ(shown, (std::vector<std::size_t>{0, 1, 2, 3}));
 }
 
 TEST(CrossValidationTest, ALinearDriftReproducesAPlaneAtSamplesLeftOut)

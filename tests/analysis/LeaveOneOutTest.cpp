@@ -16,6 +16,7 @@ namespace
 
 using fenn::analysis::leaveOneOut;
 using fenn::analysis::LeaveOneOutResult;
+using fenn::analysis::Sill;
 using fenn::estimation::Estimates;
 using fenn::estimation::ModelSettings;
 using fenn::estimation::SampleSet;
@@ -73,6 +74,36 @@ TEST(LeaveOneOutTest, GlobalFiguresAreThoseOfRefits)
             expectClose(leaveOneOut(samples, settings).estimates, refitWithoutEach(samples, settings), tolerance);
         }
     }
+}
+
+TEST(LeaveOneOutTest, SillsAreThoseOfTheFullModel)
+{
+    const SampleSet samples = smoothSamples(60, 17);
+    for (const int numNearestPoints : {0, 12})
+    {
+        const ModelSettings settings{-1.0, {}, 1, 0.8, 0.1, numNearestPoints};
+        const std::vector<Sill> expected = fenn::analysis::estimateSills(samples, settings);
+
+        const std::vector<Sill> sills = leaveOneOut(samples, settings).sills;
+
+        ASSERT_EQ(sills.size(), 2U);
+        for (std::size_t w = 0; w < 2; ++w)
+        {
+            EXPECT_EQ(sills[w].method, expected[w].method);
+            EXPECT_NEAR(sills[w].value / expected[w].value, 1.0, tolerance);
+            EXPECT_EQ(sills[w].sampleVariance, expected[w].sampleVariance);
+        }
+    }
+}
+
+TEST(LeaveOneOutTest, PointsThatCannotBeToldApartLeaveTheSampleVarianceAsSill)
+{
+    std::vector<std::vector<double>> inputs = fenn::test::randomValues(2, 30, 0.0, 1.0, 4);
+    inputs[0][7] = inputs[0][3] + 1e-15;
+    inputs[1][7] = inputs[1][3];
+    const SampleSet samples(inputs, fenn::test::randomValues(1, 30, 0.0, 1.0, 5));
+
+    EXPECT_EQ(leaveOneOut(samples, {}).sills[0].method, fenn::analysis::SillMethod::SampleVariance);
 }
 
 TEST(LeaveOneOutTest, ALargeCommonOffsetOfTheOutputsStaysOutOfTheErrors)
