@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "host/files/InputFile.h"
+#include "host/model/AnalysisInput.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
 #include "host/pictures/Gnuplot.h"
@@ -75,9 +76,16 @@ PredictCommand::PredictCommand(CLI::App& command)
         ->type_name("AXES");
     command.add_flag(
         "--variance", request.withVariance,
-        "Add a column variance, the Kriging variance for a sill of 1, and per output NAME_stderr, the root "
-        "of variance times the samples' variance of that output; nan where the variance is negative. "
-        "Default: off. Example: --variance");
+        "Add a column variance, the Kriging variance for a sill of 1, and per output NAME_stderr, the root of variance "
+        "times the sill of that output (--sill): the standard error of the estimate as a prediction of a new "
+        "observation, nugget included; nan where the variance is below 0. Default: off. Example: --variance");
+    command
+        .add_option_function<std::string>(
+            "--interval", [this](const std::string& text) { request.coverage = parseCoverage("--interval", text); },
+            "Add per output columns NAME_lo and NAME_hi, the ends of the interval that holds this percentage of new "
+            "observations, if the errors are normal: estimate -/+ 1.96 standard errors for 95. Default: none. Example: "
+            "--interval 95")
+        ->type_name("PERCENT");
     command
         .add_option_function<std::string>(
             "--keep", [this](const std::string& text) { keptNames = parseNames("--keep", text); },
@@ -204,7 +212,17 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
 
-    Predictor predictor(model, predictionColumns());
+    const std::vector<PredictionColumn> columns = predictionColumns();
+    std::vector<double> sills;
+    if (needVariances(columns))
+    {
+        const std::unique_ptr<ProgressLine> line = console.startProgress("points for the sill");
+        const std::vector<OutputSill> used = model.calcSills(options.settings.sills, reportTo(*line));
+        report.sillsUsed(options.outputNames, used);
+        for (const OutputSill& sill : used)
+            sills.push_back(sill.value);
+    }
+    Predictor predictor(model, columns, std::move(sills), request.coverage);
     std::uint64_t numTargets = 0;
     std::vector<std::vector<double>> targets;
     std::vector<std::vector<double>> values;
@@ -220,6 +238,7 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     }
     line->wipe();
     report.answered(model.getEngineReport());
+    report.variancesRejected(predictor.getNumWithoutVariance(), numTargets);
     report.finished(numTargets, predictor.getNumWithoutEstimate(), predictor.getLibrarySeconds());
     if (!plotPath.empty())
         drawSurface(plotPath, samples, boxOf(grid, samples),

@@ -7,11 +7,13 @@
 #include <CLI/CLI.hpp>
 
 #include "analysis/CrossValidation.h"
+#include "analysis/Folds.h"
 #include "analysis/LeaveOneOut.h"
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/ModelFailure.h"
+#include "host/model/OutputSill.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
 #include "host/pictures/Gnuplot.h"
@@ -45,6 +47,14 @@ std::vector<std::vector<double>> rowsOf(const std::vector<std::vector<double>>& 
         rows.emplace_back(begin, begin + static_cast<std::ptrdiff_t>(count));
     }
     return rows;
+}
+
+/// The same ones for every point.
+void useSills(const std::vector<OutputSill>& sills, ValidationResult& result, Report& report)
+{
+    report.sillsUsed(result.outputNames, sills);
+    for (const OutputSill& sill : sills)
+        result.sills.emplace_back(result.lines.size(), sill.value);
 }
 
 double meanOf(const std::vector<double>& values, const std::vector<std::size_t>& indices)
@@ -100,18 +110,22 @@ ValidateCommand::ValidateCommand(CLI::App& command)
         ->type_name("FILE");
     command
         .add_option("--plot", plotPath,
-                    "Picture of estimated against measured values, .png or .svg, or its gnuplot script, .gp. Default: "
+                    "Picture of estimated against measured values, of errors against standard errors, and of what "
+                    "intervals hold against what they are to hold; .png or .svg, or its gnuplot script, .gp. Default: "
                     "none. Example: --plot fit.png")
         ->type_name("FILE");
-    command.footer("Prints per output: RMSE, MAE, bias (mean of estimate minus measured value), R2, MSSE (mean squared "
-                   "error over its Kriging variance; 1 when the variances are right) and the worst error; then the "
-                   "worst points, by their lines in the file.\n\nExamples:\n"
-                   "  krige validate samples.csv --inputs x,y --outputs z\n"
-                   "  krige validate samples.csv --inputs x,y --outputs z --leave-one-out --plot fit.png\n"
-                   "  krige validate samples.csv --inputs x,y --outputs z --config best.toml --against truth.csv");
+    command.footer(
+        "Prints per output: RMSE, MAE, bias (mean of estimate minus measured value), R2, MSSE (mean squared "
+        "error over its variance, sill and nugget included; 1 when the standard errors are right), the worst "
+        "error, CRPS (continuous ranked probability score, in the output's units; lower is better) and the "
+        "percentages of measured values that the intervals of 50, 90 and 95 % hold; then the worst points, "
+        "by their lines in the file.\n\nExamples:\n"
+        "  krige validate samples.csv --inputs x,y --outputs z\n"
+        "  krige validate samples.csv --inputs x,y --outputs z --leave-one-out --plot fit.png\n"
+        "  krige validate samples.csv --inputs x,y --outputs z --config best.toml --against truth.csv");
 }
 
-ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Console& console) const
+ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Console& console, Report& report) const
 {
     const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
     if (foldsOption->count() > 0 && numFolds > numSamples)
@@ -130,27 +144,39 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
     }
 
     ValidationResult result = resultFor(samples);
+    std::vector<std::vector<OutputSill>> sillsOfFolds; // per fold, per output
     runExplained(samples, options.settings, "without one of " + std::to_string(folds) + " folds: ",
                  [&]
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const std::unique_ptr<ProgressLine> line = console.startProgress("folds");
                      fenn::analysis::Estimates estimates = fenn::analysis::crossValidate(
-                         sampleSet, options.settings, folds, seed, reportTo(*line), options.estimator);
+                         sampleSet, options.settings, folds, seed, reportTo(*line), options.estimator,
+                         [&](std::size_t, const fenn::estimation::Estimator& estimator)
+                         {
+                             sillsOfFolds.push_back(calcOutputSills(estimator, options.settings, options.settings.sills,
+                                                                    options.estimator.numThreads));
+                         });
                      result.estimates = std::move(estimates.values);
                      result.variances = std::move(estimates.variances);
-                     for (std::size_t w = 0; w < sampleSet.getNumOutputVars(); ++w)
-                         result.outputVariances.push_back(sampleSet.calcOutputVariance(w));
                  });
+    const std::vector<std::size_t> foldOfSample = fenn::analysis::assignFolds(numSamples, folds, seed);
+    result.sills.assign(samples.outputs.size(), std::vector<double>(numSamples));
+    for (std::size_t w = 0; w < samples.outputs.size(); ++w)
+    {
+        for (std::size_t i = 0; i < numSamples; ++i)
+            result.sills[w][i] = sillsOfFolds[foldOfSample[i]][w].value;
+    }
     result.inputs = samples.inputs;
     result.truths = samples.outputs;
     for (const std::size_t line : samples.lines)
         result.lines.push_back(std::to_string(line));
     console.getReport() << "method: " << folds << " folds of " << numSamples << " samples, seed " << seed << '\n';
+    report.sillsOfFolds(samples.outputNames, sillsOfFolds);
     return result;
 }
 
-ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Console& console) const
+ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Console& console, Report& report) const
 {
     ValidationResult result = resultFor(samples);
     fenn::analysis::LeaveOneOutResult left;
@@ -174,8 +200,8 @@ ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Consol
     result.truths = std::move(left.truths);
     result.estimates = std::move(left.estimates.values);
     result.variances = std::move(left.estimates.variances);
-    result.outputVariances = std::move(left.outputVariances);
     console.getReport() << "method: leave one out of " << countOf(result.lines.size(), "point") << '\n';
+    useSills(applyChoices(options.settings.sills, left.sills), result, report);
     return result;
 }
 
@@ -211,15 +237,14 @@ ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& c
     }
     progress->wipe();
     report.answered(model.getEngineReport());
-    for (std::size_t w = 0; w < truth.outputs.size(); ++w)
-        result.outputVariances.push_back(model.getSampleVariance(w));
+    useSills(model.calcSills(options.settings.sills), result, report);
     return result;
 }
 
-void ValidateCommand::writePoints(const ValidationResult& result) const
+void ValidateCommand::writePoints(const ValidationResult& result, const std::vector<ValidationFigures>& figures) const
 {
     OutputFile file(pointsPath);
-    file.write(csvOfPoints(result));
+    file.write(csvOfPoints(result, figures));
     file.commit();
 }
 
@@ -233,20 +258,22 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
     report.samplesRead(samples);
 
     const ValidationResult result = !truthPath.empty() ? compare(samples, console, report)
-                                    : leavesOneOut     ? leaveOneOut(samples, console)
-                                                       : crossValidate(samples, console);
-    const std::vector<fenn::analysis::ErrorStatistics> statistics = summarise(result, numWorst);
-    const std::size_t numMissing = statistics.front().numMissing;
+                                    : leavesOneOut     ? leaveOneOut(samples, console, report)
+                                                       : crossValidate(samples, console, report);
+    const std::vector<ValidationFigures> figures = summarise(result, numWorst);
+    const std::size_t numMissing = figures.front().errors.numMissing;
     if (numMissing > 0)
         console.getReport() << "hint: " << countOf(numMissing, "point") << (numMissing == 1 ? " has" : " have")
                             << " no estimate and count for nothing\n";
+    const std::size_t numWithoutVariance = figures.front().calibration.numWithoutStandardError;
+    report.variancesRejected(numWithoutVariance, result.lines.size());
     if (!pointsPath.empty())
-        writePoints(result);
+        writePoints(result, figures);
     if (!plotPath.empty())
-        drawValidation(plotPath, result, statistics);
+        drawValidation(plotPath, result, figures);
     std::ostream& tables = isStandardStream(pointsPath) ? console.getReport() : out;
-    printErrors(tables, result, statistics);
-    printWorstPoints(tables, result, statistics);
+    printErrors(tables, result, figures);
+    printWorstPoints(tables, result, figures);
     if (!out.flush())
         throw InputError("standard output: writing failed");
     report.finished(result.lines.size());

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
@@ -33,10 +34,10 @@ public:
     void run(std::ostream& out, Console& console) const override;
 
 private:
-    ValidationResult crossValidate(const SampleTable& samples, Console& console) const;
-    ValidationResult leaveOneOut(const SampleTable& samples, Console& console) const;
+    ValidationResult crossValidate(const SampleTable& samples, Console& console, Report& report) const;
+    ValidationResult leaveOneOut(const SampleTable& samples, Console& console, Report& report) const;
     ValidationResult compare(const SampleTable& samples, Console& console, Report& report) const;
-    void writePoints(const ValidationResult& result) const;
+    void writePoints(const ValidationResult& result, const std::vector<ValidationFigures>& figures) const;
 
     ModelOptions options;
     std::string truthPath; // empty: cross-validation

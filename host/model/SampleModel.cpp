@@ -9,14 +9,13 @@
 #include "host/text/HostErrors.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/ModelParts.h"
-#include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace krige
 {
 
 SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_,
                          const fenn::estimation::EstimatorOptions& options)
-    : samples(samples_), settings(settings_), sampleSet(toSampleSet(samples_))
+    : samples(samples_), settings(settings_), numThreads(options.numThreads), sampleSet(toSampleSet(samples_))
 {
     fenn::estimation::EstimatorOptions checked = options;
     checked.checkStandIn = [this](double)
@@ -77,9 +76,14 @@ fenn::estimation::EngineReport SampleModel::getEngineReport() const
     return estimator->getReport();
 }
 
-double SampleModel::getSampleVariance(std::size_t output) const
+std::vector<OutputSill> SampleModel::calcSills(const std::vector<SillChoice>& choices,
+                                               const fenn::analysis::Progress& progress) const
 {
-    return estimator->getParts().getDataBlock().getOutputVarSampleVariance(static_cast<int>(output));
+    std::vector<OutputSill> sills;
+    runExplained(
+        samples, settings, "", [&] { sills = calcOutputSills(*estimator, settings, choices, numThreads, progress); },
+        false);
+    return sills;
 }
 
 } // namespace krige

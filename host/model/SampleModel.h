@@ -5,10 +5,12 @@
 #include <memory>
 #include <vector>
 
+#include "analysis/Progress.h"
 #include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
 #include "estimation/chooseEstimator.h"
+#include "host/model/OutputSill.h"
 #include "host/model/SampleTable.h"
 
 namespace krige
@@ -46,12 +48,15 @@ public:
     /// How the targets so far were answered, and how far from the exact estimates they can be.
     fenn::estimation::EngineReport getEngineReport() const;
 
-    /// Unbiased variance of an output over the model's points.
-    double getSampleVariance(std::size_t output) const;
+    /// Per output. Where a sill is to be estimated from a local model, points are left out one by one: progress counts
+    /// them. Throws InputError as the constructor does, and Cancelled.
+    std::vector<OutputSill> calcSills(const std::vector<SillChoice>& choices,
+                                      const fenn::analysis::Progress& progress = {}) const;
 
 private:
     const SampleTable& samples;
     fenn::estimation::ModelSettings settings;
+    int numThreads;
     fenn::estimation::SampleSet sampleSet; // what the estimator refers to
     std::unique_ptr<fenn::estimation::Estimator> estimator;
 };

@@ -28,9 +28,6 @@ const char* const viridisPalette = "set palette defined (0 '#440154', 1 '#472d7b
 namespace
 {
 
-constexpr int panelWidth = 760;
-constexpr int panelHeight = 600;
-
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 bool endsWith(const std::string& text, const char* ending)
@@ -150,6 +147,11 @@ std::size_t characterLength(std::string_view text)
 
 } // namespace
 
+Picture::Picture(std::size_t panelsPerRow_, int panelWidth_, int panelHeight_)
+    : panelsPerRow(panelsPerRow_), panelWidth(panelWidth_), panelHeight(panelHeight_)
+{
+}
+
 std::string Picture::addData(const std::vector<std::vector<double>>& columns)
 {
     const std::string name = "$data" + std::to_string(++numDataBlocks);
@@ -172,14 +174,24 @@ void Picture::addPanel(std::string commands)
     panels.push_back(std::move(commands));
 }
 
+std::size_t Picture::countColumns() const
+{
+    if (panelsPerRow > 0)
+        return std::min(panelsPerRow, panels.size());
+    return static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(panels.size()))));
+}
+
+std::size_t Picture::countRows() const
+{
+    return (panels.size() + countColumns() - 1) / countColumns();
+}
+
 std::string Picture::buildScript(const std::string& terminalLines) const
 {
     std::string script = "# Made by krige. Draw it with: gnuplot FILE\n" + dataBlocks + "set encoding utf8\n" +
                          terminalLines + "set datafile missing 'nan'\n";
-    const auto numColumns = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(panels.size()))));
-    const std::size_t numRows = (panels.size() + numColumns - 1) / numColumns;
     if (panels.size() > 1)
-        script += "set multiplot layout " + std::to_string(numRows) + "," + std::to_string(numColumns) + "\n";
+        script += "set multiplot layout " + std::to_string(countRows()) + "," + std::to_string(countColumns()) + "\n";
     for (const std::string& panel : panels)
         script += "reset\nset tics out nomirror\n" + panel;
     if (panels.size() > 1)
@@ -189,10 +201,8 @@ std::string Picture::buildScript(const std::string& terminalLines) const
 
 void Picture::save(const std::string& path) const
 {
-    const auto numColumns = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(panels.size()))));
-    const int numRows = (static_cast<int>(panels.size()) + numColumns - 1) / numColumns;
-    const std::string size =
-        " size " + std::to_string(numColumns * panelWidth) + "," + std::to_string(numRows * panelHeight);
+    const std::string size = " size " + std::to_string(static_cast<int>(countColumns()) * panelWidth) + "," +
+                             std::to_string(static_cast<int>(countRows()) * panelHeight);
     const std::string png = "set terminal pngcairo noenhanced font 'sans,13'" + size + "\n";
     const std::string svg = "set terminal svg noenhanced standalone font 'sans,13' background '#ffffff'" + size + "\n";
 

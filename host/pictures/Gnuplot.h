@@ -15,6 +15,9 @@ namespace krige
 class Picture
 {
 public:
+    /// panelsPerRow: 0 for a picture about as wide as it is high. Sizes in pixels.
+    explicit Picture(std::size_t panelsPerRow_ = 0, int panelWidth_ = 760, int panelHeight_ = 600);
+
     /// columns: of one length; NaN stands for "no value". Returns the block's name in the script. Where rowLength is
     /// not 0 a blank line follows every so many rows.
     std::string addData(const std::vector<std::vector<double>>& columns);
@@ -33,7 +36,12 @@ public:
 
 private:
     std::string buildScript(const std::string& terminalLines) const;
+    std::size_t countColumns() const;
+    std::size_t countRows() const;
 
+    std::size_t panelsPerRow;
+    int panelWidth;
+    int panelHeight;
     std::string dataBlocks;
     std::size_t numDataBlocks = 0;
     std::vector<std::string> panels;

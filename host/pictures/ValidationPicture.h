@@ -9,9 +9,11 @@
 namespace krige
 {
 
-/// Estimates over measured values, a panel per output, with the line on which both are equal. Throws as Picture::save.
+/// Three panels per output in a row: estimates over measured values, with the line on which both are equal; errors over
+/// standard errors, with the ends of the intervals that are to hold half and 95 % of them; and how much intervals held
+/// over how much they were to hold, with what chance allows. Throws as Picture::save.
 void drawValidation(const std::string& path, const ValidationResult& result,
-                    const std::vector<fenn::analysis::ErrorStatistics>& statistics);
+                    const std::vector<ValidationFigures>& figures);
 
 } // namespace krige
 

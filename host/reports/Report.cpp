@@ -2,10 +2,10 @@
 
 #include <cstdio>
 #include <ostream>
-#include <string>
 
 #include "host/model/ModelFailure.h"
 #include "host/text/NumberText.h"
+#include "host/text/TextTable.h"
 
 namespace krige
 {
@@ -75,6 +75,33 @@ void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
     if (!coincident.empty())
         stream << "hint: " << coincident << "; add --duplicate-tolerance 0 to merge them\n";
     takeSeconds(); // looking for them is no part of the estimates' time
+}
+
+void Report::sillsUsed(const std::vector<std::string>& outputNames, const std::vector<OutputSill>& sills)
+{
+    buildingSeconds += takeSeconds();
+    for (std::size_t output = 0; output < sills.size(); ++output)
+        stream << "sill: of " << nameForTable(outputNames[output]) << ' ' << describeSill(sills[output]) << '\n';
+}
+
+void Report::sillsOfFolds(const std::vector<std::string>& outputNames,
+                          const std::vector<std::vector<OutputSill>>& sills)
+{
+    for (std::size_t output = 0; output < outputNames.size(); ++output)
+    {
+        std::vector<OutputSill> ofOutput;
+        for (const std::vector<OutputSill>& ofFold : sills)
+            ofOutput.push_back(ofFold[output]);
+        stream << "sill: of " << nameForTable(outputNames[output]) << ' ' << describeSillsOfFolds(ofOutput) << '\n';
+    }
+}
+
+void Report::variancesRejected(std::uint64_t count, std::uint64_t numTargets)
+{
+    if (count > 0)
+        stream << "hint: " << count << " of " << countOf(numTargets, "target") << (count == 1 ? " has" : " have")
+               << " a Kriging variance below 0: nan stands for it and for what is made of it; the spherical model does "
+                  "not suit so many inputs, or samples are too near to each other for this range and nugget\n";
 }
 
 void Report::answered(const fenn::estimation::EngineReport& engine)

@@ -4,9 +4,12 @@
 #include <chrono>
 #include <cstdint>
 #include <iosfwd>
+#include <string>
+#include <vector>
 
 #include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
+#include "host/model/OutputSill.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
 
@@ -25,6 +28,15 @@ public:
     /// Also gives hints about samples that make poor estimates: coincident ones, or too few for the drift.
     void modelBuilt(const SampleModel& model, const SampleTable& samples,
                     const fenn::estimation::ModelSettings& settings);
+
+    /// The sill of each output, beside its sample variance. The time since the last step counts for building the model.
+    void sillsUsed(const std::vector<std::string>& outputNames, const std::vector<OutputSill>& sills);
+
+    /// sills: per fold of a cross-validation, per output.
+    void sillsOfFolds(const std::vector<std::string>& outputNames, const std::vector<std::vector<OutputSill>>& sills);
+
+    /// Estimates whose variance is below 0 by more than rounding; nothing for none.
+    void variancesRejected(std::uint64_t count, std::uint64_t numTargets);
 
     /// Which engine answered, and how far its estimates can be from the exact ones.
     void answered(const fenn::estimation::EngineReport& engine);

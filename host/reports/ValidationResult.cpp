@@ -1,9 +1,10 @@
 #include "host/reports/ValidationResult.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdio>
 #include <ostream>
 
+#include "estimation/StandardError.h"
 #include "host/files/CsvReader.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
@@ -11,41 +12,75 @@
 namespace krige
 {
 
-double ValidationResult::getStandardError(std::size_t output, std::size_t point) const
+namespace
 {
-    return std::sqrt(variances[point] * outputVariances[output]);
+
+/// Up to here a variance is rounding: a known value then lies where a sample does, and there is no error to compare.
+constexpr double largestRounding = 1e-12;
+
+double varianceToCompare(double variance)
+{
+    const double accepted = fenn::estimation::acceptedVariance(variance);
+    return accepted <= largestRounding ? 0.0 : accepted;
 }
 
-std::vector<fenn::analysis::ErrorStatistics> summarise(const ValidationResult& result, std::size_t numWorst)
+/// With one decimal: few validations have more than a thousand points.
+std::string formatPercentage(double fraction)
 {
-    std::vector<fenn::analysis::ErrorStatistics> statistics;
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f", 100.0 * fraction);
+    return text;
+}
+
+} // namespace
+
+std::vector<double> ValidationResult::calcStandardErrors(std::size_t output) const
+{
+    std::vector<double> errors;
+    for (std::size_t i = 0; i < variances.size(); ++i)
+        errors.push_back(fenn::estimation::standardErrorOf(varianceToCompare(variances[i]), sills[output][i]));
+    return errors;
+}
+
+std::vector<ValidationFigures> summarise(const ValidationResult& result, std::size_t numWorst)
+{
+    std::vector<ValidationFigures> figures;
     for (std::size_t w = 0; w < result.truths.size(); ++w)
-        statistics.push_back(fenn::analysis::calcErrorStatistics(
-            result.truths[w], result.estimates[w], result.variances, result.outputVariances[w], numWorst));
-    return statistics;
+    {
+        std::vector<double> standardErrors = result.calcStandardErrors(w);
+        figures.push_back(
+            {fenn::analysis::calcErrorStatistics(result.truths[w], result.estimates[w], {}, 1.0, numWorst),
+             fenn::analysis::calcCalibration(result.truths[w], result.estimates[w], standardErrors),
+             std::move(standardErrors)});
+    }
+    return figures;
 }
 
-void printErrors(std::ostream& out, const ValidationResult& result,
-                 const std::vector<fenn::analysis::ErrorStatistics>& statistics)
+void printErrors(std::ostream& out, const ValidationResult& result, const std::vector<ValidationFigures>& figures)
 {
-    std::vector<std::vector<std::string>> rows{{"output", "points", "RMSE", "MAE", "bias", "R2", "MSSE", "worst"}};
-    for (std::size_t w = 0; w < statistics.size(); ++w)
+    std::vector<std::vector<std::string>> rows{
+        {"output", "points", "RMSE", "MAE", "bias", "R2", "MSSE", "worst", "CRPS"}};
+    for (const fenn::analysis::IntervalCoverage& coverage : figures.front().calibration.coverages)
+        rows[0].push_back("in" + formatFigure(100.0 * coverage.nominal) + "%");
+    for (std::size_t w = 0; w < figures.size(); ++w)
     {
-        const fenn::analysis::ErrorStatistics& errors = statistics[w];
+        const fenn::analysis::ErrorStatistics& errors = figures[w].errors;
+        const fenn::analysis::Calibration& calibration = figures[w].calibration;
         rows.push_back({nameForTable(result.outputNames[w]), std::to_string(errors.numCompared),
                         formatFigure(errors.rmse), formatFigure(errors.mae), formatFigure(errors.bias),
-                        formatFigure(errors.r2), formatFigure(errors.meanSquaredStandardisedError),
-                        formatFigure(errors.worstError)});
+                        formatFigure(errors.r2), formatFigure(calibration.meanSquaredStandardisedError),
+                        formatFigure(errors.worstError), formatFigure(calibration.crps)});
+        for (const fenn::analysis::IntervalCoverage& coverage : calibration.coverages)
+            rows.back().push_back(formatPercentage(coverage.actual));
     }
     printTable(out, rows);
 }
 
-void printWorstPoints(std::ostream& out, const ValidationResult& result,
-                      const std::vector<fenn::analysis::ErrorStatistics>& statistics)
+void printWorstPoints(std::ostream& out, const ValidationResult& result, const std::vector<ValidationFigures>& figures)
 {
-    for (std::size_t w = 0; w < statistics.size(); ++w)
+    for (std::size_t w = 0; w < figures.size(); ++w)
     {
-        if (statistics[w].worstPoints.empty())
+        if (figures[w].errors.worstPoints.empty())
             continue;
         out << "\nworst of " << nameForTable(result.outputNames[w]) << ":\n";
         std::vector<std::vector<std::string>> rows{{"line"}};
@@ -53,20 +88,20 @@ void printWorstPoints(std::ostream& out, const ValidationResult& result,
             rows[0].push_back(nameForTable(name));
         for (const char* const title : {"measured", "estimate", "error", "stderr"})
             rows[0].emplace_back(title);
-        for (const std::size_t i : statistics[w].worstPoints)
+        for (const std::size_t i : figures[w].errors.worstPoints)
         {
             rows.push_back({result.lines[i]});
             for (const std::vector<double>& input : result.inputs)
                 rows.back().push_back(formatFigure(input[i]));
             for (const double value : {result.truths[w][i], result.estimates[w][i],
-                                       result.estimates[w][i] - result.truths[w][i], result.getStandardError(w, i)})
+                                       result.estimates[w][i] - result.truths[w][i], figures[w].standardErrors[i]})
                 rows.back().push_back(formatFigure(value));
         }
         printTable(out, rows);
     }
 }
 
-std::string csvOfPoints(const ValidationResult& result)
+std::string csvOfPoints(const ValidationResult& result, const std::vector<ValidationFigures>& figures)
 {
     std::string text = "line";
     for (const std::string& name : result.inputNames)
@@ -98,9 +133,9 @@ std::string csvOfPoints(const ValidationResult& result)
             append(result.truths[w][i]);
             append(result.estimates[w][i]);
             append(result.estimates[w][i] - result.truths[w][i]);
-            append(result.getStandardError(w, i));
+            append(figures[w].standardErrors[i]);
         }
-        append(result.variances[i]);
+        append(varianceToCompare(result.variances[i]));
         text += '\n';
     }
     return text;

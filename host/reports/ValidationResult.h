@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "analysis/Calibration.h"
 #include "analysis/ErrorStatistics.h"
 
 namespace krige
@@ -19,26 +20,32 @@ struct ValidationResult
     std::vector<std::vector<double>> inputs;
     std::vector<std::vector<double>> truths;    // per output
     std::vector<std::vector<double>> estimates; // likewise; NaN where there is none
-    std::vector<double> variances;              // for a sill of 1
-    std::vector<double> outputVariances;        // per output: sample variance
+    std::vector<double> variances;              // for a sill of 1, as the engine gave them
+    std::vector<std::vector<double>> sills;     // per output: of the model that estimated each point
 
-    /// Standard error of an output's estimate at a point; NaN for a negative variance.
-    double getStandardError(std::size_t output, std::size_t point) const;
+    /// Standard errors of an output's estimates, as predictions of new observations; NaN where there is none.
+    std::vector<double> calcStandardErrors(std::size_t output) const;
+};
+
+/// How good the estimates of one output are, and how good their standard errors.
+struct ValidationFigures
+{
+    fenn::analysis::ErrorStatistics errors;
+    fenn::analysis::Calibration calibration;
+    std::vector<double> standardErrors; // of each point
 };
 
 /// Per output; numWorst worst points each.
-std::vector<fenn::analysis::ErrorStatistics> summarise(const ValidationResult& result, std::size_t numWorst);
+std::vector<ValidationFigures> summarise(const ValidationResult& result, std::size_t numWorst);
 
 /// The table of errors, a line per output.
-void printErrors(std::ostream& out, const ValidationResult& result,
-                 const std::vector<fenn::analysis::ErrorStatistics>& statistics);
+void printErrors(std::ostream& out, const ValidationResult& result, const std::vector<ValidationFigures>& figures);
 
 /// The worst points of each output, with line, coordinates, values and errors.
-void printWorstPoints(std::ostream& out, const ValidationResult& result,
-                      const std::vector<fenn::analysis::ErrorStatistics>& statistics);
+void printWorstPoints(std::ostream& out, const ValidationResult& result, const std::vector<ValidationFigures>& figures);
 
 /// CSV text: the inputs, per output its measured value, estimate, error and standard error, then the variance.
-std::string csvOfPoints(const ValidationResult& result);
+std::string csvOfPoints(const ValidationResult& result, const std::vector<ValidationFigures>& figures);
 
 } // namespace krige
 

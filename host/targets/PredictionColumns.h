@@ -13,7 +13,9 @@ enum class Quantity
 {
     Estimate,
     Variance, // for a sill of 1, the same for every output
-    StandardError
+    StandardError,
+    LowerEnd, // of the interval that holds a new observation
+    UpperEnd
 };
 
 struct PredictionColumn
@@ -27,7 +29,11 @@ struct PredictionColumn
 struct PredictionRequest
 {
     bool withVariance = false; // and standard errors
+    double coverage = 0.0;     // of intervals, in percent; 0: none
 };
+
+/// A percentage of an interval, from 1 to below 100. Throws UsageError that begins with option.
+double parseCoverage(const std::string& option, const std::string& text);
 
 /// The columns behind the inputs, in their order: the estimates of all outputs, then what was asked for.
 std::vector<PredictionColumn> choosePredictionColumns(const std::vector<std::string>& outputNames,

@@ -5,21 +5,22 @@
 #include <limits>
 #include <utility>
 
+#include "analysis/NormalDistribution.h"
+#include "analysis/OutputTransform.h"
+#include "estimation/StandardError.h"
 #include "host/model/SampleModel.h"
 
 namespace krige
 {
 
-Predictor::Predictor(const SampleModel& model_, std::vector<PredictionColumn> columns_)
-    : model(model_), columns(std::move(columns_))
+Predictor::Predictor(const SampleModel& model_, std::vector<PredictionColumn> columns_, std::vector<double> sills_,
+                     double coverage)
+    : model(model_),
+      columns(std::move(columns_)),
+      withVariances(needVariances(columns)),
+      sills(std::move(sills_)),
+      intervalFactor(coverage > 0.0 ? fenn::analysis::intervalFactor(coverage / 100.0) : 0.0)
 {
-    if (!needVariances(columns))
-        return;
-    for (const PredictionColumn& column : columns)
-    {
-        if (column.quantity == Quantity::Estimate)
-            sills.push_back(model.getSampleVariance(column.output));
-    }
 }
 
 void Predictor::addMask(TargetMask mask)
@@ -31,8 +32,11 @@ void Predictor::predict(const std::vector<std::vector<double>>& targets, std::ve
 {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();
-    numWithoutEstimate += model.estimate(targets, answers.estimates, sills.empty() ? nullptr : &answers.variances);
+    numWithoutEstimate += model.estimate(targets, answers.estimates, withVariances ? &answers.variances : nullptr);
     seconds += std::chrono::duration<double>(Clock::now() - start).count();
+
+    if (withVariances)
+        deriveUncertainty();
 
     const std::size_t numTargets = targets.front().size();
     values.resize(columns.size());
@@ -46,8 +50,32 @@ void Predictor::predict(const std::vector<std::vector<double>>& targets, std::ve
         applyMasks(targets, values);
 }
 
+void Predictor::deriveUncertainty()
+{
+    for (double& variance : answers.variances)
+    {
+        const double accepted = fenn::estimation::acceptedVariance(variance);
+        if (std::isnan(accepted) && !std::isnan(variance))
+            ++numWithoutVariance;
+        variance = accepted;
+    }
+    answers.standardErrors.resize(sills.size());
+    for (std::size_t output = 0; output < sills.size(); ++output)
+    {
+        std::vector<double>& errors = answers.standardErrors[output];
+        errors.clear();
+        for (const double variance : answers.variances)
+            errors.push_back(fenn::estimation::standardErrorOf(variance, sills[output]));
+    }
+}
+
 double Predictor::valueOf(const PredictionColumn& column, std::size_t t) const
 {
+    const auto interval = [&]
+    {
+        return fenn::analysis::predictionInterval(answers.estimates[column.output][t],
+                                                  answers.standardErrors[column.output][t], intervalFactor);
+    };
     switch (column.quantity)
     {
     case Quantity::Estimate:
@@ -55,7 +83,11 @@ double Predictor::valueOf(const PredictionColumn& column, std::size_t t) const
     case Quantity::Variance:
         return answers.variances[t];
     case Quantity::StandardError:
-        return std::sqrt(answers.variances[t] * sills[column.output]); // NaN for a negative variance
+        return answers.standardErrors[column.output][t];
+    case Quantity::LowerEnd:
+        return interval().lower;
+    case Quantity::UpperEnd:
+        return interval().upper;
     }
     return std::numeric_limits<double>::quiet_NaN();
 }

@@ -17,7 +17,9 @@ class SampleModel;
 struct AnsweredTargets
 {
     std::vector<std::vector<double>> estimates; // one column per output
-    std::vector<double> variances;              // for a sill of 1; empty unless wanted
+    // Both empty unless some column needs them:
+    std::vector<double> variances;                   // for a sill of 1, accepted: 0 or above, or NaN
+    std::vector<std::vector<double>> standardErrors; // one column per output, of a new observation
 };
 
 /// Marks targets whose predictions are to be nan: sets isMasked[t], which is false for all of them at first or true
@@ -30,8 +32,10 @@ using TargetMask = std::function<void(const std::vector<std::vector<double>>& ta
 class Predictor
 {
 public:
-    /// Refers to the model, which must outlive it.
-    Predictor(const SampleModel& model_, std::vector<PredictionColumn> columns_);
+    /// Refers to the model, which must outlive it. sills: one per output, of which standard errors are made; unused
+    /// where no column needs variances. coverage: of intervals, in percent.
+    Predictor(const SampleModel& model_, std::vector<PredictionColumn> columns_, std::vector<double> sills_,
+              double coverage);
 
     /// To be called before the first block. Every mask sees the answers as the model gave them.
     void addMask(TargetMask mask);
@@ -46,6 +50,12 @@ public:
         return numWithoutEstimate;
     }
 
+    /// Targets so far whose variance was not accepted, though they have an estimate.
+    std::uint64_t getNumWithoutVariance() const
+    {
+        return numWithoutVariance;
+    }
+
     /// Targets so far that a mask took the predictions of.
     std::uint64_t getNumMasked() const
     {
@@ -58,15 +68,19 @@ public:
     }
 
 private:
+    void deriveUncertainty();
     double valueOf(const PredictionColumn& column, std::size_t t) const;
     void applyMasks(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values);
 
     const SampleModel& model;
     std::vector<PredictionColumn> columns;
     std::vector<TargetMask> masks;
-    std::vector<double> sills; // per output; empty unless variances are wanted
+    bool withVariances;
+    std::vector<double> sills; // per output
+    double intervalFactor;     // half an interval in standard errors
     AnsweredTargets answers;   // kept: it grows to a block's size once
     std::uint64_t numWithoutEstimate = 0;
+    std::uint64_t numWithoutVariance = 0;
     std::uint64_t numMasked = 0;
     double seconds = 0.0;
 };

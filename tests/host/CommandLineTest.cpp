@@ -185,13 +185,14 @@ TEST_F(PredictBitsTest, ValidatePrintsTheErrorsOfTheLibrarysEstimates)
 
     ASSERT_EQ(run.status, 0) << run.err;
     std::istringstream words(run.out);
-    std::string header[8];
+    std::string header[12];
     for (std::string& word : header)
         words >> word;
-    EXPECT_THAT(header, testing::ElementsAre("output", "points", "RMSE", "MAE", "bias", "R2", "MSSE", "worst"));
+    EXPECT_THAT(header, testing::ElementsAre("output", "points", "RMSE", "MAE", "bias", "R2", "MSSE", "worst", "CRPS",
+                                             "in50%", "in90%", "in95%"));
     std::string line;
     std::getline(words >> std::ws, line);
-    EXPECT_THAT(line, testing::MatchesRegex("a +2 +1\\.58114 +1\\.5 +0\\.5 .* 2")); // sqrt((4 + 1) / 2)
+    EXPECT_THAT(line, testing::MatchesRegex("a +2 +1\\.58114 +1\\.5 +0\\.5 .* 2 .*")); // sqrt((4 + 1) / 2)
 }
 
 TEST(CommandLineTest, UsageErrorsPointToTheHelpOfTheSubcommand)

@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include "analysis/Sill.h"
+#include "host/model/AnalysisInput.h"
+
 using fenn::estimation::ModelSettings;
 using krige::SampleModel;
 using krige::SampleTable;
@@ -122,5 +125,19 @@ TEST(SampleModelTest, TheSampleVarianceIsThatOfThePointsLeftAfterMerging)
     const SampleModel model(samples, merging());
 
     // 2, 4.5, 6 and 7: mean 4.875, squared deviations 8.265625 + 0.140625 + 1.265625 + 4.515625
-    EXPECT_DOUBLE_EQ(model.getSampleVariance(0), 14.1875 / 3.0);
+    const krige::OutputSill sill = model.calcSills({{krige::SillChoice::Rule::Sample, 0.0}})[0];
+    EXPECT_DOUBLE_EQ(sill.value, 14.1875 / 3.0);
+    EXPECT_EQ(sill.sampleVariance, sill.value);
+}
+
+TEST(SampleModelTest, SillsAreThoseOfTheModelThatIsBuilt)
+{
+    const SampleTable samples = samplesWithDuplicates();
+    const SampleModel model(samples, merging());
+
+    const krige::OutputSill sill = model.calcSills({})[0];
+
+    EXPECT_EQ(sill.value, fenn::analysis::estimateSills(krige::toSampleSet(samples), merging())[0].value);
+    EXPECT_EQ(sill.method, fenn::analysis::SillMethod::RestrictedLikelihood);
+    EXPECT_EQ(sill.numUsed, 4u);
 }

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 
 using krige::ValidationResult;
-using testing::EndsWith;
+using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace
@@ -26,7 +26,7 @@ ValidationResult threePoints()
     result.truths = {{1, 2, 6}};
     result.estimates = {{2, 2, 3}};
     result.variances = {0.25, 0.0, 1.0};
-    result.outputVariances = {4.0};
+    result.sills = {{4.0, 4.0, 4.0}};
     return result;
 }
 
@@ -34,7 +34,7 @@ ValidationResult threePoints()
 
 TEST(ValidationResultTest, AStandardErrorHasTheOutputsUnits)
 {
-    EXPECT_EQ(threePoints().getStandardError(0, 0), 1.0); // sqrt(0.25 * 4)
+    EXPECT_EQ(threePoints().calcStandardErrors(0), (std::vector<double>{1.0, 0.0, 2.0})); // sqrt(variance * 4)
 }
 
 TEST(ValidationResultTest, ANegativeVarianceHasNoStandardError)
@@ -42,23 +42,47 @@ TEST(ValidationResultTest, ANegativeVarianceHasNoStandardError)
     ValidationResult result = threePoints();
     result.variances[0] = -0.25;
 
-    EXPECT_TRUE(std::isnan(result.getStandardError(0, 0)));
+    EXPECT_TRUE(std::isnan(result.calcStandardErrors(0)[0]));
+    EXPECT_THAT(krige::csvOfPoints(result, krige::summarise(result, 1)), HasSubstr("\n2,10,1,2,1,nan,nan\n"));
 }
 
-TEST(ValidationResultTest, EachOutputIsSummarisedWithItsOwnVariance)
+TEST(ValidationResultTest, AVarianceThatIsRoundingCountsAsZero)
+{
+    for (const double variance : {-1e-13, 1e-13})
+    {
+        ValidationResult result = threePoints();
+        result.variances[0] = variance;
+        const auto figures = krige::summarise(result, 1);
+
+        EXPECT_EQ(figures[0].standardErrors[0], 0.0);
+        EXPECT_EQ(figures[0].calibration.numCertain, 2u);
+        EXPECT_EQ(figures[0].calibration.meanSquaredStandardisedError, 2.25); // of 9 / (1 * 4) alone
+        EXPECT_THAT(krige::csvOfPoints(result, figures), HasSubstr("\n2,10,1,2,1,0,0\n"));
+    }
+}
+
+TEST(ValidationResultTest, EachPointTakesTheSillOfTheModelThatEstimatedIt)
+{
+    ValidationResult result = threePoints();
+    result.sills[0][2] = 9.0;
+
+    EXPECT_EQ(result.calcStandardErrors(0), (std::vector<double>{1.0, 0.0, 3.0}));
+}
+
+TEST(ValidationResultTest, EachOutputIsSummarisedWithItsOwnSill)
 {
     ValidationResult result = threePoints();
     result.outputNames = {"z", "w"};
     result.truths.push_back({1, 1, 1});
     result.estimates.push_back({1, noEstimate, 2});
-    result.outputVariances.push_back(1.0);
-    const auto statistics = krige::summarise(result, 1);
+    result.sills.push_back({1.0, 1.0, 1.0});
+    const auto figures = krige::summarise(result, 1);
 
-    ASSERT_EQ(statistics.size(), 2u);
-    EXPECT_EQ(statistics[0].worstError, -3.0);
-    EXPECT_EQ(statistics[0].meanSquaredStandardisedError, 1.625); // of 1 / (0.25 * 4) and 9 / (1 * 4)
-    EXPECT_EQ(statistics[1].numMissing, 1u);
-    EXPECT_EQ(statistics[1].worstPoints, (std::vector<std::size_t>{2}));
+    ASSERT_EQ(figures.size(), 2u);
+    EXPECT_EQ(figures[0].errors.worstError, -3.0);
+    EXPECT_EQ(figures[0].calibration.meanSquaredStandardisedError, 1.625); // of 1 / (0.25 * 4) and 9 / (1 * 4)
+    EXPECT_EQ(figures[1].errors.numMissing, 1u);
+    EXPECT_EQ(figures[1].errors.worstPoints, (std::vector<std::size_t>{2}));
 }
 
 TEST(ValidationResultTest, TheTableOfErrorsHasALinePerOutput)
@@ -67,8 +91,9 @@ TEST(ValidationResultTest, TheTableOfErrorsHasALinePerOutput)
     std::ostringstream out;
     krige::printErrors(out, result, krige::summarise(result, 1));
 
-    EXPECT_EQ(out.str(), "output  points     RMSE      MAE       bias        R2   MSSE  worst\n"
-                         "z            3  1.82574  1.33333  -0.666667  0.285714  1.625     -3\n");
+    EXPECT_EQ(out.str(),
+              "output  points     RMSE      MAE       bias        R2   MSSE  worst      CRPS  in50%  in90%  in95%\n"
+              "z            3  1.82574  1.33333  -0.666667  0.285714  1.625     -3  0.863763   33.3  100.0  100.0\n");
 }
 
 TEST(ValidationResultTest, TheWorstPointsAreNamedByTheirLines)
@@ -94,8 +119,9 @@ TEST(ValidationResultTest, NoWorstPointsPrintNothing)
 
 TEST(ValidationResultTest, TheCsvHoldsEveryPointWithItsVariance)
 {
-    EXPECT_EQ(krige::csvOfPoints(threePoints()), "line,x,z,z_estimate,z_error,z_stderr,variance\n"
-                                                 "2,10,1,2,1,1,0.25\n"
-                                                 "3+5,20,2,2,0,0,0\n"
-                                                 "4,30,6,3,-3,2,1\n");
+    EXPECT_EQ(krige::csvOfPoints(threePoints(), krige::summarise(threePoints(), 1)),
+              "line,x,z,z_estimate,z_error,z_stderr,variance\n"
+              "2,10,1,2,1,1,0.25\n"
+              "3+5,20,2,2,0,0,0\n"
+              "4,30,6,3,-3,2,1\n");
 }

@@ -19,9 +19,9 @@ test_ErrorsArePrintedPerOutput()
     expect_status 0
     table >table
     expect_file table <<EOF
-output points RMSE MAE bias R2 MSSE worst
-a 2 1.58114 1.5 0.5 0.722222 nan 2
-b 2 0 0 0 nan nan 0
+output points RMSE MAE bias R2 MSSE worst CRPS in50% in90% in95%
+a 2 1.58114 1.5 0.5 0.722222 nan 2 1.5 0.0 0.0 0.0
+b 2 0 0 0 nan nan 0 0 100.0 100.0 100.0
 EOF
 }
 
@@ -45,7 +45,8 @@ test_FoldsAreTheDefault()
     validate
     expect_status 0
     expect_stderr 'method: 10 folds of 100 samples, seed 1'
-    expect_stdout 'rainfall     100  74.1645  49.3049  -1.18376  0.59191  5.21556  -347.479'
+    expect_stderr "sill: of rainfall 66993.3 to 80878.7, each fold's estimated from the samples outside it"
+    expect_stdout 'rainfall     100  74.1645  49.3049  -1.18376  0.59191  0.967786  -347.479  36.727   55.0   94.0   97.0'
     expect_stdout 'worst of rainfall:'
 }
 
@@ -200,4 +201,74 @@ test_AFullDiskIsAnError()
     status=$?
     expect_status 1
     expect_stderr 'standard output: writing failed'
+}
+
+test_FiguresOfUncertaintyCanBeComputedAnewFromTheFile()
+{
+    validate --leave-one-out --quiet --worst 0 -o points.csv
+    expect_status 0
+    awk -F, 'NR > 1 { q = $6 / $7; s += q * q; if (q < 0) q = -q; n50 += q <= 0.6744897501960817
+            n90 += q <= 1.6448536269514722; n95 += q <= 1.959963984540054 }
+        END { printf "%.6g %.1f %.1f %.1f\n", s / (NR - 1), 100 * n50 / (NR - 1), 100 * n90 / (NR - 1), 100 * n95 / (NR - 1) }' \
+        points.csv >computed
+    awk 'NR == 2 { print $7, $10, $11, $12 }' "$scratch/log/out" >printed
+    cmp computed printed || { cat computed printed; fail 'other figures'; }
+}
+
+test_StandardErrorsOfLeaveOneOutTakeTheSillOfAllPoints()
+{
+    validate --leave-one-out -o points.csv
+    expect_stderr 'sill: of rainfall 75844.6 by restricted likelihood over 100 points (sample variance 13614.5)'
+    awk -F, 'NR > 1 && ($7 * $7 / $8 / 75844.6 - 1) ^ 2 > 1e-10 { bad = 1 } END { exit bad }' points.csv ||
+        fail 'another sill'
+}
+
+test_AGivenSillIsTakenForEveryFold()
+{
+    validate --sill 10000 -o points.csv
+    expect_status 0
+    expect_stderr 'sill: of rainfall 10000 as given'
+    awk -F, 'NR > 1 && ($7 * $7 / $8 / 10000 - 1) ^ 2 > 1e-20 { bad = 1 } END { exit bad }' points.csv ||
+        fail 'another sill'
+}
+
+test_TheSampleVarianceOfEachFoldCanBeTheSill()
+{
+    validate --sill sample
+    expect_stderr "each fold's the variance of the samples outside it"
+    expect_stdout '5.29221'
+}
+
+test_IntervalsOfDefaultSettingsCoverWhatTheyPromise()
+{
+    # The sample variance as the sill left 68 % of rainfall and 23 % of the earthquakes in 95 % intervals.
+    for example in 'rainfall x,y rainfall' 'volcano x,y elevation' 'quakes long,lat,depth mag'; do
+        set -- $example
+        krige validate "$examples/$1/samples.csv" --inputs "$2" --outputs "$3" --worst 0
+        expect_status 0
+        awk 'NR == 2 { exit !($12 >= 90) }' "$scratch/log/out" || fail "$1: intervals hold too little"
+    done
+}
+
+test_TwoSamplesGiveFiniteFigures()
+{
+    printf 'x,z\n0,1\n1,3\n' >samples.csv
+    printf 'x,z\n0,1\n0.5,3\n' >truth.csv
+    krige validate samples.csv --inputs x --outputs z --against truth.csv
+    expect_status 0
+    expect_stderr 'sill: of z 2 by restricted likelihood over 2 points (sample variance 2)'
+    expect_stdout ' 100.0  100.0'
+}
+
+test_AConstantOutputHasNoSill()
+{
+    printf 'x,z\n0,5\n1,5\n2,5\n3,5\n5,5\n' >samples.csv
+    krige validate samples.csv --inputs x --outputs z --leave-one-out --worst 0
+    expect_status 0
+    expect_stderr 'sill: of z 0 by restricted likelihood'
+    table >table
+    expect_file table <<END
+output points RMSE MAE bias R2 MSSE worst CRPS in50% in90% in95%
+z 5 0 0 0 nan nan 0 0 100.0 100.0 100.0
+END
 }
