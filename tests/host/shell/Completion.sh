@@ -68,4 +68,7 @@ test_ValuesAreOffered()
     completed tune samples.csv --objective ''
     offers rmse
     offers mae
+    completed predict samples.csv --sill ''
+    offers auto
+    offers sample
 }
