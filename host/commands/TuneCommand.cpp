@@ -13,6 +13,8 @@
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/ModelFailure.h"
+#include "host/model/OutputSill.h"
+#include "host/model/SampleModel.h"
 #include "host/model/SettingsFile.h"
 #include "host/reports/Report.h"
 #include "host/reports/TuningReport.h"
@@ -91,7 +93,9 @@ TuneCommand::TuneCommand(CLI::App& command)
             "Error to minimise: rmse, or mae, which outliers affect less. Default: rmse. Example: --objective mae")
         ->type_name("NAME");
     command.footer("The model's options say where the search starts, and what the winner has to beat: the defaults "
-                   "where they are left out. --duplicate-tolerance is kept.\n\nExamples:\n"
+                   "where they are left out. --duplicate-tolerance is kept. The winner's sill of each output, of all "
+                   "samples, is written beside its settings, so that standard errors and intervals take it; --sill "
+                   "sample is written as such.\n\nExamples:\n"
                    "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
                    "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid x=0:10:101,y=0:5:51 "
                    "-o grid.csv");
@@ -135,6 +139,19 @@ fenn::analysis::TuningOptions TuneCommand::chooseOptions(const SampleTable& samp
         throw InputError(samples.path + ": tuning needs at least 2 samples that are not held out");
     chosen.numFolds = std::min(chosen.numFolds, numTuned);
     return chosen;
+}
+
+Settings TuneCommand::withSills(const Settings& settings, const SampleTable& samples, Console& console,
+                                Report& report) const
+{
+    const std::unique_ptr<ProgressLine> line = console.startProgress("points for the sill");
+    const SampleModel model(samples, settings, options.estimator);
+    const std::vector<OutputSill> sills = model.calcSills(settings.sills, reportTo(*line));
+    line->wipe();
+    report.sillsUsed(samples.outputNames, sills);
+    Settings result = settings;
+    result.sills = choicesOf(sills);
+    return result;
 }
 
 fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Console& console) const
@@ -181,8 +198,10 @@ void TuneCommand::run(std::ostream& out, Console& console) const
     const fenn::analysis::TuningResult result = search(samples, console);
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
+    const Settings best =
+        withSills(options.settings.withModel(result.trials[result.winner].settings), samples, console, report);
     if (!outputPath.empty())
-        writeWhole(outputPath, settingsFileText(options.settings.withModel(result.trials[result.winner].settings)));
+        writeWhole(outputPath, settingsFileText(best));
     printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, samples.outputNames,
                 tuning.objective);
     if (!out.flush())

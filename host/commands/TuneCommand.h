@@ -19,6 +19,8 @@ class Option;
 namespace krige
 {
 
+class Report;
+
 /// `krige tune`: searches the settings that estimate samples best from each other, and writes them for --config.
 class TuneCommand final : public Command
 {
@@ -31,6 +33,9 @@ public:
 private:
     fenn::analysis::SearchSpace chooseSpace(const fenn::estimation::SampleSet& samples) const;
     fenn::analysis::TuningOptions chooseOptions(const SampleTable& samples) const;
+    /// Settings for a file, with the values of the sills that they leave to be estimated from all samples. Throws as
+    /// SampleModel.
+    Settings withSills(const Settings& settings, const SampleTable& samples, Console& console, Report& report) const;
     fenn::analysis::TuningResult search(const SampleTable& samples, Console& console) const;
 
     ModelOptions options; // the search starts from the model's

@@ -92,7 +92,10 @@ std::vector<SillChoice> choicesOf(const std::vector<OutputSill>& sills)
 {
     std::vector<SillChoice> choices;
     for (const OutputSill& sill : sills)
-        choices.push_back(sill.value > 0.0 ? SillChoice{Rule::Given, sill.value} : SillChoice());
+    {
+        const SillChoice asGiven = sill.value > 0.0 ? SillChoice{Rule::Given, sill.value} : SillChoice();
+        choices.push_back(sill.rule == Rule::Sample ? SillChoice{Rule::Sample, 0.0} : asGiven);
+    }
     return choices;
 }
 

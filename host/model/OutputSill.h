@@ -42,8 +42,8 @@ std::string describeSill(const OutputSill& sill);
 /// Likewise of the folds of a cross-validation, each with a model of its own: "12801.2 to 15702.9, ...".
 std::string describeSillsOfFolds(const std::vector<OutputSill>& sills);
 
-/// For a settings file: the values as given, so that other runs take them as they are; "auto" for one that is not above
-/// 0, as that of a constant output.
+/// For a settings file: estimated values as given ones, so that other runs take them as they are; "auto" for one that
+/// is not above 0, as that of a constant output.
 std::vector<SillChoice> choicesOf(const std::vector<OutputSill>& sills);
 
 } // namespace krige

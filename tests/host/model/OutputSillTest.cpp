@@ -54,6 +54,14 @@ TEST(OutputSillTest, FoldsAreDescribedByTheirLeastAndGreatest)
     EXPECT_EQ(krige::describeSillsOfFolds({{7.0, 2.0, Rule::Given, SillMethod::SampleVariance, 9}}), "7 as given");
 }
 
+TEST(OutputSillTest, TheSampleVarianceStaysARule)
+{
+    const std::vector<SillChoice> choices =
+        krige::choicesOf({{2.0, 2.0, Rule::Sample, SillMethod::SampleVariance, 9}, {7.0, 2.0, Rule::Given, {}, 9}});
+
+    EXPECT_EQ(choices, (std::vector<SillChoice>{{Rule::Sample, 0.0}, {Rule::Given, 7.0}}));
+}
+
 TEST(OutputSillTest, ASillOfZeroIsLeftToBeEstimated)
 {
     const std::vector<SillChoice> choices = krige::choicesOf({estimated(3.5), estimated(0.0)});

@@ -129,3 +129,25 @@ test_CoincidentSamplesNameTheWayOut()
     krige tune samples.csv --inputs x --outputs z --held-out 0 --folds 2 -o best.toml
     expect_stderr 'hint: 7 of 10 samples coincide; add --duplicate-tolerance 0 to merge them'
 }
+
+test_TheSillOfTheWinnerIsWrittenForOtherRuns()
+{
+    tune --max-trials 30 -o best.toml
+    expect_status 0
+    sill=$(sed -n 's/^sill = \[\(.*\)\]$/\1/p' best.toml)
+    [ "$(printf %.6g "$sill")" = "$(sed -n 's/^sill: of rainfall \([^ ]*\) by restricted likelihood over 100 points .*/\1/p' \
+        "$scratch/log/err")" ] || { cat best.toml; fail 'not the sill of the report'; }
+    krige predict "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall --config best.toml --variance --grid 3x3 -o tuned.csv
+    expect_status 0
+    expect_stderr ' as given (sample variance 13614.5)'
+    sed '/^sill/d' best.toml >without.toml
+    krige predict "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall --config without.toml --variance --grid 3x3 -o auto.csv
+    cmp tuned.csv auto.csv || fail 'not the sill of the same settings'
+}
+
+test_TheSampleVarianceStaysTheSill()
+{
+    tune --quiet --max-trials 3 --sill sample -o best.toml
+    expect_status 0
+    grep -qx 'sill = \["sample"\]' best.toml || { cat best.toml; fail 'another sill'; }
+}
