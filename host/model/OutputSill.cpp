@@ -82,10 +82,14 @@ std::string describeSillsOfFolds(const std::vector<OutputSill>& sills)
         return formatFigure(sills.front().value) + " as given";
     const auto [least, greatest] = std::minmax_element(
         sills.begin(), sills.end(), [](const OutputSill& a, const OutputSill& b) { return a.value < b.value; });
-    const bool areSampleVariances = std::all_of(sills.begin(), sills.end(), isSampleVariance);
-    return formatFigure(least->value) + " to " + formatFigure(greatest->value) +
-           (areSampleVariances ? ", each fold's the variance of the samples outside it"
-                               : ", each fold's estimated from the samples outside it");
+    const std::string range = formatFigure(least->value) + " to " + formatFigure(greatest->value);
+    if (sills.front().rule == Rule::Sample)
+        return range + ", each fold's the variance of the samples outside it";
+    const auto numVariances = static_cast<std::size_t>(std::count_if(sills.begin(), sills.end(), isSampleVariance));
+    const std::string estimated = range + ", each fold's estimated from the samples outside it";
+    return numVariances == 0 ? estimated
+                             : estimated + "; in " + countOf(numVariances, "fold") +
+                                   " the sample variance, for the points determine no other";
 }
 
 std::vector<SillChoice> choicesOf(const std::vector<OutputSill>& sills)

@@ -48,6 +48,11 @@ TEST(OutputSillTest, FoldsAreDescribedByTheirLeastAndGreatest)
 {
     EXPECT_EQ(krige::describeSillsOfFolds({estimated(3.5), estimated(2.5), estimated(3.0)}),
               "2.5 to 3.5, each fold's estimated from the samples outside it");
+    EXPECT_EQ(
+        krige::describeSillsOfFolds(
+            {estimated(3.5), {2.0, 2.0, Rule::Automatic, SillMethod::SampleVariance, 9}, estimated(3.0)}),
+        "2 to 3.5, each fold's estimated from the samples outside it; in 1 fold the sample variance, for the points "
+        "determine no other");
     EXPECT_EQ(krige::describeSillsOfFolds({{2.0, 2.0, Rule::Sample, SillMethod::SampleVariance, 9},
                                            {3.0, 3.0, Rule::Sample, SillMethod::SampleVariance, 9}}),
               "2 to 3, each fold's the variance of the samples outside it");
