@@ -199,6 +199,31 @@ TEST(CholeskyKernelsTest, AMatrixThatIsNotPositiveDefiniteIsRefused)
         });
 }
 
+TEST(CholeskyKernelsTest, ALastPivotOfZeroIsRefused)
+{
+    // Ones on the diagonal, and a last row equal to the one before: 1 - 1 is left, and nothing below turns to NaN.
+    forEachRunnableTarget(
+        [](const char* name)
+        {
+            SCOPED_TRACE(name);
+            for (const std::size_t numRows : {24U, 72U})
+            {
+                System actual(numRows, 0, 9), expected(numRows, 0, 9);
+                for (const System* system : {&actual, &expected})
+                {
+                    for (std::size_t i = 0; i < numRows; ++i)
+                    {
+                        for (std::size_t j = 0; j <= i; ++j)
+                            system->triangle.at(i, j) = i == j ? 1.0 : 0.0;
+                    }
+                    system->triangle.at(numRows - 1, numRows - 2) = 1.0;
+                }
+                EXPECT_FALSE(fenn::kernels::factoriseCholesky(actual.triangle, actual.workspace.data()));
+                EXPECT_FALSE(fenn::kernels::scalar::factoriseCholesky(expected.triangle, expected.workspace.data()));
+            }
+        });
+}
+
 TEST(CholeskyKernelsTest, ABorderOfDependentColumnsIsRefused)
 {
     // Both columns are zero: what is left of the border is exactly zero.
