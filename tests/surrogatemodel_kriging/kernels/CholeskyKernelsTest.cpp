@@ -121,6 +121,7 @@ std::vector<Size> sizes()
     std::vector<Size> result{{1, 0}, {1, 1}, {24, 0}, {24, 1}, {25, 3}, {48, 24}, {49, 9}, {49, 17}, {49, 25}};
     for (const std::size_t numPts : {71U, 97U, 120U, 191U, 193U, 240U, 313U, 600U})
         result.push_back({numPts, numPts % 5});
+    result.push_back({313, 250}); // a border of several blocks
     return result;
 }
 
