@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "analysis/Calibration.h"
 #include "analysis/NormalDistribution.h"
 #include "host/pictures/Gnuplot.h"
 #include "host/text/NumberText.h"
-#include "host/text/TextTable.h"
 
 namespace krige
 {
@@ -27,6 +27,14 @@ std::string dots(const std::string& data, std::size_t numPoints)
            " using 1:2 with points pt 6 ps " + size + " lc rgb '#21918c' notitle\n";
 }
 
+/// Three significant digits.
+std::string shortFigure(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", value);
+    return text;
+}
+
 std::string title(const std::string& text)
 {
     return "set title " + quoteForGnuplot(text) + "\n";
@@ -40,7 +48,7 @@ void addScatter(Picture& picture, const ValidationResult& result, std::size_t w,
     const std::string range = plotRange(both, 0.05);
     const fenn::analysis::ErrorStatistics& errors = figures.errors;
     picture.addPanel(look + std::string("set key top left reverse Left samplen 2\n") +
-                     title("RMSE " + formatFigure(errors.rmse) + ", R2 " + formatFigure(errors.r2) + ", " +
+                     title("RMSE " + shortFigure(errors.rmse) + ", R2 " + shortFigure(errors.r2) + ", " +
                            countOf(errors.numCompared, "point")) +
                      "set xrange " + range + "\nset yrange " + range + "\nset xlabel " +
                      quoteForGnuplot("measured " + result.outputNames[w]) + "\nset ylabel " +
@@ -74,8 +82,8 @@ void addErrors(Picture& picture, const ValidationResult& result, std::size_t w, 
     };
     const std::string data = picture.addData({figures.standardErrors, errors});
     picture.addPanel(look + std::string("set key top left reverse Left samplen 2\n") +
-                     title("MSSE " + formatFigure(figures.calibration.meanSquaredStandardisedError) + ", CRPS " +
-                           formatFigure(figures.calibration.crps)) +
+                     title("MSSE " + shortFigure(figures.calibration.meanSquaredStandardisedError) + ", CRPS " +
+                           shortFigure(figures.calibration.crps)) +
                      "set xrange [0:" + formatNumber(width) + "]\nset yrange [" + formatNumber(-height) + ":" +
                      formatNumber(height) + "]\nset xlabel " +
                      quoteForGnuplot("standard error of " + result.outputNames[w]) + "\nset ylabel " +
@@ -100,9 +108,9 @@ void addCalibration(Picture& picture, const ValidationResult& result, std::size_
     const std::string off = chance + "*sqrt($1*(100-$1))";
     picture.addPanel(
         look + std::string("set key bottom right opaque samplen 2\n") +
-        title("95 % intervals hold " +
-              formatFigure(std::round(1000.0 * figures.calibration.coverages.back().actual) / 10.0) + " %") +
-        "set xrange [0:100]\nset yrange [0:100]\nset xlabel 'interval (%)'\nset ylabel 'measured values in "
+        title("95 % intervals hold " + shortFigure(100.0 * figures.calibration.coverages.back().actual) + " %") +
+        "set xrange [0:100]\nset yrange [0:100]\nset xlabel 'to be held by the interval (%)'\nset ylabel 'measured "
+        "values in "
         "it (%)'\nplot '+' using 1:($1-" +
         off + "):($1+" + off +
         ") with filledcurves lc rgb '#e3eef0' title 'allowed by chance', x with lines lc rgb '#666666' dt 2 lw 1.5 "
