@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "analysis/Folds.h"
+#include "analysis/Places.h"
 
 namespace fenn::analysis
 {
@@ -12,7 +12,7 @@ Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings,
                         const UseFoldModel& useFoldModel)
 {
     const std::size_t numSamples = samples.getNumSamples();
-    const std::vector<std::size_t> folds = assignFolds(numSamples, numFolds, seed);
+    const std::vector<std::size_t> folds = assignFoldsToPlaces(samples, settings.duplicateTolerance, numFolds, seed);
     Estimates all;
     all.values.assign(samples.getNumOutputVars(), std::vector<double>(numSamples));
     all.variances.resize(numSamples);
@@ -23,6 +23,11 @@ Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings,
         for (std::size_t i = 0; i < numSamples; ++i)
             (folds[i] == fold ? leftOut : remaining).push_back(i);
 
+        if (leftOut.empty())
+        {
+            report(progress, fold + 1, numFolds);
+            continue;
+        }
         const SampleSet modelSamples = samples.subset(remaining);
         const std::unique_ptr<estimation::Estimator> estimator =
             estimation::chooseEstimator(modelSamples, settings, options);

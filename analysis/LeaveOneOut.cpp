@@ -7,6 +7,7 @@
 
 #include "analysis/ModelPoints.h"
 #include "estimation/LocalEstimator.h"
+#include "estimation/Separation.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
 #include "estimation/makeSystemInverse.h"
@@ -29,16 +30,16 @@ constexpr std::size_t pointsPerReport = 4096;
 
 constexpr double noEstimate = std::numeric_limits<double>::quiet_NaN();
 
-void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, const Progress& progress,
-                      LeaveOneOutResult& result)
+void estimateGlobally(const ModelParts& parts, int driftOrder, const estimation::EstimatorOptions& options,
+                      const Progress& progress, LeaveOneOutResult& result)
 {
     const std::size_t numPoints = parts.getPoints().size();
     if (numPoints == 0)
         throw SurrogateModelInterface::Error("Not enough source points for kriging.");
     estimation::checkPointsSuffice(numPoints - 1, parts.getNormalizers().size(), driftOrder);
-    estimation::EstimatorOptions options;
-    options.numThreads = numThreads;
-    const auto inverse = estimation::makeSystemInverse(parts, driftOrder, options);
+    estimation::EstimatorOptions fastest = options;
+    fastest.isExact = false; // one factorisation estimates every point: nothing here has the plug-in's bits
+    const auto inverse = estimation::makeSystemInverse(parts, driftOrder, fastest);
     const std::vector<double> diagonal =
         inverse->calcDiagonal([&](std::size_t numDone) { report(progress, numDone, numPoints); });
     const auto isSolvable = [&](std::size_t i)
@@ -63,10 +64,12 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, int numThreads, c
     result.sills = restrictedSills(parts, dualWeights, driftOrder);
 }
 
-void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours, int numThreads,
-                     const Progress& progress, LeaveOneOutResult& result)
+void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOrder, int numNeighbours,
+                     const estimation::EstimatorOptions& options, const Progress& progress, LeaveOneOutResult& result)
 {
-    const estimation::LocalEstimator estimator(parts, driftOrder, numNeighbours, numThreads);
+    if (options.mustTellPointsApart)
+        estimation::requireSeparation(*parts, noEstimate, static_cast<std::size_t>(numNeighbours));
+    const estimation::LocalEstimator estimator(parts, driftOrder, numNeighbours, options.numThreads);
     estimation::Results where;
     for (std::vector<double>& values : result.estimates.values)
         where.estimates.push_back(values.data());
@@ -84,7 +87,7 @@ void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOr
 } // namespace
 
 LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress,
-                              int numThreads)
+                              const estimation::EstimatorOptions& options)
 {
     const std::shared_ptr<const ModelParts> parts = estimation::makeModelParts(samples, settings);
     const std::size_t numPoints = parts->getPoints().size();
@@ -96,9 +99,9 @@ LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& set
     result.estimates.variances.resize(numPoints);
 
     if (estimation::usesAllPoints(settings, numPoints))
-        estimateGlobally(*parts, settings.driftOrder, numThreads, progress, result);
+        estimateGlobally(*parts, settings.driftOrder, options, progress, result);
     else
-        estimateLocally(parts, settings.driftOrder, settings.numNearestPoints, numThreads, progress, result);
+        estimateLocally(parts, settings.driftOrder, settings.numNearestPoints, options, progress, result);
     return result;
 }
 

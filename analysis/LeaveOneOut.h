@@ -9,6 +9,7 @@
 #include "estimation/Estimates.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
+#include "estimation/chooseEstimator.h"
 
 namespace fenn::analysis
 {
@@ -48,10 +49,10 @@ struct LeaveOneOutResult
 /// With numNearestPoints N above 0 and below the number of points, each point is estimated from its N nearest
 /// neighbours by a system of its own (LocalEstimator).
 ///
-/// progress counts points. numThreads: as EstimatorOptions. Throws std::invalid_argument for the settings, Cancelled,
+/// progress counts points. options: isExact does not matter. Throws std::invalid_argument for the settings, Cancelled,
 /// and the library's Error, also where all points but one are too few.
 LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& settings, const Progress& progress = {},
-                              int numThreads = 0);
+                              const estimation::EstimatorOptions& options = {});
 
 } // namespace fenn::analysis
 

@@ -6,6 +6,7 @@
 #include "estimation/ClosestPair.h"
 #include "estimation/MergedSamples.h"
 #include "estimation/SystemInverse.h"
+#include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
 #include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
@@ -63,6 +64,12 @@ Separation checkSeparation(const ModelParts& parts, double reciprocalCondition, 
         separation.verdict = conditionOfPair < largestConditionOfBlamedPair ? SeparationVerdict::TooNear
                                                                             : SeparationVerdict::Undetermined;
     return separation;
+}
+
+void requireSeparation(const ModelParts& parts, double reciprocalCondition, std::size_t numPointsInSystem)
+{
+    if (checkSeparation(parts, reciprocalCondition, numPointsInSystem).verdict != SeparationVerdict::Separate)
+        throw SurrogateModelInterface::Error("Ill-conditioned matrix");
 }
 
 } // namespace fenn::estimation

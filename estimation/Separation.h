@@ -42,6 +42,10 @@ struct Separation
 /// numPointsInSystem: all, or the number of neighbours.
 Separation checkSeparation(const ModelParts& parts, double reciprocalCondition, std::size_t numPointsInSystem);
 
+/// Throws the library's Error "Ill-conditioned matrix" unless these points are separate. Arguments as above; with NaN
+/// for a condition that is not known yet, the nearest points alone decide.
+void requireSeparation(const ModelParts& parts, double reciprocalCondition, std::size_t numPointsInSystem);
+
 } // namespace fenn::estimation
 
 #endif

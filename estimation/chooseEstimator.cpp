@@ -1,10 +1,12 @@
 #include "estimation/chooseEstimator.h"
 
+#include <limits>
 #include <string>
 
 #include "estimation/CovarianceEstimator.h"
 #include "estimation/ExactEstimator.h"
 #include "estimation/LocalEstimator.h"
+#include "estimation/Separation.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
 #include "surrogatemodel_kriging/ModelParts.h"
@@ -12,10 +14,12 @@
 namespace fenn::estimation
 {
 
-std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const ModelSettings& settings,
-                                           const EstimatorOptions& options)
+namespace
 {
-    const std::shared_ptr<const ModelParts> parts = makeModelParts(samples, settings);
+
+std::unique_ptr<Estimator> choose(const std::shared_ptr<const ModelParts>& parts, const SampleSet& samples,
+                                  const ModelSettings& settings, const EstimatorOptions& options)
+{
     const auto exact = [&](const std::string& reason)
     {
         return std::make_unique<ExactEstimator>(parts, settings, options.numThreads, reason);
@@ -34,6 +38,24 @@ std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const Model
         options.checkStandIn(
             calcSystemBytes(parts->getPoints().size(), samples.getNumInputVars(), settings.driftOrder));
     return exact(reason);
+}
+
+} // namespace
+
+std::unique_ptr<Estimator> chooseEstimator(const SampleSet& samples, const ModelSettings& settings,
+                                           const EstimatorOptions& options)
+{
+    const std::shared_ptr<const ModelParts> parts = makeModelParts(samples, settings);
+    if (!options.mustTellPointsApart)
+        return choose(parts, samples, settings, options);
+
+    const std::size_t numPoints = parts->getPoints().size();
+    const std::size_t numInSystem =
+        usesAllPoints(settings, numPoints) ? numPoints : static_cast<std::size_t>(settings.numNearestPoints);
+    requireSeparation(*parts, std::numeric_limits<double>::quiet_NaN(), numInSystem);
+    std::unique_ptr<Estimator> estimator = choose(parts, samples, settings, options);
+    requireSeparation(*parts, estimator->calcReciprocalCondition(), numInSystem);
+    return estimator;
 }
 
 } // namespace fenn::estimation

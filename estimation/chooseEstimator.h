@@ -19,6 +19,10 @@ struct EstimatorOptions
     /// Called before the exact engine takes the place of the covariance form, which needs half the memory or less.
     /// bytes: those of the exact engine's system (calcSystemBytes). What it throws is passed on. May be empty.
     std::function<void(double bytes)> checkStandIn{};
+
+    /// Whether points that lie too near to each other, and systems that cannot be solved to any digit, are refused: the
+    /// library's Error "Ill-conditioned matrix" of requireSeparation, as early as it is known.
+    bool mustTellPointsApart = false;
 };
 
 /// The estimator of all samples: the covariance form for global models where its proof holds, the local engine for

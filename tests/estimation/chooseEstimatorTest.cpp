@@ -114,4 +114,52 @@ TEST(ChooseEstimatorTest, SettingsAreChecked)
               "Scaling factor too small");
 }
 
+/// Samples of which the last lies this far from the one before it.
+SampleSet samplesWithAPair(double distance)
+{
+    const SampleSet samples = fenn::test::smoothSamples(40, 5);
+    std::vector<std::vector<double>> inputs{samples.getInput(0), samples.getInput(1)};
+    inputs[0][39] = inputs[0][38] + distance;
+    inputs[1][39] = inputs[1][38];
+    return {inputs, {samples.getOutput(0)}};
+}
+
+TEST(ChooseEstimatorTest, PointsThatCannotBeToldApartAreRefusedWhereAsked)
+{
+    EstimatorOptions strict;
+    strict.mustTellPointsApart = true;
+    EstimatorOptions strictAndExact = strict;
+    strictAndExact.isExact = true;
+    ModelSettings local = nearestFive;
+    local.nugget = 0.0;
+    for (const double distance : {0.0, 1e-15})
+    {
+        const SampleSet samples = samplesWithAPair(distance);
+        for (const EstimatorOptions& options : {strict, strictAndExact})
+        {
+            for (const ModelSettings& settings : {ModelSettings(), local})
+                EXPECT_EQ(fenn::test::textOfError([&] { chooseEstimator(samples, settings, options); }),
+                          "Ill-conditioned matrix");
+            EXPECT_NO_THROW(chooseEstimator(samples, nearestFive, options)); // by its nugget
+        }
+        EXPECT_NO_THROW(chooseEstimator(samples, {}));
+    }
+    EXPECT_NO_THROW(chooseEstimator(samplesWithAPair(1e-8), {}, strict));
+}
+
+TEST(ChooseEstimatorTest, ADriftThatPlacesDoNotDetermineIsRefusedWhereAsked)
+{
+    std::vector<double> x;
+    for (int i = 0; i < 12; ++i)
+        x.push_back(i + 0.3 * (i % 3));
+    const SampleSet onALine({x, x}, {x});
+    const ModelSettings plane{-1.0, {}, 1, 1.0, 0.0, 0};
+    EstimatorOptions strict;
+    strict.mustTellPointsApart = true;
+
+    EXPECT_NO_THROW(chooseEstimator(onALine, {}, strict));
+    EXPECT_NO_THROW(chooseEstimator(onALine, plane));
+    EXPECT_EQ(fenn::test::textOfError([&] { chooseEstimator(onALine, plane, strict); }), "Ill-conditioned matrix");
+}
+
 } // namespace
