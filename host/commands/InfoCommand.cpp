@@ -251,7 +251,7 @@ void InfoCommand::run(std::ostream& out, Console& /*console*/) const
         out << "coincident: none\n";
     else
         out << "coincident: " << merged.numMerged << " of " << numSamples
-            << " samples coincide; --duplicate-tolerance 0 merges them and leaves " << numPoints << " points\n";
+            << " samples coincide; --duplicates merge averages them and leaves " << numPoints << " points\n";
 
     const double bytes = fenn::estimation::calcSystemBytes(merged.numPoints, columns.inputNames.size(), 0);
     const double available = findAvailableBytes();
@@ -272,7 +272,7 @@ void InfoCommand::run(std::ostream& out, Console& /*console*/) const
     if (samples.numSkipped > 0)
         command += " --skip-missing";
     if (merged.numMerged > 0)
-        command += " --duplicate-tolerance 0";
+        command += " --duplicates merge";
     if (bytes > available || cost.buildingSeconds > longBuilding)
         command += " --nearest 32";
     out << "suggestion: " << command << suggestTargets(columns.inputNames.size()) << " -o estimates.csv\n";

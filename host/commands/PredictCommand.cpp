@@ -101,7 +101,7 @@ PredictCommand::PredictCommand(CLI::App& command)
     command
         .add_option(
             "--duplicates-report", duplicatesPath,
-            "CSV file to write that lists every sample merged by --duplicate-tolerance, with its line. Default: "
+            "CSV file to write that lists every sample merged by --duplicates merge, with its line. Default: "
             "none. Example: --duplicates-report merged.csv")
         ->type_name("FILE");
     command
@@ -158,7 +158,7 @@ void PredictCommand::checkUsage() const
     if (isVtk(outputPath) && !shard.isWhole())
         throw UsageError("--shard: parts of a .vtk file do not make a whole one; name a .csv file");
     if (!duplicatesPath.empty() && options.settings.duplicateTolerance < 0.0)
-        throw UsageError("--duplicates-report: nothing is merged; add --duplicate-tolerance 0 to merge samples at one "
+        throw UsageError("--duplicates-report: nothing is merged; add --duplicates merge to average samples at one "
                          "place");
     if (isStandardStream(options.samplesPath) && isStandardStream(targetsPath))
         throw UsageError("samples and --at cannot both be standard input; put one of them into a file");

@@ -13,6 +13,7 @@
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/ModelFailure.h"
+#include "host/model/NearSamples.h"
 #include "host/model/OutputSill.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SettingsFile.h"
@@ -26,6 +27,9 @@ namespace krige
 
 namespace
 {
+
+/// Small beside any measurement's error, and large enough for any system.
+constexpr double leastNuggetOfReplicates = 0.001;
 
 constexpr const char* settingNames = "drift, range, nugget, nearest and scale";
 
@@ -93,9 +97,10 @@ TuneCommand::TuneCommand(CLI::App& command)
             "Error to minimise: rmse, or mae, which outliers affect less. Default: rmse. Example: --objective mae")
         ->type_name("NAME");
     command.footer("The model's options say where the search starts, and what the winner has to beat: the defaults "
-                   "where they are left out. --duplicate-tolerance is kept. The winner's sill of each output, of all "
-                   "samples, is written beside its settings, so that standard errors and intervals take it; --sill "
-                   "sample is written as such.\n\nExamples:\n"
+                   "where they are left out. --duplicates is kept; unless merged, samples at one place count as "
+                   "repeated measurements: no settings without a nugget are tried then. The winner's sill of each "
+                   "output, of all samples, is written beside its settings, so that standard errors and intervals take "
+                   "it; --sill sample is written as such.\n\nExamples:\n"
                    "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
                    "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid x=0:10:101,y=0:5:51 "
                    "-o grid.csv");
@@ -154,19 +159,22 @@ Settings TuneCommand::withSills(const Settings& settings, const SampleTable& sam
     return result;
 }
 
-fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Console& console) const
+fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, double leastNugget, Console& console) const
 {
+    Settings start = options.settings;
+    start.nugget = std::max(start.nugget, leastNugget);
     fenn::analysis::TuningResult result;
     const fenn::analysis::TuningOptions chosen = chooseOptions(samples);
     runExplained(samples, options.settings, "",
                  [&]
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
-                     const fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
+                     fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
+                     space.minNugget = std::max(space.minNugget, leastNugget);
                      TrialTable table(console.getReport());
                      const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
                      result = fenn::analysis::tune(
-                         sampleSet, options.settings, space, chosen,
+                         sampleSet, start, space, chosen,
                          [&](const fenn::analysis::Trial& trial, std::size_t numDone, std::size_t maxTrials)
                          {
                              if (trialsPath.empty())
@@ -185,17 +193,28 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Con
     return result;
 }
 
+/// With a nugget, repeats are replicates: where samples are too near to each other the search leaves settings without
+/// one out, for the winner has to suit all samples. An error only where the nugget is fixed at 0.
+double TuneCommand::chooseLeastNugget(const SampleTable& samples, Report& report) const
+{
+    const bool isFixed = std::find(fixedSettings.begin(), fixedSettings.end(), "nugget") != fixedSettings.end();
+    if (isFixed && options.settings.nugget == 0.0)
+        checkSamplesApart(samples, options.settings);
+    const double leastNugget = !isFixed && needsNugget(samples, options.settings) ? leastNuggetOfReplicates : 0.0;
+    fenn::estimation::ModelSettings tried = options.settings;
+    tried.nugget = std::max(tried.nugget, leastNugget);
+    report.coincidentSamples(samples, tried);
+    return leastNugget;
+}
+
 void TuneCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
     checkModelOptions(options);
     const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
-    const std::string coincident = options.settings.duplicateTolerance < 0.0 ? describeCoincidentSamples(samples) : "";
-    if (!coincident.empty())
-        console.getReport() << "hint: " << coincident << "; add --duplicate-tolerance 0 to merge them\n";
 
-    const fenn::analysis::TuningResult result = search(samples, console);
+    const fenn::analysis::TuningResult result = search(samples, chooseLeastNugget(samples, report), console);
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
     const Settings best =

@@ -31,12 +31,13 @@ public:
     void run(std::ostream& out, Console& console) const override;
 
 private:
+    double chooseLeastNugget(const SampleTable& samples, Report& report) const;
     fenn::analysis::SearchSpace chooseSpace(const fenn::estimation::SampleSet& samples) const;
     fenn::analysis::TuningOptions chooseOptions(const SampleTable& samples) const;
     /// Settings for a file, with the values of the sills that they leave to be estimated from all samples. Throws as
     /// SampleModel.
     Settings withSills(const Settings& settings, const SampleTable& samples, Console& console, Report& report) const;
-    fenn::analysis::TuningResult search(const SampleTable& samples, Console& console) const;
+    fenn::analysis::TuningResult search(const SampleTable& samples, double leastNugget, Console& console) const;
 
     ModelOptions options; // the search starts from the model's
     fenn::analysis::TuningOptions tuning;

@@ -7,12 +7,12 @@
 #include <CLI/CLI.hpp>
 
 #include "analysis/CrossValidation.h"
-#include "analysis/Folds.h"
 #include "analysis/LeaveOneOut.h"
+#include "analysis/Places.h"
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
-#include "host/model/ModelFailure.h"
+#include "host/model/NearSamples.h"
 #include "host/model/OutputSill.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
@@ -131,17 +131,11 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
     if (foldsOption->count() > 0 && numFolds > numSamples)
         throw UsageError("--folds: " + std::to_string(numFolds) + " folds need as many samples, but " + samples.path +
                          " has " + std::to_string(numSamples) + "; lower it, or use --leave-one-out");
-    const std::size_t folds = std::min(numFolds, numSamples);
+    const std::size_t numPlaces =
+        fenn::analysis::findPlaces(toSampleSet(samples), options.settings.duplicateTolerance).numPlaces;
+    const std::size_t folds = std::min(numFolds, numPlaces);
     if (folds < 2)
-        throw InputError(samples.path + ": cross-validation needs at least 2 samples");
-    if (options.settings.duplicateTolerance < 0.0)
-    {
-        const std::string coincident = describeCoincidentSamples(samples);
-        if (!coincident.empty())
-            console.getReport() << "hint: " << coincident
-                                << "; those in different folds estimate each other, which flatters; use "
-                                   "--leave-one-out with --duplicate-tolerance 0\n";
-    }
+        throw InputError(samples.path + ": cross-validation needs samples at two places at least");
 
     ValidationResult result = resultFor(samples);
     std::vector<std::vector<OutputSill>> sillsOfFolds; // per fold, per output
@@ -160,7 +154,8 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
                      result.estimates = std::move(estimates.values);
                      result.variances = std::move(estimates.variances);
                  });
-    const std::vector<std::size_t> foldOfSample = fenn::analysis::assignFolds(numSamples, folds, seed);
+    const std::vector<std::size_t> foldOfSample =
+        fenn::analysis::assignFoldsToPlaces(toSampleSet(samples), options.settings.duplicateTolerance, folds, seed);
     result.sills.assign(samples.outputs.size(), std::vector<double>(numSamples));
     for (std::size_t w = 0; w < samples.outputs.size(); ++w)
     {
@@ -171,7 +166,8 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
     result.truths = samples.outputs;
     for (const std::size_t line : samples.lines)
         result.lines.push_back(std::to_string(line));
-    console.getReport() << "method: " << folds << " folds of " << numSamples << " samples, seed " << seed << '\n';
+    console.getReport() << "method: " << folds << " folds of " << numSamples << " samples, seed " << seed
+                        << (numPlaces < numSamples ? ", those of one place in one fold" : "") << '\n';
     report.sillsOfFolds(samples.outputNames, sillsOfFolds);
     return result;
 }
@@ -185,7 +181,7 @@ ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Consol
                  {
                      const std::unique_ptr<ProgressLine> line = console.startProgress("points");
                      left = fenn::analysis::leaveOneOut(toSampleSet(samples), options.settings, reportTo(*line),
-                                                        options.estimator.numThreads);
+                                                        options.estimator);
                  });
     result.inputs.resize(samples.inputs.size());
     for (const std::vector<std::size_t>& members : left.members)
@@ -257,6 +253,11 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
     const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
 
+    if (truthPath.empty()) // otherwise the model itself says so
+    {
+        checkSamplesApart(samples, options.settings);
+        report.coincidentSamples(samples, options.settings);
+    }
     const ValidationResult result = !truthPath.empty() ? compare(samples, console, report)
                                     : leavesOneOut     ? leaveOneOut(samples, console, report)
                                                        : crossValidate(samples, console, report);

@@ -7,6 +7,7 @@
 #include "estimation/MergedSamples.h"
 #include "estimation/SystemSize.h"
 #include "host/model/ModelMemory.h"
+#include "host/model/NearSamples.h"
 #include "host/text/NumberText.h"
 
 namespace krige
@@ -59,17 +60,18 @@ std::string explainUndetermined(const std::string& symptom, const SampleTable& s
     const std::string tooFew = describeTooFewPointsForDrift(samples, settings);
     if (!tooFew.empty())
         return tooFew;
+    const std::string near = describeNearSamples(samples, settings, true);
+    if (!near.empty())
+        return near;
     std::string text = "the samples do not determine the estimates (" + symptom + "): ";
-    const std::string coincident = settings.duplicateTolerance < 0.0 ? describeCoincidentSamples(samples) : "";
-    if (!coincident.empty())
-        return text + coincident + "; add --duplicate-tolerance 0 to merge them";
     if (settings.driftOrder > 0)
     {
         text += "they may lie on a line or on too few different places for --drift " +
                 std::to_string(settings.driftOrder) + "; lower --drift";
         return text + (isLocal(samples, settings) ? " or raise --nearest" : "");
     }
-    return text + "some lie too close together; raise --duplicate-tolerance to merge them, or --nugget";
+    return text + "some lie too close together; add --nugget 0.01, or --duplicates merge with a larger "
+                  "--duplicate-tolerance";
 }
 
 std::string explainSmallRange(const SampleTable& samples)
@@ -109,6 +111,8 @@ std::string explainModelFailure(const std::string& libraryMessage, const SampleT
         return file + describeTooFewPointsForDrift(samples, settings);
     if (libraryMessage == "Singular matrix")
         return file + explainUndetermined("singular matrix", samples, settings);
+    if (libraryMessage == "Ill-conditioned matrix")
+        return file + explainUndetermined("reciprocal condition below 1e-14", samples, settings);
     if (libraryMessage == "Value overflow")
         return file + explainUndetermined("value overflow", samples, settings);
     if (libraryMessage == "Value range too small to normalize data")

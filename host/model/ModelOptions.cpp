@@ -1,11 +1,13 @@
 #include "host/model/ModelOptions.h"
 
+#include <memory>
 #include <set>
 
 #include <CLI/CLI.hpp>
 
 #include "host/files/CsvReader.h"
 #include "host/model/SettingKeys.h"
+#include "host/model/SettingSource.h"
 #include "host/model/SettingsFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
@@ -39,6 +41,7 @@ std::vector<std::string> parseNames(const std::string& option, const std::string
 
 void addModelOptions(CLI::App& command, ModelOptions& options)
 {
+    options.estimator.mustTellPointsApart = true;
     command
         .add_option("SAMPLES", options.samplesPath,
                     "CSV file of the samples, with a header row; may be packed by gzip; - is standard input. Example: "
@@ -47,9 +50,14 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
         ->required();
     // Before the settings: the parser hands out values in this order, so that each of them wins over the file.
     addOption(
-        command, "--config", "FILE", [&](const std::string& path) { readSettingsFile(path, options.settings); },
+        command, "--config", "FILE",
+        [&](const std::string& path)
+        {
+            readSettingsFile(path, options.settings);
+            options.estimator.mustTellPointsApart = !options.settings.keepsDuplicates;
+        },
         "Settings file, as krige tune writes it: lines such as drift = 1 with the names of the options from "
-        "--duplicate-tolerance to --sill; an option on the command line wins over it. Default: none. Example: "
+        "--duplicates to --sill; an option on the command line wins over it. Default: none. Example: "
         "--config best.toml");
     addOption(
         command, "--inputs", "NAMES",
@@ -61,12 +69,17 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
         [&](const std::string& text) { options.outputNames = parseNames("--outputs", text); },
         "Columns of the values to estimate. Needed. Example: --outputs z")
         ->required();
+    const auto typed = std::make_shared<SettingSource>(options.settings);
     for (const SettingKey& setting : settingKeys())
     {
         const std::string name = std::string("--") + setting.key;
         addOption(
             command, name, setting.typeName,
-            [&options, &setting, name](const std::string& text) { setting.apply(options.settings, name, text); },
+            [&options, &setting, name, typed](const std::string& text)
+            {
+                typed->apply(setting, name, text);
+                options.estimator.mustTellPointsApart = !options.settings.keepsDuplicates;
+            },
             setting.help);
     }
     addReadOptions(command, options.reading);

@@ -30,7 +30,8 @@ struct ModelOptions
 
 /// Adds SAMPLES, the options of the model and those that say how files are read to a subcommand; options must live
 /// until the command line has been parsed. An option wins over the file of --config. Malformed values end parsing with
-/// UsageError, or within that file with InputError.
+/// UsageError, or within that file with InputError. The estimator must tell points apart unless --duplicates keep says
+/// otherwise.
 void addModelOptions(CLI::App& command, ModelOptions& options);
 
 /// Adds --threads and --exact to a subcommand that estimates; estimator must live until the command line has been

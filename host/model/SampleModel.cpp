@@ -71,6 +71,11 @@ std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& target
     return numWithoutEstimate;
 }
 
+double SampleModel::calcReciprocalCondition() const
+{
+    return estimator->calcReciprocalCondition();
+}
+
 fenn::estimation::EngineReport SampleModel::getEngineReport() const
 {
     return estimator->getReport();

@@ -45,6 +45,9 @@ public:
     std::size_t estimate(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& results,
                          std::vector<double>* variances = nullptr) const;
 
+    /// Of the global system (Estimator::calcReciprocalCondition); NaN for a local model.
+    double calcReciprocalCondition() const;
+
     /// How the targets so far were answered, and how far from the exact estimates they can be.
     fenn::estimation::EngineReport getEngineReport() const;
 

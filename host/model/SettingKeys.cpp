@@ -56,17 +56,45 @@ std::vector<double> parseScaleFactors(const std::string& option, const std::stri
     return factors;
 }
 
+std::string_view withoutQuotes(std::string_view text)
+{
+    text = trimBlanks(text);
+    if (text.size() >= 2 && text.front() == '"' && text.back() == '"')
+        return text.substr(1, text.size() - 2);
+    return text;
+}
+
+void applyDuplicates(Settings& settings, const std::string& name, const std::string& text)
+{
+    const std::string_view rule = withoutQuotes(text);
+    if (rule != "error" && rule != "merge" && rule != "keep")
+        throw UsageError(name + ": must be error, merge or keep, not " + quoteForMessage(text));
+    settings.keepsDuplicates = rule == "keep";
+    if (rule != "merge")
+        settings.duplicateTolerance = -1.0;
+    else if (settings.duplicateTolerance < 0.0)
+        settings.duplicateTolerance = 0.0;
+}
+
 } // namespace
 
 const std::vector<SettingKey>& settingKeys()
 {
     static const std::vector<SettingKey> keys{
+        {"duplicates", "RULE",
+         "What to do with samples at one place, or nearer to each other than a model can tell apart: error ends the "
+         "run and names two of them, merge averages them, keep goes on all the same. With a nugget above 0 they are "
+         "repeated measurements and no error. Default: error. Example: --duplicates merge",
+         applyDuplicates},
         {"duplicate-tolerance", "T",
          "Merge samples whose inputs differ by at most this fraction of each input's range into one point, their mean; "
-         "0 merges samples at the same place, a negative value none. Default: -1. Example: --duplicate-tolerance 0",
+         "0 merges samples at the same place. Means --duplicates merge, which takes 0. Default: -1, none are merged. "
+         "Example: --duplicate-tolerance 0.001",
          [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.duplicateTolerance = parseSetting(name, text);
+             if (settings.duplicateTolerance >= 0.0)
+                 settings.keepsDuplicates = false;
          }},
         {"scale", "NUMBERS",
          "One factor per input: -k scales its range in the samples to 2k; a positive factor is the weight of its raw "
@@ -112,19 +140,21 @@ const std::vector<SettingKey>& settingKeys()
     return keys;
 }
 
-void applySetting(Settings& settings, const std::string& key, const std::string& text)
+const SettingKey& findSettingKey(const std::string& key)
 {
     std::string names;
     for (const SettingKey& known : settingKeys())
     {
         if (key == known.key)
-        {
-            known.apply(settings, key, text);
-            return;
-        }
+            return known;
         names += (names.empty() ? "" : ", ") + std::string(known.key);
     }
     throw UsageError(quoteForMessage(key) + " is no setting; the settings are " + names);
+}
+
+void applySetting(Settings& settings, const std::string& key, const std::string& text)
+{
+    findSettingKey(key).apply(settings, key, text);
 }
 
 } // namespace krige

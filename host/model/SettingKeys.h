@@ -23,6 +23,9 @@ struct SettingKey
 /// All settings, in the order of the help.
 const std::vector<SettingKey>& settingKeys();
 
+/// Throws UsageError that names the keys there are.
+const SettingKey& findSettingKey(const std::string& key);
+
 /// Sets what key stands for. Throws UsageError that names the key and the value, or the keys there are.
 void applySetting(Settings& settings, const std::string& key, const std::string& text);
 

@@ -14,7 +14,7 @@ bool operator==(const Settings& a, const Settings& b)
 {
     return static_cast<const fenn::estimation::ModelSettings&>(a) ==
                static_cast<const fenn::estimation::ModelSettings&>(b) &&
-           a.sills == b.sills;
+           a.sills == b.sills && a.keepsDuplicates == b.keepsDuplicates;
 }
 
 } // namespace krige

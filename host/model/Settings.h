@@ -15,6 +15,9 @@ struct Settings : fenn::estimation::ModelSettings
 {
     std::vector<SillChoice> sills; // per output, or one word for all; empty: automatic
 
+    /// Whether to go on with samples that a model cannot tell apart, where they are not merged.
+    bool keepsDuplicates = false;
+
     /// These settings with another model.
     Settings withModel(const fenn::estimation::ModelSettings& model) const;
 };

@@ -6,6 +6,7 @@
 
 #include "host/files/InputFile.h"
 #include "host/model/SettingKeys.h"
+#include "host/model/SettingSource.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -52,7 +53,13 @@ void appendSetting(std::string& text, const char* key, const std::string& value)
 std::string settingsFileText(const Settings& settings)
 {
     std::string text = "# Settings of a krige model, for --config\n";
-    appendSetting(text, "duplicate-tolerance", formatNumber(settings.duplicateTolerance));
+    const bool merges = settings.duplicateTolerance >= 0.0;
+    appendSetting(text, "duplicates",
+                  merges                     ? "\"merge\""
+                  : settings.keepsDuplicates ? "\"keep\""
+                                             : "\"error\"");
+    if (merges)
+        appendSetting(text, "duplicate-tolerance", formatNumber(settings.duplicateTolerance));
     if (!settings.scaleFactors.empty())
     {
         std::string factors;
@@ -72,6 +79,7 @@ std::string settingsFileText(const Settings& settings)
 void readSettingsFile(const std::string& path, Settings& settings)
 {
     const std::string text = readWhole(path);
+    SettingSource source(settings);
     std::map<std::string, std::size_t> lineOfKey;
     std::size_t lineNumber = 0;
     for (std::size_t begin = 0; begin < text.size();)
@@ -99,7 +107,7 @@ void readSettingsFile(const std::string& path, Settings& settings)
                                          " already; keep one of them");
         try
         {
-            applySetting(settings, key, value);
+            source.apply(findSettingKey(key), key, value);
         }
         catch (const UsageError& error)
         {

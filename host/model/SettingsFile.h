@@ -15,6 +15,7 @@ namespace krige
 ///     drift = 1
 ///     range = 0.35
 ///     scale = [1, -2]
+///     duplicates = "merge"
 ///     sill = ["auto", 12.5]
 ///
 /// Keys that are left out keep their values. An array may also stand without its brackets.

@@ -1,8 +1,10 @@
 #include "host/reports/Report.h"
 
+#include <cmath>
 #include <cstdio>
 #include <ostream>
 
+#include "estimation/SystemInverse.h"
 #include "host/model/ModelFailure.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
@@ -53,7 +55,7 @@ void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
 {
     buildingSeconds = takeSeconds();
     if (settings.duplicateTolerance < 0.0)
-        stream << "merged: none (no --duplicate-tolerance)\n";
+        stream << "merged: none (no --duplicates merge)\n";
     else if (model.getNumMergedSamples() == 0)
         stream << "merged: none\n";
     else
@@ -69,12 +71,31 @@ void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
     const std::string tooFew = describeTooFewPointsForDrift(samples, settings);
     if (!tooFew.empty())
         stream << "hint: " << tooFew << '\n';
-    if (settings.duplicateTolerance >= 0.0 || settings.nugget > 0.0)
+    sayCondition(model.calcReciprocalCondition());
+    coincidentSamples(samples, settings);
+    takeSeconds(); // none of this is part of the estimates' time
+}
+
+void Report::sayCondition(double reciprocalCondition)
+{
+    if (std::isnan(reciprocalCondition))
         return;
-    const std::string coincident = describeCoincidentSamples(samples);
-    if (!coincident.empty())
-        stream << "hint: " << coincident << "; add --duplicate-tolerance 0 to merge them\n";
-    takeSeconds(); // looking for them is no part of the estimates' time
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2g", reciprocalCondition);
+    stream << "condition: " << text << " (reciprocal; 1e-16 over it is how exactly the system can be solved)\n";
+    if (reciprocalCondition < fenn::estimation::smallestReciprocalCondition)
+        stream << "warning: the system has no solution that can be relied upon, and so have the estimates\n";
+}
+
+void Report::coincidentSamples(const SampleTable& samples, const fenn::estimation::ModelSettings& settings)
+{
+    const std::string coincident = settings.duplicateTolerance < 0.0 ? describeCoincidentSamples(samples) : "";
+    if (coincident.empty())
+        return;
+    if (settings.nugget > 0.0)
+        stream << "note: " << coincident << " and are taken as repeated measurements, for there is a nugget\n";
+    else
+        stream << "warning: " << coincident << "; --duplicates keep goes on, but estimates mean little then\n";
 }
 
 void Report::sillsUsed(const std::vector<std::string>& outputNames, const std::vector<OutputSill>& sills)

@@ -25,7 +25,8 @@ public:
 
     void samplesRead(const SampleTable& samples);
 
-    /// Also gives hints about samples that make poor estimates: coincident ones, or too few for the drift.
+    /// Also gives the condition of a global system, and hints about samples that make poor estimates: coincident ones,
+    /// or too few for the drift.
     void modelBuilt(const SampleModel& model, const SampleTable& samples,
                     const fenn::estimation::ModelSettings& settings);
 
@@ -37,6 +38,8 @@ public:
 
     /// Estimates whose variance is below 0 by more than rounding; nothing for none.
     void variancesRejected(std::uint64_t count, std::uint64_t numTargets);
+    /// A note where coincident samples count as repeated measurements, a warning where they are kept without a nugget.
+    void coincidentSamples(const SampleTable& samples, const fenn::estimation::ModelSettings& settings);
 
     /// Which engine answered, and how far its estimates can be from the exact ones.
     void answered(const fenn::estimation::EngineReport& engine);
@@ -49,6 +52,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     double takeSeconds();
+    void sayCondition(double reciprocalCondition);
 
     std::ostream& stream;
     Clock::time_point stepStart;

@@ -55,9 +55,9 @@ TEST_F(InfoCommandTest, CoincidentSamplesAreCountedAndTheSuggestionMergesThem)
 {
     const std::string text = printed("x,z\n0,1\n0,2\n1,3\n2,4\n");
 
-    EXPECT_THAT(text, HasSubstr("coincident: 2 of 4 samples coincide; --duplicate-tolerance 0 merges them and leaves 3 "
+    EXPECT_THAT(text, HasSubstr("coincident: 2 of 4 samples coincide; --duplicates merge averages them and leaves 3 "
                                 "points\n"));
-    EXPECT_THAT(text, HasSubstr(" --duplicate-tolerance 0 --grid 1000 "));
+    EXPECT_THAT(text, HasSubstr(" --duplicates merge --grid 1000 "));
 }
 
 TEST_F(InfoCommandTest, NamesThatAShellWouldReadAreQuotedInTheSuggestion)

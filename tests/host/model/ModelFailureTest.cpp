@@ -21,7 +21,10 @@ namespace
 
 SampleTable samplesAt(const std::vector<double>& x, const std::vector<double>& y)
 {
-    return {"s.csv", {"x", "y"}, {"z"}, {x, y}, {std::vector<double>(x.size(), 1.0)}};
+    SampleTable samples{"s.csv", {"x", "y"}, {"z"}, {x, y}, {std::vector<double>(x.size(), 1.0)}};
+    for (std::size_t i = 0; i < x.size(); ++i)
+        samples.lines.push_back(i + 2);
+    return samples;
 }
 
 /// Of building a model, or of its estimate at (0.25, 0.75) when it can be built.
@@ -101,9 +104,11 @@ TEST(ModelFailureTest, CoincidentSamplesSayHowToMergeThem)
 {
     const SampleTable samples = samplesAt({0, 0, 0, 1}, {0, 0, 0, 1});
 
-    EXPECT_EQ(krige::explainModelFailure("Singular matrix", samples, {}),
-              "s.csv: the samples do not determine the estimates (singular matrix): 3 of 4 samples coincide; "
-              "add --duplicate-tolerance 0 to merge them");
+    for (const char* const message : {"Singular matrix", "Ill-conditioned matrix"})
+        EXPECT_EQ(krige::explainModelFailure(message, samples, {}),
+                  "s.csv: 3 of 4 samples share their place with another, for instance lines 2 and 3, distance 0; add "
+                  "--duplicates merge to average them, --nugget 0.1 to take them as repeated measurements, or "
+                  "--duplicates keep to go on all the same");
 }
 
 TEST(ModelFailureTest, EverySampleOfASharedPlaceIsCountedAsCoincident)

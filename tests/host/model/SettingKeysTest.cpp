@@ -41,13 +41,13 @@ TEST(SettingKeysTest, EveryKeySetsItsOwnField)
     expected.numNearestPoints = 32;
     expected.sills = {{krige::SillChoice::Rule::Sample, 0.0}, {krige::SillChoice::Rule::Given, 2.5}};
     EXPECT_TRUE(settings == expected);
-    EXPECT_EQ(krige::settingKeys().size(), 7u);
+    EXPECT_EQ(krige::settingKeys().size(), 8u); // and duplicates
 }
 
 TEST(SettingKeysTest, AnUnknownKeyIsAnsweredWithThoseThereAre)
 {
-    EXPECT_EQ(faultOf("drfit", "1"), "'drfit' is no setting; the settings are duplicate-tolerance, scale, drift, "
-                                     "range, nugget, nearest, sill");
+    EXPECT_EQ(faultOf("drfit", "1"), "'drfit' is no setting; the settings are duplicates, duplicate-tolerance, "
+                                     "scale, drift, range, nugget, nearest, sill");
 }
 
 TEST(SettingKeysTest, AValueOutOfBoundsIsAnsweredWithTheBounds)
@@ -79,7 +79,32 @@ TEST(SettingKeysTest, ARefusedValueLeavesTheSettingAlone)
 TEST(SettingKeysTest, TheMessageBeginsWithTheNameThatWasTyped)
 {
     Settings settings;
-    const krige::SettingKey& drift = krige::settingKeys()[2];
+    const krige::SettingKey& drift = krige::findSettingKey("drift");
 
     EXPECT_THAT(messageOf<UsageError>([&] { drift.apply(settings, "--drift", "x"); }), testing::StartsWith("--drift:"));
+}
+
+TEST(SettingKeysTest, DuplicatesAreAnErrorMergedOrKept)
+{
+    Settings settings;
+    applySetting(settings, "duplicates", "merge");
+    EXPECT_EQ(settings.duplicateTolerance, 0.0);
+    EXPECT_FALSE(settings.keepsDuplicates);
+    applySetting(settings, "duplicates", "\"keep\"");
+    EXPECT_EQ(settings.duplicateTolerance, -1.0);
+    EXPECT_TRUE(settings.keepsDuplicates);
+    applySetting(settings, "duplicates", "error");
+    EXPECT_TRUE(settings == Settings());
+    EXPECT_EQ(faultOf("duplicates", "drop"), "duplicates: must be error, merge or keep, not 'drop'");
+}
+
+TEST(SettingKeysTest, MergingKeepsAToleranceThatWasGivenAndAToleranceMerges)
+{
+    Settings settings;
+    applySetting(settings, "duplicate-tolerance", "0.25");
+    applySetting(settings, "duplicates", "merge");
+    EXPECT_EQ(settings.duplicateTolerance, 0.25);
+    settings.keepsDuplicates = true;
+    applySetting(settings, "duplicate-tolerance", "0");
+    EXPECT_FALSE(settings.keepsDuplicates);
 }

@@ -69,3 +69,24 @@ TEST(SettingsFileTest, KeysThatAreLeftOutKeepTheirValues)
     EXPECT_EQ(settings.nugget, 0.25);
     EXPECT_EQ(settings.scaleFactors, (std::vector<double>{1.0, 2.0}));
 }
+
+TEST(SettingsFileTest, WhetherDuplicatesAreKeptReadsBack)
+{
+    Settings settings;
+    settings.keepsDuplicates = true;
+
+    EXPECT_TRUE(readBack(settings).keepsDuplicates);
+    EXPECT_EQ(readBack(settings).duplicateTolerance, -1.0);
+    EXPECT_FALSE(readBack(Settings()).keepsDuplicates);
+}
+
+TEST(SettingsFileTest, DuplicatesThatAreNotMergedAndAToleranceContradictEachOther)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("s.toml", "duplicate-tolerance = 0\nduplicates = \"keep\"\n");
+    Settings settings;
+
+    EXPECT_EQ(krige::test::messageOf<krige::InputError>([&] { krige::readSettingsFile(path, settings); }),
+              path +
+                  ", line 2: duplicates \"keep\" merges no samples, duplicate-tolerance 0 does; leave one of them out");
+}

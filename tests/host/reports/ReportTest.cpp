@@ -77,11 +77,10 @@ TEST(ReportTest, WithoutAToleranceNothingIsMerged)
     ModelSettings settings;
     settings.nugget = 0.1;
 
-    EXPECT_THAT(saidOfModel(samplesWithDuplicates(), settings),
-                StartsWith("merged: none (no --duplicate-tolerance)\n"));
+    EXPECT_THAT(saidOfModel(samplesWithDuplicates(), settings), StartsWith("merged: none (no --duplicates merge)\n"));
 }
 
-TEST(ReportTest, CoincidentSamplesGiveAHintUnlessMergedOrKeptApartByANugget)
+TEST(ReportTest, CoincidentSamplesGiveAWarningUnlessMergedOrReplicatesByANugget)
 {
     const SampleTable samples{"s.csv", {"x"}, {"z"}, {{0, 1, 2, 2}}, {{1, 2, 3, 3}}};
     ModelSettings local; // of two points, a target away from the last two is never near both
@@ -92,9 +91,12 @@ TEST(ReportTest, CoincidentSamplesGiveAHintUnlessMergedOrKeptApartByANugget)
     smoothing.nugget = 0.1;
 
     EXPECT_THAT(saidOfModel(samples, local),
-                HasSubstr("hint: 2 of 4 samples coincide; add --duplicate-tolerance 0 to merge them\n"));
-    EXPECT_THAT(saidOfModel(samples, merging), Not(HasSubstr("hint")));
-    EXPECT_THAT(saidOfModel(samples, smoothing), Not(HasSubstr("hint")));
+                HasSubstr("warning: 2 of 4 samples coincide; --duplicates keep goes on, but estimates mean little "
+                          "then\n"));
+    EXPECT_THAT(saidOfModel(samples, merging), Not(HasSubstr("coincide")));
+    EXPECT_THAT(saidOfModel(samples, smoothing),
+                HasSubstr("note: 2 of 4 samples coincide and are taken as repeated measurements, for there is a "
+                          "nugget\n"));
 }
 
 TEST(ReportTest, TooFewPointsForTheDriftGiveAHint)
@@ -134,4 +136,17 @@ TEST(ReportTest, TargetsWithoutACoordinateAreCounted)
     Report(stream).finished(12, 1);
 
     EXPECT_THAT(stream.str(), StartsWith("missing: 1 of 12 targets lacks a coordinate: nan is given there\n"));
+}
+
+TEST(ReportTest, TheConditionOfAGlobalSystemIsPartOfTheReport)
+{
+    const SampleTable apart{"s.csv", {"x"}, {"z"}, {{0, 1, 2, 3}}, {{1, 2, 3, 3}}};
+    const SampleTable together{"s.csv", {"x"}, {"z"}, {{0, 1, 2, 2}}, {{1, 2, 3, 4}}};
+    ModelSettings local;
+    local.numNearestPoints = 2;
+
+    EXPECT_THAT(saidOfModel(apart, {}), HasSubstr("\ncondition: 0."));
+    EXPECT_THAT(saidOfModel(apart, {}), Not(HasSubstr("warning")));
+    EXPECT_THAT(saidOfModel(together, {}), HasSubstr("\nwarning: the system has no solution that can be relied upon"));
+    EXPECT_THAT(saidOfModel(apart, local), Not(HasSubstr("condition")));
 }

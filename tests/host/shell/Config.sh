@@ -54,7 +54,7 @@ refused()
 
 test_AnUnknownKeyIsRefusedWithTheKnownOnes()
 {
-    refused 'drift = 1\ndrfit = 2\n' "settings.toml, line 2: 'drfit' is no setting; the settings are duplicate-tolerance, scale"
+    refused 'drift = 1\ndrfit = 2\n' "settings.toml, line 2: 'drfit' is no setting; the settings are duplicates, duplicate-tolerance, scale"
 }
 
 test_ABadValueIsRefusedWithItsLine()

@@ -16,9 +16,9 @@ file: samples.csv, 5 rows, 5 columns, delimiter semicolon
 END
     expect_stdout 'inputs: x,y; outputs: z (guessed'
     expect_stdout 'samples: 3 rows with a number in each of these columns, 2 without'
-    expect_stdout 'coincident: 2 of 3 samples coincide; --duplicate-tolerance 0 merges them and leaves 2 points'
+    expect_stdout 'coincident: 2 of 3 samples coincide; --duplicates merge averages them and leaves 2 points'
     expect_stdout 'global model: 2 points, '
-    expect_stdout 'suggestion: krige predict samples.csv --inputs x,y --outputs z --skip-missing --duplicate-tolerance 0 --grid 200x200 -o estimates.csv'
+    expect_stdout 'suggestion: krige predict samples.csv --inputs x,y --outputs z --skip-missing --duplicates merge --grid 200x200 -o estimates.csv'
     [ ! -s "$scratch/log/err" ] || fail 'standard error is not empty'
 }
 

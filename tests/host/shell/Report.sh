@@ -36,12 +36,12 @@ test_MergedSamplesAreReported()
     expect_no_stderr hint
 }
 
-test_CoincidentSamplesGetAHint()
+test_CoincidentSamplesGetANote()
 {
     printf 'x,z\n0,1\n0,3\n1,7\n2,8\n' >samples.csv
-    krige predict samples.csv --inputs x --outputs z --nearest 2 --grid x=1.5:2:2 -o out.csv
+    krige predict samples.csv --inputs x --outputs z --nugget 0.1 --grid x=1.5:2:2 -o out.csv
     expect_status 0
-    expect_stderr 'hint: 2 of 4 samples coincide; add --duplicate-tolerance 0 to merge them'
+    expect_stderr 'note: 2 of 4 samples coincide and are taken as repeated measurements, for there is a nugget'
 }
 
 test_SamplesApartGetNoHint()

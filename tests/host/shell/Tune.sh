@@ -123,11 +123,13 @@ test_AWrongShareOrObjectiveIsAUsageError()
     expect_stderr '--folds: must be 2 to 80'
 }
 
-test_CoincidentSamplesNameTheWayOut()
+test_CoincidentSamplesAreReplicates()
 {
     printf 'x,z\n0,1\n0,3\n1,7\n2,8\n0,3\n0,3\n0,3\n0,3\n0,3\n3,1\n' >samples.csv
     krige tune samples.csv --inputs x --outputs z --held-out 0 --folds 2 -o best.toml
-    expect_stderr 'hint: 7 of 10 samples coincide; add --duplicate-tolerance 0 to merge them'
+    expect_status 0
+    expect_stderr 'note: 7 of 10 samples coincide and are taken as repeated measurements'
+    ! grep -q '^nugget = 0$' best.toml || fail 'a model without a nugget cannot take repeats'
 }
 
 test_TheSillOfTheWinnerIsWrittenForOtherRuns()

@@ -96,11 +96,11 @@ test_PointsAreWrittenInFull()
     expect_stdout "$(cat rmse)"
 }
 
-test_CoincidentSamplesGetAHint()
+test_CoincidentSamplesGetANote()
 {
     printf 'x,z\n0,1\n1,2\n1,4\n2,8\n3,9\n4,9\n' >samples.csv
     krige validate samples.csv --inputs x --outputs z --folds 6 --nugget 0.1
-    expect_stderr 'hint: 2 of 6 samples coincide'
+    expect_stderr 'note: 2 of 6 samples coincide and are taken as repeated measurements'
 }
 
 test_FewerSamplesThanTenAreTheirOwnFolds()
