@@ -211,6 +211,7 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
 
     const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
+    report.rangeUsed(samples, options.settings, options.units);
 
     const std::vector<PredictionColumn> columns = predictionColumns();
     std::vector<double> sills;

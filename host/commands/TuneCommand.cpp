@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "estimation/RangeInUnits.h"
 #include "host/files/CsvReader.h"
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
@@ -104,12 +105,13 @@ TuneCommand::TuneCommand(CLI::App& command)
 fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::SampleSet& samples) const
 {
     fenn::analysis::SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
+    const double rangeFraction = withRangeFraction(samples, options.settings).rangeFraction;
     for (const std::string& name : fixedSettings)
     {
         if (name == "drift")
             space.driftOrders = {options.settings.driftOrder};
         else if (name == "range")
-            space.minRangeFraction = space.maxRangeFraction = options.settings.rangeFraction;
+            space.minRangeFraction = space.maxRangeFraction = rangeFraction;
         else if (name == "nugget")
             space.minNugget = space.maxNugget = options.settings.nugget;
         else if (name == "nearest")
@@ -163,10 +165,11 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, Con
                  {
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      const fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
+                     const fenn::estimation::ModelSettings start = withRangeFraction(sampleSet, options.settings);
                      TrialTable table(console.getReport());
                      const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
                      result = fenn::analysis::tune(
-                         sampleSet, options.settings, space, chosen,
+                         sampleSet, start, space, chosen,
                          [&](const fenn::analysis::Trial& trial, std::size_t numDone, std::size_t maxTrials)
                          {
                              if (trialsPath.empty())
@@ -196,6 +199,7 @@ void TuneCommand::run(std::ostream& out, Console& console) const
         console.getReport() << "hint: " << coincident << "; add --duplicate-tolerance 0 to merge them\n";
 
     const fenn::analysis::TuningResult result = search(samples, console);
+    report.rangeUsed(samples, result.trials[result.winner].settings, options.units);
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
     const Settings best =

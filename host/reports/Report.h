@@ -38,6 +38,11 @@ public:
     /// Estimates whose variance is below 0 by more than rounding; nothing for none.
     void variancesRejected(std::uint64_t count, std::uint64_t numTargets);
 
+    /// How far the range of the model reaches, in units of the inputs; call where these samples and settings make a
+    /// model.
+    void rangeUsed(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                   const std::string& units);
+
     /// Which engine answered, and how far its estimates can be from the exact ones.
     void answered(const fenn::estimation::EngineReport& engine);
 
