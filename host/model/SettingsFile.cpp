@@ -43,11 +43,12 @@ std::string_view withoutBrackets(std::string_view value)
     return value;
 }
 
+/// Of a single text; those of an array keep theirs.
 std::string_view withoutQuotes(std::string_view value)
 {
-    if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
-        return value.substr(1, value.size() - 2);
-    return value;
+    if (value.size() < 2 || value.front() != '"' || value.find('"', 1) != value.size() - 1)
+        return value;
+    return value.substr(1, value.size() - 2);
 }
 
 void appendSetting(std::string& text, const char* key, const std::string& value)

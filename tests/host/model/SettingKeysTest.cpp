@@ -46,7 +46,7 @@ TEST(SettingKeysTest, EveryKeySetsItsOwnField)
 
 TEST(SettingKeysTest, TheRangeIsAFractionOrInTheInputsUnits)
 {
-    ModelSettings settings;
+    Settings settings;
     applySetting(settings, "range", "900u");
     EXPECT_EQ(settings.rangeInInputUnits, 900.0);
 
@@ -60,7 +60,7 @@ TEST(SettingKeysTest, ARangeFractionAboveTenIsAnsweredWithTheUnits)
     EXPECT_EQ(faultOf("range", "900"), "range: must be a fraction of the diagonal of the samples' box, 0 to 10, not "
                                        "'900'; for a range in the inputs' units write 900u (and give inputs one scale: "
                                        "--scale 1,1)");
-    ModelSettings settings;
+    Settings settings;
     EXPECT_NO_THROW(applySetting(settings, "range", "10"));
 }
 

@@ -48,7 +48,7 @@ TEST(SettingsFileTest, WhatIsWrittenReadsBackToTheSameBits)
 
 TEST(SettingsFileTest, ARangeInInputUnitsIsAText)
 {
-    ModelSettings settings;
+    Settings settings;
     settings.rangeInInputUnits = 0.1 + 0.2;
 
     EXPECT_NE(krige::settingsFileText(settings).find("\nrange = \"0.30000000000000004u\"\n"), std::string::npos);
