@@ -161,8 +161,13 @@ void VariogramCommand::checkUsage() const
         checkPicturePath(plotPath);
 }
 
-fenn::analysis::BinningOptions VariogramCommand::chooseBins(const fenn::ModelParts& parts) const
+fenn::analysis::BinningOptions VariogramCommand::chooseBins(const fenn::ModelParts& parts,
+                                                            const std::string& samplesName) const
 {
+    if (parts.getPoints().size() < 2)
+        throw InputError(samplesName + ": a semivariogram needs two points or more");
+    if (!maxLag && fenn::analysis::defaultMaxLag(parts) == 0.0)
+        throw InputError(samplesName + ": all samples lie at one place; a semivariogram needs two places or more");
     fenn::analysis::BinningOptions bins;
     bins.maxLag = maxLag ? toNormalisedLag(parts, "--max-lag", *maxLag) : fenn::analysis::defaultMaxLag(parts);
     bins.direction = direction;
@@ -224,7 +229,7 @@ void VariogramCommand::show(const SampleTable& samples, Report& report, std::ost
     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
     Settings settings = options.settings;
     std::shared_ptr<const fenn::ModelParts> parts = fenn::estimation::makeModelParts(sampleSet, settings);
-    fenn::analysis::BinningOptions bins = chooseBins(*parts);
+    fenn::analysis::BinningOptions bins = chooseBins(*parts, samples.path);
     const LagUnit unit = chooseLagUnit(*parts, lagChoice, options.units);
     if (isFitted)
     {

@@ -39,7 +39,7 @@ private:
     void addBinOptions(CLI::App& command);
     void addFileOptions(CLI::App& command);
     void checkUsage() const;
-    fenn::analysis::BinningOptions chooseBins(const fenn::ModelParts& parts) const;
+    fenn::analysis::BinningOptions chooseBins(const fenn::ModelParts& parts, const std::string& samplesName) const;
     fenn::analysis::BinnedSemivariogram tabulate(const fenn::ModelParts& parts,
                                                  const fenn::analysis::BinningOptions& bins) const;
     double chooseSillOfCurve(const fenn::estimation::SampleSet& samples, const fenn::ModelParts& parts,

@@ -31,6 +31,9 @@ std::string describePairs(const fenn::analysis::BinnedSemivariogram& table,
         text += ", in the direction of " + formatNumber(*options.direction) + " degrees, within " +
                 formatNumber(options.tolerance);
     text += '\n';
+    if (numPairs == 0)
+        text += std::string("hint: no pair is so near; raise --max-lag") +
+                (options.direction ? " or --tolerance" : "") + '\n';
     if (table.numPointsUsed < table.numPoints)
         text += "drawn: " + std::to_string(table.numPointsUsed) + " of " + countOf(table.numPoints, "point") +
                 ", always the same, for all would make too many pairs\n";

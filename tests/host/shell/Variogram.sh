@@ -164,11 +164,26 @@ test_TooFewSamplesForAFitAreAnError()
 
 test_SamplesOfAnyKindHaveASemivariogram()
 {
-    for rows in '0,0,1' '0,0,1\n1,1,2' '0,0,1\n1,1,2\n2,2,4' '0,0,1\n0,0,2\n0,1,2\n1,0,5' '0,0,3\n1,0,3\n0,1,3\n1,1,3'; do
+    for rows in '0,0,1\n1,1,2' '0,0,1\n1,1,2\n2,2,4' '0,0,1\n0,0,2\n0,1,2\n1,0,5' '0,0,3\n1,0,3\n0,1,3\n1,1,3'; do
         printf "x,y,z\n$rows\n" >samples.csv
-        krige variogram samples.csv --inputs x,y --outputs z --scale 1,1 --max-lag 1u
+        krige variogram samples.csv --inputs x,y --outputs z --scale 1,1 --max-lag 0.5u
         expect_status 0
+        krige variogram samples.csv --inputs x,y --outputs z --scale 1,1 --max-lag 9u --plot plot.gp
+        expect_status 0
+        grep -v "datafile missing" plot.gp | grep -q nan && fail "nan for $rows"
     done
+}
+
+test_SamplesAtOnePlaceAreAnError()
+{
+    printf 'x,y,z\n1,1,5\n' >samples.csv
+    krige variogram samples.csv --inputs x,y --outputs z --scale 1,1 --max-lag 1u
+    expect_status 1
+    expect_stderr 'samples.csv: a semivariogram needs two points'
+    printf 'x,y,z\n1,1,5\n1,1,6\n' >samples.csv
+    krige variogram samples.csv --inputs x,y --outputs z --scale 1,1 --fit
+    expect_status 1
+    expect_stderr 'samples.csv: all samples lie at one place'
 }
 
 test_OneOutputAtATime()
