@@ -6,7 +6,6 @@
 #include <CLI/CLI.hpp>
 
 #include "analysis/BinnedSemivariogram.h"
-#include "analysis/ModelPoints.h"
 #include "estimation/makeModelParts.h"
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
@@ -20,7 +19,6 @@
 #include "host/reports/VariogramTable.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
-#include "host/text/TextTable.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 
 namespace krige
@@ -186,20 +184,6 @@ fenn::analysis::BinnedSemivariogram VariogramCommand::tabulate(const fenn::Model
     return fenn::analysis::semivariogramAtEveryLag(parts, single);
 }
 
-double VariogramCommand::chooseSillOfCurve(const fenn::estimation::SampleSet& samples, const fenn::ModelParts& parts,
-                                           std::ostream& report) const
-{
-    const SillChoice choice = chooseSill(options.settings.sills, 0);
-    if (choice.rule == SillChoice::Rule::Given)
-        return choice.value;
-    if (choice.rule == SillChoice::Rule::Sample)
-        return fenn::analysis::varianceOfPoints(parts, 0);
-    const fenn::analysis::Sill sill = estimateSill(samples, parts, options.settings);
-    report << "sill: " << formatFigure(sill.value) << " (sample variance " << formatFigure(sill.sampleVariance)
-           << ")\n";
-    return sill.value;
-}
-
 void VariogramCommand::writeTable(std::ostream& out, std::ostream& report, const std::string& text) const
 {
     if (isFitted && isStandardStream(outputPath))
@@ -240,7 +224,11 @@ void VariogramCommand::show(const SampleTable& samples, Report& report, std::ost
         reportLines << describeFit(fit, settings, unit);
     }
     else
-        bins.sill = chooseSillOfCurve(sampleSet, *parts, reportLines);
+    {
+        const OutputSill sill = sillOfSettings(sampleSet, *parts, settings);
+        report.sillsUsed(samples.outputNames, {sill});
+        bins.sill = sill.value;
+    }
     report.rangeUsed(samples, settings, options.units);
 
     const fenn::analysis::BinnedSemivariogram table = tabulate(*parts, bins);

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "analysis/BinnedSemivariogram.h"
-#include "estimation/SampleSet.h"
 #include "host/commands/Command.h"
 #include "host/model/Distance.h"
 #include "host/model/LagUnit.h"
@@ -42,8 +41,6 @@ private:
     fenn::analysis::BinningOptions chooseBins(const fenn::ModelParts& parts, const std::string& samplesName) const;
     fenn::analysis::BinnedSemivariogram tabulate(const fenn::ModelParts& parts,
                                                  const fenn::analysis::BinningOptions& bins) const;
-    double chooseSillOfCurve(const fenn::estimation::SampleSet& samples, const fenn::ModelParts& parts,
-                             std::ostream& report) const;
     void writeTable(std::ostream& out, std::ostream& report, const std::string& text) const;
     void show(const SampleTable& samples, Report& report, std::ostream& out, std::ostream& reportLines) const;
 

@@ -3,11 +3,15 @@
 #include <stdexcept>
 
 #include "analysis/ModelPoints.h"
+#include "analysis/Sill.h"
 #include "host/text/HostErrors.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 
 namespace krige
+{
+
+namespace
 {
 
 fenn::analysis::Sill estimateSill(const fenn::estimation::SampleSet& samples, const fenn::ModelParts& parts,
@@ -28,6 +32,18 @@ fenn::analysis::Sill estimateSill(const fenn::estimation::SampleSet& samples, co
         const double variance = fenn::analysis::varianceOfPoints(parts, 0);
         return {variance, variance, fenn::analysis::SillMethod::SampleVariance, numPoints};
     }
+}
+
+} // namespace
+
+OutputSill sillOfSettings(const fenn::estimation::SampleSet& samples, const fenn::ModelParts& parts,
+                          const Settings& settings)
+{
+    fenn::analysis::Sill sill;
+    sill.sampleVariance = fenn::analysis::varianceOfPoints(parts, 0);
+    if (chooseSill(settings.sills, 0).rule == SillChoice::Rule::Automatic)
+        sill = estimateSill(samples, parts, settings);
+    return applyChoices(settings.sills, {sill}).front();
 }
 
 fenn::analysis::SphericalFit fitToBins(const fenn::ModelParts& parts, const fenn::analysis::BinningOptions& options,
