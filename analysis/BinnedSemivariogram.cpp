@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 
 #include "analysis/Folds.h"
 #include "analysis/ModelPoints.h"
@@ -194,6 +195,76 @@ void checkOptions(const ModelParts& parts, const BinningOptions& options, double
         throw std::invalid_argument("a direction must be finite and its tolerance above 0");
 }
 
+double chooseMaxLag(const ModelParts& parts, const BinningOptions& options)
+{
+    const double maxLag = options.maxLag == 0.0 ? defaultMaxLag(parts) : options.maxLag;
+    checkOptions(parts, options, maxLag);
+    return maxLag;
+}
+
+/// Two points, by what a semivariogram sees of them.
+struct Pair
+{
+    double lag = 0.0;
+    double squaredDifference = 0.0; // of the output
+    double modelValue = 0.0;        // with a sill of 1
+};
+
+template <typename Visit>
+void visitPairs(const ModelParts& parts, const Partners& partners, const BinningOptions& options, double maxLag,
+                const Visit& visit)
+{
+    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
+    const PointColumns& points = partners.points;
+    const DirectionFilter filter(options);
+    std::vector<double> modelValues(points.output.size());
+    for (std::size_t i = 0; i + 1 < points.output.size(); ++i)
+    {
+        const std::size_t numPartners = partners.ends[i] - i - 1;
+        const PointTail point(points, i, 1);
+        const PointTail following(points, i + 1, numPartners);
+        parts.getSemivariogram().evaluatePairs(point.get(), following.get(), modelValues.data(), numPartners);
+        for (std::size_t k = 0; k < numPartners; ++k)
+        {
+            const std::size_t j = i + 1 + k;
+            double lagSquared = 0.0;
+            for (std::size_t v = 0; v < normalizers.size(); ++v)
+            {
+                const double difference = (points.inputs[v][i] - points.inputs[v][j]) * normalizers[v].getScale();
+                lagSquared += difference * difference;
+            }
+            const double lag = std::sqrt(lagSquared);
+            if (!(lag <= maxLag) || !filter.takes(points.inputs, i, j))
+                continue;
+            const double outputDifference = points.output[i] - points.output[j];
+            visit(Pair{lag, outputDifference * outputDifference, modelValues[k]});
+        }
+    }
+}
+
+/// Adds a pair to sums that averaged makes means of.
+void add(const Pair& pair, LagBin& sums)
+{
+    sums.meanLag += pair.lag;
+    sums.semivariance += pair.squaredDifference;
+    sums.modelValue += pair.modelValue;
+    ++sums.numPairs;
+}
+
+LagBin averaged(LagBin sums, double sill)
+{
+    const auto count = static_cast<double>(sums.numPairs);
+    sums.meanLag /= count;
+    sums.semivariance *= 0.5 / count;
+    sums.modelValue *= sill / count;
+    return sums;
+}
+
+double sillOf(const ModelParts& parts, const BinningOptions& options)
+{
+    return options.sill ? *options.sill : varianceOfPoints(parts, options.outputVar);
+}
+
 } // namespace
 
 double defaultMaxLag(const ModelParts& parts)
@@ -221,57 +292,56 @@ std::optional<double> commonScale(const ModelParts& parts)
 
 BinnedSemivariogram binSemivariogram(const ModelParts& parts, const BinningOptions& options)
 {
-    const double maxLag = options.maxLag == 0.0 ? defaultMaxLag(parts) : options.maxLag;
-    checkOptions(parts, options, maxLag);
-
-    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
+    const double maxLag = chooseMaxLag(parts, options);
     const Partners partners = choosePartners(parts, options, maxLag);
-    const PointColumns& points = partners.points;
-    const DirectionFilter filter(options);
     const double width = maxLag / static_cast<double>(options.numLags);
     std::vector<LagBin> bins(options.numLags); // sums until the end
-    std::vector<double> modelValues(points.output.size());
-    for (std::size_t i = 0; i + 1 < points.output.size(); ++i)
-    {
-        const std::size_t numPartners = partners.ends[i] - i - 1;
-        const PointTail point(points, i, 1);
-        const PointTail following(points, i + 1, numPartners);
-        parts.getSemivariogram().evaluatePairs(point.get(), following.get(), modelValues.data(), numPartners);
-        for (std::size_t k = 0; k < numPartners; ++k)
-        {
-            const std::size_t j = i + 1 + k;
-            double lagSquared = 0.0;
-            for (std::size_t v = 0; v < normalizers.size(); ++v)
-            {
-                const double difference = (points.inputs[v][i] - points.inputs[v][j]) * normalizers[v].getScale();
-                lagSquared += difference * difference;
-            }
-            const double lag = std::sqrt(lagSquared);
-            if (!(lag <= maxLag) || !filter.takes(points.inputs, i, j))
-                continue;
-            const auto b = std::min(static_cast<std::size_t>(lag / width), options.numLags - 1);
-            const double outputDifference = points.output[i] - points.output[j];
-            bins[b].meanLag += lag;
-            bins[b].semivariance += outputDifference * outputDifference;
-            bins[b].modelValue += modelValues[k];
-            ++bins[b].numPairs;
-        }
-    }
+    visitPairs(parts, partners, options, maxLag,
+               [&](const Pair& pair)
+               {
+                   const auto b = std::min(static_cast<std::size_t>(pair.lag / width), options.numLags - 1);
+                   add(pair, bins[b]);
+               });
 
-    const double sill = options.sill ? *options.sill : varianceOfPoints(parts, options.outputVar);
-    BinnedSemivariogram result{{}, parts.getPoints().size(), points.output.size()};
+    BinnedSemivariogram result{{}, parts.getPoints().size(), partners.points.output.size()};
+    const double sill = sillOf(parts, options);
     for (std::size_t b = 0; b < options.numLags; ++b)
     {
-        LagBin bin = bins[b];
-        if (bin.numPairs == 0)
+        if (bins[b].numPairs == 0)
             continue;
-        const auto count = static_cast<double>(bin.numPairs);
-        bin.lowerLag = static_cast<double>(b) * width;
-        bin.upperLag = b + 1 == options.numLags ? maxLag : static_cast<double>(b + 1) * width;
-        bin.meanLag /= count;
-        bin.semivariance *= 0.5 / count;
-        bin.modelValue *= sill / count;
-        result.bins.push_back(bin);
+        result.bins.push_back(averaged(bins[b], sill));
+        result.bins.back().lowerLag = static_cast<double>(b) * width;
+        result.bins.back().upperLag = b + 1 == options.numLags ? maxLag : static_cast<double>(b + 1) * width;
+    }
+    return result;
+}
+
+BinnedSemivariogram semivariogramAtEveryLag(const ModelParts& parts, const BinningOptions& options)
+{
+    constexpr double sameLag = 1e-6; // of the largest lag
+    const double maxLag = chooseMaxLag(parts, options);
+    const Partners partners = choosePartners(parts, options, maxLag);
+    std::vector<Pair> pairs;
+    visitPairs(parts, partners, options, maxLag, [&](const Pair& pair) { pairs.push_back(pair); });
+    // By all three, so that sums do not depend on how equal lags are ordered.
+    std::sort(pairs.begin(), pairs.end(),
+              [](const Pair& a, const Pair& b) {
+                  return std::tie(a.lag, a.squaredDifference, a.modelValue) <
+                         std::tie(b.lag, b.squaredDifference, b.modelValue);
+              });
+
+    BinnedSemivariogram result{{}, parts.getPoints().size(), partners.points.output.size()};
+    const double sill = sillOf(parts, options);
+    for (std::size_t first = 0; first < pairs.size();)
+    {
+        LagBin sums;
+        std::size_t end = first;
+        for (; end < pairs.size() && pairs[end].lag - pairs[first].lag <= sameLag * maxLag; ++end)
+            add(pairs[end], sums);
+        result.bins.push_back(averaged(sums, sill));
+        result.bins.back().lowerLag = pairs[first].lag;
+        result.bins.back().upperLag = pairs[end - 1].lag;
+        first = end;
     }
     return result;
 }

@@ -68,6 +68,11 @@ std::optional<double> commonScale(const ModelParts& parts);
 /// and above 0, and for a direction with other than two inputs, not finite, or a tolerance that is not above 0.
 BinnedSemivariogram binSemivariogram(const ModelParts& parts, const BinningOptions& options);
 
+/// The same without bins: a line for every lag, of the pairs whose lags lie within a millionth of maxLag of their
+/// smallest; lowerLag and upperLag are the smallest and the largest of them. Keeps a record of 24 bytes per pair while
+/// it works; numLags counts for nothing.
+BinnedSemivariogram semivariogramAtEveryLag(const ModelParts& parts, const BinningOptions& options);
+
 /// The bins in all directions.
 std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t outputVar, std::size_t numLags,
                                         double maxLag = 0.0);

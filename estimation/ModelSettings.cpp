@@ -1,5 +1,6 @@
 #include "estimation/ModelSettings.h"
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 #include <stdexcept>
@@ -25,7 +26,8 @@ template <typename T>
 bool operator==(const ModelSettings& a, const ModelSettings& b)
 {
     return a.duplicateTolerance == b.duplicateTolerance && a.scaleFactors == b.scaleFactors &&
-           a.driftOrder == b.driftOrder && a.rangeFraction == b.rangeFraction && a.nugget == b.nugget &&
+           a.driftOrder == b.driftOrder && a.rangeFraction == b.rangeFraction &&
+           a.rangeInInputUnits == b.rangeInInputUnits && a.nugget == b.nugget &&
            a.numNearestPoints == b.numNearestPoints;
 }
 
@@ -48,6 +50,14 @@ void checkSettings(const ModelSettings& settings, std::size_t numInputVars)
         reject("the drift order must be 0 to 4", settings.driftOrder);
     if (!std::isfinite(settings.rangeFraction) || settings.rangeFraction < 0.0)
         reject("the range fraction must be finite and at least 0", settings.rangeFraction);
+    if (settings.rangeInInputUnits)
+    {
+        const double range = *settings.rangeInInputUnits;
+        if (!std::isfinite(range) || range < 0.0)
+            reject("the range in input units must be finite and at least 0", range);
+        if (!hasOneScale(settings, numInputVars))
+            throw std::invalid_argument("a range in input units needs equal and positive scale factors");
+    }
     if (!(settings.nugget >= 0.0 && settings.nugget <= 1.0))
         reject("the nugget must be 0 to 1", settings.nugget);
     if (settings.numNearestPoints < 0)
@@ -57,6 +67,15 @@ void checkSettings(const ModelSettings& settings, std::size_t numInputVars)
 bool isScalableRange(double range)
 {
     return range > effectivelyZero && range < effectivelyInfinite;
+}
+
+bool hasOneScale(const ModelSettings& settings, std::size_t numInputVars)
+{
+    if (numInputVars == 1)
+        return true;
+    const std::vector<double>& factors = settings.scaleFactors;
+    return !factors.empty() && factors[0] > 0.0 &&
+           std::all_of(factors.begin(), factors.end(), [&](double factor) { return factor == factors[0]; });
 }
 
 bool usesAllPoints(const ModelSettings& settings, std::size_t numPoints)

@@ -6,6 +6,7 @@
 #include "estimation/CovarianceEstimator.h"
 #include "estimation/ExactEstimator.h"
 #include "estimation/LocalEstimator.h"
+#include "estimation/RangeInUnits.h"
 #include "estimation/Separation.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
@@ -20,9 +21,10 @@ namespace
 std::unique_ptr<Estimator> choose(const std::shared_ptr<const ModelParts>& parts, const SampleSet& samples,
                                   const ModelSettings& settings, const EstimatorOptions& options)
 {
+    const ModelSettings resolved = withRangeFraction(samples, settings);
     const auto exact = [&](const std::string& reason)
     {
-        return std::make_unique<ExactEstimator>(parts, settings, options.numThreads, reason);
+        return std::make_unique<ExactEstimator>(parts, resolved, options.numThreads, reason);
     };
 
     // The first engine that applies answers; each faster one stands between these two.
@@ -32,7 +34,7 @@ std::unique_ptr<Estimator> choose(const std::shared_ptr<const ModelParts>& parts
         return std::make_unique<LocalEstimator>(parts, settings.driftOrder, settings.numNearestPoints,
                                                 options.numThreads);
     std::string reason;
-    if (auto estimator = CovarianceEstimator::makeWhereProven(parts, settings, options.numThreads, reason))
+    if (auto estimator = CovarianceEstimator::makeWhereProven(parts, resolved, options.numThreads, reason))
         return estimator;
     if (options.checkStandIn)
         options.checkStandIn(

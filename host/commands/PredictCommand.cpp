@@ -99,10 +99,9 @@ PredictCommand::PredictCommand(CLI::App& command)
             "all outputs joined in order are the output of a whole run. Default: 1/1. Example: --shard 2/8")
         ->type_name("I/K");
     command
-        .add_option(
-            "--duplicates-report", duplicatesPath,
-            "CSV file to write that lists every sample merged by --duplicates merge, with its line. Default: "
-            "none. Example: --duplicates-report merged.csv")
+        .add_option("--duplicates-report", duplicatesPath,
+                    "CSV file to write that lists every sample merged by --duplicates merge, with its line. Default: "
+                    "none. Example: --duplicates-report merged.csv")
         ->type_name("FILE");
     command
         .add_option("-o,--output", outputPath,
@@ -211,6 +210,7 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
 
     const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
+    report.rangeUsed(samples, options.settings, options.units);
 
     const std::vector<PredictionColumn> columns = predictionColumns();
     std::vector<double> sills;

@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "estimation/RangeInUnits.h"
 #include "host/files/CsvReader.h"
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
@@ -109,12 +110,13 @@ TuneCommand::TuneCommand(CLI::App& command)
 fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::SampleSet& samples) const
 {
     fenn::analysis::SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
+    const double rangeFraction = withRangeFraction(samples, options.settings).rangeFraction;
     for (const std::string& name : fixedSettings)
     {
         if (name == "drift")
             space.driftOrders = {options.settings.driftOrder};
         else if (name == "range")
-            space.minRangeFraction = space.maxRangeFraction = options.settings.rangeFraction;
+            space.minRangeFraction = space.maxRangeFraction = rangeFraction;
         else if (name == "nugget")
             space.minNugget = space.maxNugget = options.settings.nugget;
         else if (name == "nearest")
@@ -161,8 +163,6 @@ Settings TuneCommand::withSills(const Settings& settings, const SampleTable& sam
 
 fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, double leastNugget, Console& console) const
 {
-    Settings start = options.settings;
-    start.nugget = std::max(start.nugget, leastNugget);
     fenn::analysis::TuningResult result;
     const fenn::analysis::TuningOptions chosen = chooseOptions(samples);
     runExplained(samples, options.settings, "",
@@ -171,6 +171,8 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, dou
                      const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
                      fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
                      space.minNugget = std::max(space.minNugget, leastNugget);
+                     fenn::estimation::ModelSettings start = withRangeFraction(sampleSet, options.settings);
+                     start.nugget = std::max(start.nugget, leastNugget);
                      TrialTable table(console.getReport());
                      const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
                      result = fenn::analysis::tune(
@@ -215,6 +217,7 @@ void TuneCommand::run(std::ostream& out, Console& console) const
     report.samplesRead(samples);
 
     const fenn::analysis::TuningResult result = search(samples, chooseLeastNugget(samples, report), console);
+    report.rangeUsed(samples, result.trials[result.winner].settings, options.units);
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
     const Settings best =

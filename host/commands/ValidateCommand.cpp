@@ -261,6 +261,7 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
     const ValidationResult result = !truthPath.empty() ? compare(samples, console, report)
                                     : leavesOneOut     ? leaveOneOut(samples, console, report)
                                                        : crossValidate(samples, console, report);
+    report.rangeUsed(samples, options.settings, options.units);
     const std::vector<ValidationFigures> figures = summarise(result, numWorst);
     const std::size_t numMissing = figures.front().errors.numMissing;
     if (numMissing > 0)

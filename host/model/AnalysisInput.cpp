@@ -16,11 +16,9 @@ fenn::estimation::SampleSet toSampleSet(const SampleTable& samples)
     return {samples.inputs, samples.outputs};
 }
 
-void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                  const std::string& circumstance, const std::function<void()>& work, bool isExact)
+void explainFailures(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                     const std::string& circumstance, const std::function<void()>& work)
 {
-    // Of the model of all samples: a fold's, or a trial's, is hardly smaller.
-    checkModelMemory(samples, settings, findAvailableBytes(), isExact);
     try
     {
         work();
@@ -37,6 +35,14 @@ void runExplained(const SampleTable& samples, const fenn::estimation::ModelSetti
     {
         throw UsageError(error.what());
     }
+}
+
+void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                  const std::string& circumstance, const std::function<void()>& work, bool isExact)
+{
+    // Of the model of all samples: a fold's, or a trial's, is hardly smaller.
+    checkModelMemory(samples, settings, findAvailableBytes(), isExact);
+    explainFailures(samples, settings, circumstance, work);
 }
 
 fenn::analysis::Progress reportTo(ProgressLine& line)

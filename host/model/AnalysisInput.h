@@ -16,9 +16,13 @@ namespace krige
 /// The samples as the analysis library takes them.
 fenn::estimation::SampleSet toSampleSet(const SampleTable& samples);
 
-/// Runs work and turns what the libraries throw into InputError, in words that name the file and the way out;
-/// UsageError for arguments that the analysis library refuses. Refuses, before any work, a model that is too large for
-/// the machine's memory. circumstance: stands before the explanation, e.g. "without one of 10 folds: "; may be empty.
+/// Runs work that builds no system and turns what the libraries throw into InputError, in words that name the file and
+/// the way out; UsageError for arguments that the analysis library refuses. circumstance: stands before the
+/// explanation, e.g. "without one of 10 folds: "; may be empty.
+void explainFailures(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                     const std::string& circumstance, const std::function<void()>& work);
+
+/// The same for work that builds a system: refuses, before it, a model that is too large for the machine's memory.
 /// isExact: as for checkModelMemory.
 void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
                   const std::string& circumstance, const std::function<void()>& work, bool isExact = true);

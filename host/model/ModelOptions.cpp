@@ -1,11 +1,13 @@
 #include "host/model/ModelOptions.h"
 
+#include <algorithm>
 #include <memory>
 #include <set>
 
 #include <CLI/CLI.hpp>
 
 #include "host/files/CsvReader.h"
+#include "host/model/Distance.h"
 #include "host/model/SettingKeys.h"
 #include "host/model/SettingSource.h"
 #include "host/model/SettingsFile.h"
@@ -82,7 +84,25 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
             },
             setting.help);
     }
+    addUnitsOption(command, options.units);
     addReadOptions(command, options.reading);
+}
+
+void addUnitsOption(CLI::App& command, std::string& units)
+{
+    addOption(
+        command, "--units", "NAME",
+        [&units](const std::string& text)
+        {
+            const auto isControl = [](unsigned char c)
+            {
+                return c < 0x20 || c == 0x7f;
+            };
+            if (trimBlanks(text).empty() || std::any_of(text.begin(), text.end(), isControl))
+                throw UsageError("--units: needs the name of a unit, not " + quoteForMessage(text));
+            units = trimBlanks(text);
+        },
+        "Unit of the inputs, for reports and pictures. Default: none is named. Example: --units m");
 }
 
 void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& estimator)
@@ -115,6 +135,10 @@ void checkModelOptions(const ModelOptions& options)
         throw UsageError("--scale: " + countOf(options.settings.scaleFactors.size(), "factor") + " for " +
                          countOf(options.inputNames.size(), "input") + "; give one each");
     checkSillChoices(options.settings.sills, options.outputNames.size());
+    if (options.settings.rangeInInputUnits &&
+        !fenn::estimation::hasOneScale(options.settings, options.inputNames.size()))
+        throw UsageError("--range " + formatDistance({*options.settings.rangeInInputUnits, true}) + ": " +
+                         suggestOneScale(options.inputNames.size()));
 }
 
 } // namespace krige

@@ -26,6 +26,7 @@ struct ModelOptions
     std::vector<std::string> outputNames;
     Settings settings;
     fenn::estimation::EstimatorOptions estimator;
+    std::string units; // of the inputs, for people; empty: not said
 };
 
 /// Adds SAMPLES, the options of the model and those that say how files are read to a subcommand; options must live
@@ -34,6 +35,9 @@ struct ModelOptions
 /// otherwise.
 void addModelOptions(CLI::App& command, ModelOptions& options);
 
+/// Adds --units; units must live until the command line has been parsed.
+void addUnitsOption(CLI::App& command, std::string& units);
+
 /// Adds --threads and --exact to a subcommand that estimates; estimator must live until the command line has been
 /// parsed.
 void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& estimator);
@@ -41,8 +45,8 @@ void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& 
 /// Column names of an option's text: `x,"a,b"`. Throws UsageError that names the option.
 std::vector<std::string> parseNames(const std::string& option, const std::string& text);
 
-/// Checks what no option can check alone: throws UsageError when a column is named twice or --scale has not one factor
-/// per input, or --sill not one value per output.
+/// Checks what no option can check alone: throws UsageError when a column is named twice, --scale has not one factor
+/// per input or --sill not one value per output, or a range is in units that the inputs do not share.
 void checkModelOptions(const ModelOptions& options);
 
 } // namespace krige

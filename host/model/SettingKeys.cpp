@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "host/files/CsvReader.h"
+#include "host/model/Distance.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -16,6 +17,9 @@ namespace
 {
 
 constexpr int maxDriftOrder = 4; // more acts as 4 in the library: asking for it is a misunderstanding
+
+// The semivariogram is a straight line across the box long before: a larger fraction is meant in the inputs' units.
+constexpr double largestRangeFraction = 10.0;
 
 double parseSetting(const std::string& option, std::string_view text)
 {
@@ -56,17 +60,9 @@ std::vector<double> parseScaleFactors(const std::string& option, const std::stri
     return factors;
 }
 
-std::string_view withoutQuotes(std::string_view text)
-{
-    text = trimBlanks(text);
-    if (text.size() >= 2 && text.front() == '"' && text.back() == '"')
-        return text.substr(1, text.size() - 2);
-    return text;
-}
-
 void applyDuplicates(Settings& settings, const std::string& name, const std::string& text)
 {
-    const std::string_view rule = withoutQuotes(text);
+    const std::string_view rule = trimBlanks(text);
     if (rule != "error" && rule != "merge" && rule != "keep")
         throw UsageError(name + ": must be error, merge or keep, not " + quoteForMessage(text));
     settings.keepsDuplicates = rule == "keep";
@@ -74,6 +70,22 @@ void applyDuplicates(Settings& settings, const std::string& name, const std::str
         settings.duplicateTolerance = -1.0;
     else if (settings.duplicateTolerance < 0.0)
         settings.duplicateTolerance = 0.0;
+}
+
+void applyRange(Settings& settings, const std::string& name, const std::string& text)
+{
+    const Distance range = parseDistance(name, text);
+    if (range.isInInputUnits)
+    {
+        settings.rangeInInputUnits = range.value;
+        return;
+    }
+    if (range.value > largestRangeFraction)
+        throw UsageError(name + ": must be a fraction of the diagonal of the samples' box, 0 to 10, not " +
+                         quoteForMessage(text) + "; for a range in the inputs' units write " +
+                         formatDistance({range.value, true}) + " (and give inputs one scale: --scale 1,1)");
+    settings.rangeFraction = range.value;
+    settings.rangeInInputUnits.reset();
 }
 
 } // namespace
@@ -110,10 +122,11 @@ const std::vector<SettingKey>& settingKeys()
          }},
         {"range", "F",
          "Range of the semivariogram, the distance beyond which samples tell nothing about each other, as a fraction "
-         "of the diagonal of the samples' normalised box. Default: 1. Example: --range 0.5",
+         "of the diagonal of the samples' normalised box, 0 to 10; or, with u behind it, in the units of inputs that "
+         "share one scale (--scale 1,1). Default: 1. Examples: --range 0.5, --range 900u",
          [](Settings& settings, const std::string& name, const std::string& text)
          {
-             settings.rangeFraction = parseSetting(name, text, 0.0, std::numeric_limits<double>::max(), "at least 0");
+             applyRange(settings, name, text);
          }},
         {"nugget", "C",
          "Nugget as a fraction of the sill, 0 to 1; above 0 it smooths noisy samples. Default: 0. Example: --nugget "

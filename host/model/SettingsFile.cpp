@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "host/files/InputFile.h"
+#include "host/model/Distance.h"
 #include "host/model/SettingKeys.h"
 #include "host/model/SettingSource.h"
 #include "host/text/HostErrors.h"
@@ -43,6 +44,14 @@ std::string_view withoutBrackets(std::string_view value)
     return value;
 }
 
+/// Of a single text; those of an array keep theirs.
+std::string_view withoutQuotes(std::string_view value)
+{
+    if (value.size() < 2 || value.front() != '"' || value.find('"', 1) != value.size() - 1)
+        return value;
+    return value.substr(1, value.size() - 2);
+}
+
 void appendSetting(std::string& text, const char* key, const std::string& value)
 {
     text += std::string(key) + " = " + value + '\n';
@@ -54,10 +63,7 @@ std::string settingsFileText(const Settings& settings)
 {
     std::string text = "# Settings of a krige model, for --config\n";
     const bool merges = settings.duplicateTolerance >= 0.0;
-    appendSetting(text, "duplicates",
-                  merges                     ? "\"merge\""
-                  : settings.keepsDuplicates ? "\"keep\""
-                                             : "\"error\"");
+    appendSetting(text, "duplicates", merges ? "\"merge\"" : settings.keepsDuplicates ? "\"keep\"" : "\"error\"");
     if (merges)
         appendSetting(text, "duplicate-tolerance", formatNumber(settings.duplicateTolerance));
     if (!settings.scaleFactors.empty())
@@ -68,7 +74,9 @@ std::string settingsFileText(const Settings& settings)
         appendSetting(text, "scale", factors + "]");
     }
     appendSetting(text, "drift", std::to_string(settings.driftOrder));
-    appendSetting(text, "range", formatNumber(settings.rangeFraction));
+    appendSetting(text, "range",
+                  settings.rangeInInputUnits ? '"' + formatDistance({*settings.rangeInInputUnits, true}) + '"'
+                                             : formatNumber(settings.rangeFraction));
     appendSetting(text, "nugget", formatNumber(settings.nugget));
     appendSetting(text, "nearest", std::to_string(settings.numNearestPoints));
     if (!settings.sills.empty())
@@ -99,7 +107,7 @@ void readSettingsFile(const std::string& path, Settings& settings)
             throw InputError::atLine(
                 path, lineNumber, quoteForMessage(line) + " is no setting; write KEY = VALUE, for instance drift = 1");
         const std::string key(trimBlanks(line.substr(0, equals)));
-        const std::string value(withoutBrackets(trimBlanks(line.substr(equals + 1))));
+        const std::string value(withoutQuotes(withoutBrackets(trimBlanks(line.substr(equals + 1)))));
         const auto known = lineOfKey.emplace(key, lineNumber);
         if (!known.second)
             throw InputError::atLine(path, lineNumber,

@@ -13,12 +13,13 @@ namespace krige
 ///
 ///     # comment
 ///     drift = 1
-///     range = 0.35
+///     range = 0.35        (or "900u")
 ///     scale = [1, -2]
 ///     duplicates = "merge"
 ///     sill = ["auto", 12.5]
 ///
-/// Keys that are left out keep their values. An array may also stand without its brackets.
+/// Keys that are left out keep their values. An array may also stand without its brackets, a text without
+/// its quotes.
 
 /// The file that makes readSettingsFile give these settings, to the bit. Scale factors and sills are left out
 /// when automatic.

@@ -1,54 +1,97 @@
 #include "host/pictures/VariogramPicture.h"
 
 #include <algorithm>
+#include <cmath>
 
+#include "estimation/RangeInUnits.h"
 #include "host/pictures/Gnuplot.h"
 #include "host/text/NumberText.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/Normalizer.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
-#include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace krige
 {
 
-VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag)
+namespace
+{
+
+/// Lags in a unit, semivariances and numbers of pairs.
+std::vector<std::vector<double>> columnsOf(const std::vector<fenn::analysis::LagBin>& bins, const LagUnit& unit)
+{
+    std::vector<std::vector<double>> columns(3);
+    for (const fenn::analysis::LagBin& bin : bins)
+    {
+        columns[0].push_back(bin.meanLag * unit.perNormalised);
+        columns[1].push_back(bin.semivariance);
+        columns[2].push_back(static_cast<double>(bin.numPairs));
+    }
+    return columns;
+}
+
+/// The number of pairs at each bin, on the side where the model's curve is not.
+std::string countLabels(Picture& picture, const std::vector<fenn::analysis::LagBin>& bins, const LagUnit& unit)
+{
+    constexpr std::size_t mostCounts = 30; // more would overlap
+    std::string commands;
+    for (const bool isAbove : {true, false})
+    {
+        std::vector<fenn::analysis::LagBin> labelled;
+        for (const fenn::analysis::LagBin& bin : bins)
+        {
+            if (bins.size() <= mostCounts && (bin.semivariance >= bin.modelValue) == isAbove)
+                labelled.push_back(bin);
+        }
+        if (!labelled.empty())
+            commands += ", " + picture.addData(columnsOf(labelled, unit)) + " using 1:2:3 with labels " +
+                        (isAbove ? "offset 0,0.9" : "left offset 0.7,-0.5") + " font ',9' tc rgb '#777777' notitle";
+    }
+    return commands;
+}
+
+/// A round step of at least a seventh of an axis: 1, 2 or 5 times a power of ten.
+double stepOfTics(double length)
+{
+    const double power = std::pow(10.0, std::floor(std::log10(length / 7.0)));
+    for (const double factor : {1.0, 2.0, 5.0})
+    {
+        if (factor * power >= length / 7.0)
+            return factor * power;
+    }
+    return 10.0 * power;
+}
+
+} // namespace
+
+VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag, double sill)
 {
     constexpr int numSteps = 200;
-    const std::vector<Normalizer>& normalizers = parts.getNormalizers();
-    const double variance = parts.getDataBlock().getOutputVarSampleVariance(0);
-    std::vector<double> separation(normalizers.size(), 0.0);
+    const double scale = parts.getNormalizers()[0].getScale();
+    std::vector<double> separation(parts.getNormalizers().size(), 0.0);
     VariogramCurve curve;
+    curve.sill = sill;
+    curve.range = fenn::estimation::calcRangesPerInput(parts)[0] * scale;
     for (int i = 0; i <= numSteps; ++i)
     {
         curve.lags.push_back(maxLag * (i == 0 ? 1e-6 : i / static_cast<double>(numSteps)));
-        separation[0] = curve.lags.back() / normalizers[0].getScale();
-        curve.values.push_back(variance * parts.getSemivariogram().evaluate(separation));
+        separation[0] = curve.lags.back() / scale;
+        curve.values.push_back(sill * parts.getSemivariogram().evaluate(separation));
     }
     return curve;
 }
 
-void drawVariogram(const std::string& path, const std::string& outputName, const std::vector<fenn::LagGroup>& groups,
+void drawVariogram(const std::string& path, const std::string& outputName, const LagUnit& unit,
+                   const std::vector<fenn::analysis::LagBin>& singleLags,
                    const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve)
 {
     Picture picture;
-    std::vector<std::vector<double>> binned(2);
+    const std::vector<std::vector<double>> binned = columnsOf(bins, unit);
     std::vector<double> heights = curve.values;
-    for (const fenn::analysis::LagBin& bin : bins)
-    {
-        binned[0].push_back(bin.meanLag);
-        binned[1].push_back(bin.semivariance);
-        heights.push_back(bin.semivariance);
-    }
+    heights.insert(heights.end(), binned[1].begin(), binned[1].end());
     std::string dots;
-    if (!groups.empty())
+    if (!singleLags.empty())
     {
-        std::vector<std::vector<double>> points(2);
-        for (const fenn::LagGroup& group : groups)
-        {
-            points[0].push_back(group.lag);
-            points[1].push_back(group.empirical);
-        }
+        const std::vector<std::vector<double>> points = columnsOf(singleLags, unit);
         // A few pairs far above all others would press the rest against the axis.
         std::vector<double> sorted = points[1];
         std::sort(sorted.begin(), sorted.end());
@@ -56,18 +99,33 @@ void drawVariogram(const std::string& path, const std::string& outputName, const
         dots =
             picture.addData(points) + " using 1:2 with points pt 7 ps 0.2 lc rgb '#999999' title 'pairs at one lag', ";
     }
-    const double top = 1.1 * *std::max_element(heights.begin(), heights.end());
-    const std::string line = picture.addData({curve.lags, curve.values});
-    std::string circles;
+    const double highest = *std::max_element(heights.begin(), heights.end());
+    std::vector<double> lags = curve.lags;
+    for (double& lag : lags)
+        lag *= unit.perNormalised;
+    const std::string line = picture.addData({lags, curve.values});
+    const auto upTo = [](double end)
+    {
+        return "[0:" + formatNumber(end) + "]\n";
+    };
+    std::string commands = "set key outside top center horizontal reverse Left samplen 2\n";
+    commands += "set xlabel " + quoteForGnuplot("lag (" + unit.name + ")") + "\n";
+    commands += "set ylabel " + quoteForGnuplot("semivariance of " + outputName) + "\n";
+    commands += "set xrange " + upTo(lags.back()) + "set xtics " + formatNumber(stepOfTics(lags.back())) + "\n";
+    commands += "set yrange " + upTo(highest > 0.0 ? 1.15 * highest : 1.0);
+    const double range = curve.range * unit.perNormalised;
+    const std::string dashed = " nohead dt 2 lc rgb '#aaaaaa' back\n";
+    if (range < lags.back())
+        commands += "set arrow from " + formatNumber(range) + ",0 to " + formatNumber(range) + "," +
+                    formatNumber(curve.sill) + dashed;
+    commands += "set arrow from 0," + formatNumber(curve.sill) + " to " + formatNumber(lags.back()) + "," +
+                formatNumber(curve.sill) + dashed;
+    commands += "plot " + dots + line + " using 1:2 with lines lw 2.5 lc rgb '#440154' title 'model'";
     if (!bins.empty())
-        circles = ", " + picture.addData(binned) +
-                  " using 1:2 with points pt 7 ps 1.4 lc rgb '#21918c' title 'mean of each bin of lags'";
-    picture.addPanel("set key outside top center horizontal reverse Left samplen 2\n"
-                     "set xlabel 'lag (normalised)'\nset ylabel " +
-                     quoteForGnuplot("semivariance of " + outputName) +
-                     "\nset xrange [0:" + formatNumber(curve.lags.back()) +
-                     "]\nset yrange [0:" + formatNumber(top > 0.0 ? top : 1.0) + "]\nplot " + dots + line +
-                     " using 1:2 with lines lw 2.5 lc rgb '#440154' title 'model'" + circles + "\n");
+        commands += ", " + picture.addData(binned) +
+                    " using 1:2 with points pt 7 ps 1.4 lc rgb '#21918c' title 'bins and numbers of pairs'" +
+                    countLabels(picture, bins, unit);
+    picture.addPanel(commands + "\n");
     picture.save(path);
 }
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "analysis/BinnedSemivariogram.h"
-#include "surrogatemodel_kriging/SemivariogramDump.h"
+#include "host/model/LagUnit.h"
 
 namespace fenn
 {
@@ -15,18 +15,22 @@ class ModelParts;
 namespace krige
 {
 
-/// Semivariogram values of the model of the first output, at rising lags.
+/// Semivariogram values of the model of the first output, at rising normalised lags.
 struct VariogramCurve
 {
     std::vector<double> lags;
-    std::vector<double> values; // times the output's sample variance
+    std::vector<double> values; // times the sill
+    double sill = 0.0;          // squared units of the output
+    double range = 0.0;         // normalised
 };
 
 /// From just above lag 0 to maxLag.
-VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag);
+VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag, double sill);
 
-/// Draws the bins and the curve; groups, which may be empty, are small dots behind them. Throws as Picture::save.
-void drawVariogram(const std::string& path, const std::string& outputName, const std::vector<fenn::LagGroup>& groups,
+/// Draws the bins, each with its number of pairs, and the curve, the lags in this unit; singleLags, which may be empty,
+/// are small dots behind them. Throws as Picture::save.
+void drawVariogram(const std::string& path, const std::string& outputName, const LagUnit& unit,
+                   const std::vector<fenn::analysis::LagBin>& singleLags,
                    const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve);
 
 } // namespace krige

@@ -6,6 +6,7 @@
 
 #include "estimation/SystemInverse.h"
 #include "host/model/ModelFailure.h"
+#include "host/reports/RangeText.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
 
@@ -123,6 +124,12 @@ void Report::variancesRejected(std::uint64_t count, std::uint64_t numTargets)
         stream << "hint: " << count << " of " << countOf(numTargets, "target") << (count == 1 ? " has" : " have")
                << " a Kriging variance below 0: nan stands for it and for what is made of it; the spherical model does "
                   "not suit so many inputs, or samples are too near to each other for this range and nugget\n";
+}
+
+void Report::rangeUsed(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                       const std::string& units)
+{
+    stream << "range: " << describeRange(samples, settings, units) << '\n';
 }
 
 void Report::answered(const fenn::estimation::EngineReport& engine)

@@ -41,6 +41,11 @@ public:
     /// A note where coincident samples count as repeated measurements, a warning where they are kept without a nugget.
     void coincidentSamples(const SampleTable& samples, const fenn::estimation::ModelSettings& settings);
 
+    /// How far the range of the model reaches, in units of the inputs; call where these samples and settings make a
+    /// model.
+    void rangeUsed(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
+                   const std::string& units);
+
     /// Which engine answered, and how far its estimates can be from the exact ones.
     void answered(const fenn::estimation::EngineReport& engine);
 

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "host/files/CsvReader.h"
+#include "host/model/Distance.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
 
@@ -26,7 +27,9 @@ std::string scaleText(const fenn::estimation::ModelSettings& settings)
 std::string optionsFor(const fenn::estimation::ModelSettings& settings)
 {
     std::string text = "--drift " + std::to_string(settings.driftOrder) + " --range " +
-                       formatNumber(settings.rangeFraction) + " --nugget " + formatNumber(settings.nugget);
+                       formatDistance(settings.rangeInInputUnits ? Distance{*settings.rangeInInputUnits, true}
+                                                                 : Distance{settings.rangeFraction, false}) +
+                       " --nugget " + formatNumber(settings.nugget);
     if (settings.numNearestPoints > 0)
         text += " --nearest " + std::to_string(settings.numNearestPoints);
     if (!settings.scaleFactors.empty())

@@ -19,6 +19,7 @@ using fenn::analysis::binSemivariogram;
 using fenn::analysis::commonScale;
 using fenn::analysis::defaultMaxLag;
 using fenn::analysis::LagBin;
+using fenn::analysis::semivariogramAtEveryLag;
 using fenn::estimation::makeModelParts;
 using fenn::estimation::SampleSet;
 
@@ -42,6 +43,41 @@ TEST(BinnedSemivariogramTest, BinsMatchThoseWorkedOutByHand)
     EXPECT_EQ(bins[1].semivariance, 2.0);
     EXPECT_DOUBLE_EQ(bins[1].modelValue, 4.0 / 3.0);
     EXPECT_EQ(bins[1].numPairs, 1U);
+}
+
+TEST(BinnedSemivariogramTest, EveryLagHasItsOwnLineWithoutBins)
+{
+    // Normalised as they stand: scale 1. Sample variance 4/3, range 2: the model is 0.6875 at lag 1 and 1 at lag 2.
+    const SampleSet samples({{0.0, 1.0, 2.0}}, {{0.0, 2.0, 2.0}});
+    const auto parts = makeModelParts(samples, {});
+    BinningOptions options;
+    options.maxLag = 2.0;
+
+    const std::vector<LagBin> lags = semivariogramAtEveryLag(*parts, options).bins;
+
+    ASSERT_EQ(lags.size(), 2U);
+    EXPECT_EQ(lags[0].lowerLag, 1.0);
+    EXPECT_EQ(lags[0].upperLag, 1.0);
+    EXPECT_EQ(lags[0].meanLag, 1.0);
+    EXPECT_EQ(lags[0].semivariance, 1.0);
+    EXPECT_DOUBLE_EQ(lags[0].modelValue, 0.6875 * 4.0 / 3.0);
+    EXPECT_EQ(lags[0].numPairs, 2U);
+    EXPECT_EQ(lags[1].meanLag, 2.0);
+    EXPECT_EQ(lags[1].numPairs, 1U);
+}
+
+TEST(BinnedSemivariogramTest, LagsThatDifferByRoundingAreOne)
+{
+    const SampleSet samples({{0.0, 0.1, 0.2, 0.3, 1.0}}, {{0.0, 2.0, 2.0, 1.0, 5.0}}); // 0.3 - 0.2 is not 0.1
+    const auto parts = makeModelParts(samples, {});
+    BinningOptions options;
+    options.maxLag = 100.0;
+
+    const std::vector<LagBin> lags = semivariogramAtEveryLag(*parts, options).bins;
+
+    ASSERT_EQ(lags.size(), 7U); // 0.1, 0.2, 0.3, 0.7, 0.8, 0.9 and 1
+    EXPECT_EQ(lags[0].numPairs, 3U);
+    EXPECT_LT(lags[0].lowerLag, lags[0].upperLag);
 }
 
 TEST(BinnedSemivariogramTest, LagsAreBoundedByHalfTheDiagonalUnlessSaid)

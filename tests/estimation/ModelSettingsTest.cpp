@@ -11,6 +11,7 @@ namespace
 {
 
 using fenn::estimation::checkSettings;
+using fenn::estimation::hasOneScale;
 using fenn::estimation::isScalableRange;
 using fenn::estimation::ModelSettings;
 using fenn::estimation::usesAllPoints;
@@ -45,6 +46,12 @@ TEST(ModelSettingsTest, ComplaintsNameTheSettingAndItsValue)
     EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 1.5, 0}), "the nugget must be 0 to 1, not 1.5");
     EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 0.0, -2}),
               "the number of nearest points must be 0 (all) or above, not -2");
+    EXPECT_EQ(complaintAbout({-1.0, {1.0, 1.0}, 0, 1.0, 0.0, 0, -1.0}),
+              "the range in input units must be finite and at least 0, not -1");
+    EXPECT_EQ(complaintAbout({-1.0, {1.0, 1.0}, 0, 1.0, 0.0, 0, infinity}),
+              "the range in input units must be finite and at least 0, not inf");
+    EXPECT_EQ(complaintAbout({-1.0, {}, 0, 1.0, 0.0, 0, 20.0}),
+              "a range in input units needs equal and positive scale factors");
 }
 
 TEST(ModelSettingsTest, NaNIsRefusedWhereverANumberIsNeeded)
@@ -57,6 +64,19 @@ TEST(ModelSettingsTest, NaNIsRefusedWhereverANumberIsNeeded)
 TEST(ModelSettingsTest, ScaleFactorsThatOnlyTheLibraryRefusesAreLeftToIt)
 {
     EXPECT_NO_THROW(checkSettings({-1.0, {0.0, 1e200}, 0, 1.0, 0.0, 0}, 2));
+}
+
+TEST(ModelSettingsTest, OneScaleIsThatOfEqualPositiveFactorsOrOfASingleInput)
+{
+    ModelSettings settings;
+    EXPECT_FALSE(hasOneScale(settings, 2)); // automatic: by the box
+    EXPECT_TRUE(hasOneScale(settings, 1));
+    settings.scaleFactors = {-1.0, -1.0};
+    EXPECT_FALSE(hasOneScale(settings, 2));
+    settings.scaleFactors = {1.0, 2.0};
+    EXPECT_FALSE(hasOneScale(settings, 2));
+    settings.scaleFactors = {3.0, 3.0};
+    EXPECT_TRUE(hasOneScale(settings, 2));
 }
 
 TEST(ModelSettingsTest, AllPointsAreUsedByDefaultAndWhereAsManyAreNearest)

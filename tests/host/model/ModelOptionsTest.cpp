@@ -71,6 +71,29 @@ TEST(ModelOptionsTest, AnOptionWinsOverTheSettingsFileWhereverItStands)
     }
 }
 
+TEST(ModelOptionsTest, ARangeInInputUnitsNeedsInputsOfOneScale)
+{
+    ModelOptions options = parsed({"--range", "900u"});
+
+    EXPECT_EQ(messageOf<UsageError>([&] { krige::checkModelOptions(options); }),
+              "--range 900u: a distance in the inputs' units needs inputs of one scale; add --scale 1,1 (by default "
+              "each input is stretched to the same width)");
+    options.settings.scaleFactors = {1.0, 1.0};
+    EXPECT_NO_THROW(krige::checkModelOptions(options));
+}
+
+TEST(ModelOptionsTest, TheUnitsAreAnyNameWithoutControlCharacters)
+{
+    EXPECT_EQ(parsed({}).units, "");
+    EXPECT_EQ(parsed({"--units", " km "}).units, "km");
+    EXPECT_EQ(messageOf<UsageError>([] { parsed({"--units", "  "}); }), "--units: needs the name of a unit, not '  '");
+    EXPECT_EQ(messageOf<UsageError>(
+                  [] {
+                      parsed({"--units", "m\033[31m"});
+                  }),
+              "--units: needs the name of a unit, not 'm?[31m'");
+}
+
 TEST(ModelOptionsTest, AMalformedSettingNamesItsOption)
 {
     EXPECT_EQ(messageOf<UsageError>([] { parsed({"--nugget", "much"}); }), "--nugget: 'much' is not a number");

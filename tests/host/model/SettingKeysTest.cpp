@@ -44,6 +44,26 @@ TEST(SettingKeysTest, EveryKeySetsItsOwnField)
     EXPECT_EQ(krige::settingKeys().size(), 8u); // and duplicates
 }
 
+TEST(SettingKeysTest, TheRangeIsAFractionOrInTheInputsUnits)
+{
+    Settings settings;
+    applySetting(settings, "range", "900u");
+    EXPECT_EQ(settings.rangeInInputUnits, 900.0);
+
+    applySetting(settings, "range", "0.5"); // the later one wins
+    EXPECT_EQ(settings.rangeFraction, 0.5);
+    EXPECT_FALSE(settings.rangeInInputUnits);
+}
+
+TEST(SettingKeysTest, ARangeFractionAboveTenIsAnsweredWithTheUnits)
+{
+    EXPECT_EQ(faultOf("range", "900"), "range: must be a fraction of the diagonal of the samples' box, 0 to 10, not "
+                                       "'900'; for a range in the inputs' units write 900u (and give inputs one scale: "
+                                       "--scale 1,1)");
+    Settings settings;
+    EXPECT_NO_THROW(applySetting(settings, "range", "10"));
+}
+
 TEST(SettingKeysTest, AnUnknownKeyIsAnsweredWithThoseThereAre)
 {
     EXPECT_EQ(faultOf("drfit", "1"), "'drfit' is no setting; the settings are duplicates, duplicate-tolerance, "
@@ -90,7 +110,7 @@ TEST(SettingKeysTest, DuplicatesAreAnErrorMergedOrKept)
     applySetting(settings, "duplicates", "merge");
     EXPECT_EQ(settings.duplicateTolerance, 0.0);
     EXPECT_FALSE(settings.keepsDuplicates);
-    applySetting(settings, "duplicates", "\"keep\"");
+    applySetting(settings, "duplicates", "keep");
     EXPECT_EQ(settings.duplicateTolerance, -1.0);
     EXPECT_TRUE(settings.keepsDuplicates);
     applySetting(settings, "duplicates", "error");

@@ -46,6 +46,15 @@ TEST(SettingsFileTest, WhatIsWrittenReadsBackToTheSameBits)
     EXPECT_EQ(result.sills, settings.sills);
 }
 
+TEST(SettingsFileTest, ARangeInInputUnitsIsAText)
+{
+    Settings settings;
+    settings.rangeInInputUnits = 0.1 + 0.2;
+
+    EXPECT_NE(krige::settingsFileText(settings).find("\nrange = \"0.30000000000000004u\"\n"), std::string::npos);
+    EXPECT_EQ(readBack(settings).rangeInInputUnits, settings.rangeInInputUnits);
+}
+
 TEST(SettingsFileTest, DefaultsReadBackAsDefaults)
 {
     const Settings result = readBack(Settings());
@@ -88,5 +97,5 @@ TEST(SettingsFileTest, DuplicatesThatAreNotMergedAndAToleranceContradictEachOthe
 
     EXPECT_EQ(krige::test::messageOf<krige::InputError>([&] { krige::readSettingsFile(path, settings); }),
               path +
-                  ", line 2: duplicates \"keep\" merges no samples, duplicate-tolerance 0 does; leave one of them out");
+                  ", line 2: duplicates keep merges no samples, duplicate-tolerance 0 does; leave one of them out");
 }

@@ -6,6 +6,7 @@
 #include "tests/host/TemporaryFolder.h"
 
 using fenn::analysis::LagBin;
+using krige::LagUnit;
 using krige::VariogramCurve;
 using krige::test::TemporaryFolder;
 using testing::HasSubstr;
@@ -14,10 +15,12 @@ using testing::Not;
 namespace
 {
 
-std::string scriptOf(const std::vector<fenn::LagGroup>& groups, const std::vector<LagBin>& bins)
+std::string scriptOf(const std::vector<LagBin>& singleLags, const std::vector<LagBin>& bins,
+                     const LagUnit& unit = LagUnit())
 {
     const TemporaryFolder folder;
-    krige::drawVariogram(folder.pathOf("v.gp"), "z", groups, bins, VariogramCurve{{0, 1, 2}, {0, 3, 4}});
+    krige::drawVariogram(folder.pathOf("v.gp"), "z", unit, singleLags, bins,
+                         VariogramCurve{{0, 1, 2}, {0, 3, 4}, 4.0, 1.5});
     return folder.read("v.gp");
 }
 
@@ -25,37 +28,57 @@ std::string scriptOf(const std::vector<fenn::LagGroup>& groups, const std::vecto
 
 TEST(VariogramPictureTest, TheCurveRunsFromTheNuggetToTheSill)
 {
-    // One input from 0 to 2; the range is that of the box, the sample variance of 5, 6 and 10 is 7.
+    // One input from 0 to 2; the range is that of the box.
     const fenn::estimation::SampleSet samples({{0, 1, 2}}, {{5, 6, 10}});
     fenn::estimation::ModelSettings settings;
     settings.nugget = 0.25;
     const auto parts = fenn::estimation::makeModelParts(samples, settings);
-    const VariogramCurve curve = krige::curveOfModel(*parts, 100.0);
+    const VariogramCurve curve = krige::curveOfModel(*parts, 100.0, 12.0);
 
-    EXPECT_NEAR(curve.values.front(), 0.25 * 7.0, 1e-3);
-    EXPECT_EQ(curve.values.back(), 7.0);
+    EXPECT_NEAR(curve.values.front(), 0.25 * 12.0, 1e-3);
+    EXPECT_EQ(curve.values.back(), 12.0);
     EXPECT_GT(curve.lags.front(), 0.0);
     EXPECT_EQ(curve.lags.back(), 100.0);
+    EXPECT_EQ(curve.sill, 12.0);
+    EXPECT_DOUBLE_EQ(curve.range, 2.0);
 }
 
-TEST(VariogramPictureTest, BinsAreDrawnAtTheirMeanLag)
+TEST(VariogramPictureTest, BinsAreDrawnAtTheirMeanLagWithTheirPairs)
 {
-    EXPECT_THAT(scriptOf({}, {LagBin{0.0, 1.0, 0.75, 2.5, 2.0, 7}}), HasSubstr("\n0.75 2.5\n"));
+    EXPECT_THAT(scriptOf({}, {LagBin{0.0, 1.0, 0.75, 2.5, 2.0, 7}}), HasSubstr("\n0.75 2.5 7\n"));
+}
+
+TEST(VariogramPictureTest, EverythingIsInTheUnitOfTheLags)
+{
+    const std::string script = scriptOf({}, {LagBin{0.0, 1.0, 0.75, 2.5, 2.0, 7}}, LagUnit{100.0, "km"});
+
+    EXPECT_THAT(script, HasSubstr("set xlabel 'lag (km)'"));
+    EXPECT_THAT(script, HasSubstr("set xrange [0:200]\nset xtics 50\n"));
+    EXPECT_THAT(script, HasSubstr("\n75 2.5 7\n"));             // the bin
+    EXPECT_THAT(script, HasSubstr("\n100 3\n200 4\n"));         // the curve
+    EXPECT_THAT(script, HasSubstr("set arrow from 150,0 to ")); // the range
+}
+
+TEST(VariogramPictureTest, NumbersOfPairsStandOnTheSideWhereTheModelIsNot)
+{
+    EXPECT_THAT(scriptOf({}, {LagBin{0.0, 1.0, 0.75, 2.5, 2.0, 7}}), HasSubstr("labels offset 0,0.9"));
+    EXPECT_THAT(scriptOf({}, {LagBin{0.0, 1.0, 0.75, 1.5, 2.0, 7}}), HasSubstr("labels left offset 0.7,-0.5"));
+    EXPECT_THAT(scriptOf({}, std::vector<LagBin>(31, LagBin{0.0, 1.0, 0.75, 1.5, 2.0, 7})), Not(HasSubstr("labels")));
 }
 
 TEST(VariogramPictureTest, SingleLagsAreDotsAndAreLeftOutWhereThereAreNone)
 {
-    const std::vector<fenn::LagGroup> groups{{0.5, 1.5, 2.0, 2}};
+    const std::vector<LagBin> lags{{0.5, 0.5, 0.5, 1.5, 2.0, 2}};
 
-    EXPECT_THAT(scriptOf(groups, {}), HasSubstr("\n0.5 1.5\n"));
-    EXPECT_THAT(scriptOf(groups, {}), HasSubstr("title 'pairs at one lag'"));
+    EXPECT_THAT(scriptOf(lags, {}), HasSubstr("\n0.5 1.5 2\n"));
+    EXPECT_THAT(scriptOf(lags, {}), HasSubstr("title 'pairs at one lag'"));
     EXPECT_THAT(scriptOf({}, {}), Not(HasSubstr("title 'pairs at one lag'")));
 }
 
 TEST(VariogramPictureTest, AFewPairsFarAboveTheOthersDoNotPressTheRestAgainstTheAxis)
 {
-    std::vector<fenn::LagGroup> groups(100, fenn::LagGroup{1.0, 2.0, 2.0, 2});
-    groups[50].empirical = 1e6;
+    std::vector<LagBin> lags(100, LagBin{1.0, 1.0, 1.0, 2.0, 2.0, 2});
+    lags[50].semivariance = 1e6;
 
-    EXPECT_THAT(scriptOf(groups, {}), HasSubstr("set yrange [0:4.4]")); // 1.1 times the curve's 4
+    EXPECT_THAT(scriptOf(lags, {}), HasSubstr("set yrange [0:4.6]")); // 1.15 times the curve's 4
 }
