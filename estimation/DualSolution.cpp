@@ -243,15 +243,9 @@ DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& par
         const double halfRange = 0.5 * *limits.second - 0.5 * *limits.first;
         Output& output = outputs[o];
         output.reference = *limits.first + halfRange; // exact for an output that is the same everywhere
-        int exponent = 0;
-        std::frexp(halfRange, &exponent);
-        output.scale = std::ldexp(1.0, -exponent);
         output.standardDeviation = std::sqrt(block.getOutputVarSampleVariance(static_cast<int>(o)));
         for (std::size_t i = 0; i < numPoints; ++i)
-        {
-            const kernels::WithError centred = kernels::subtractWithError(values[i], output.reference);
-            refinement.setObservation(o, i, {centred.value * output.scale, centred.error * output.scale});
-        }
+            refinement.setObservation(o, i, kernels::subtractWithError(values[i], output.reference));
     }
 
     for (std::size_t k = 0; k < numDriftTerms; ++k)
@@ -270,7 +264,7 @@ DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& par
             output.sumWeights = output.solutionNorm = output.correctionNorm = 0.0;
             for (std::size_t i = 0; i < numPoints; ++i)
             {
-                weights.push_back(solution[i] / output.scale);
+                weights.push_back(solution[i]);
                 output.sumWeights += std::fabs(solution[i]);
                 output.correctionNorm += std::fabs(correction[i]);
             }
@@ -278,7 +272,7 @@ DualSolution::DualSolution(const CovarianceSystem& system, const ModelParts& par
             for (std::size_t k = 0; k < numDriftTerms; ++k)
             {
                 const std::size_t row = system.getFirstDriftRow() + k;
-                coefficients.push_back(solution[row] / output.scale);
+                coefficients.push_back(solution[row]);
                 output.solutionNorm += driftScales[k] * std::fabs(solution[row]);
                 output.correctionNorm += driftScales[k] * std::fabs(correction[row]);
             }
@@ -347,14 +341,14 @@ double DualSolution::calcBound(std::size_t output, const double* driftTerms) con
     {
         const double magnitude = std::fabs(driftTerms[k]);
         amplification = std::max(amplification, magnitude / driftScales[k]);
-        sumDrift += magnitude * std::fabs(getCoefficients(output)[k]) * own.scale;
+        sumDrift += magnitude * std::fabs(getCoefficients(output)[k]);
     }
     const auto numUsedRows = static_cast<double>(numPoints + numDriftTerms);
     const double ofSolution =
         amplification * relativeError * (own.correctionNorm + numUsedRows * unitRoundoff * own.solutionNorm);
     const double ofSums = unitRoundoff * (8.0 * own.sumWeights + (static_cast<double>(numDriftTerms) + 4.0) * sumDrift);
     // What rounds here is far below a hundredth.
-    return 1.01 * (ofSolution + ofSums) / own.scale / own.standardDeviation;
+    return 1.01 * (ofSolution + ofSums) / own.standardDeviation;
 }
 
 } // namespace fenn::estimation

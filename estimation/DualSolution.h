@@ -54,7 +54,6 @@ private:
     struct Output
     {
         double reference = 0.0;
-        double scale = 1.0; // a power of two that brings the centred values to magnitudes below 1
         double standardDeviation = 0.0;
         double sumWeights = 0.0;     // of magnitudes
         double solutionNorm = 0.0;   // 1-norm of (w, S b); see driftScales

@@ -170,6 +170,20 @@ TEST(CovarianceEstimatorTest, AnswersAreThoseOfTheExactEngine)
     }
 }
 
+TEST(CovarianceEstimatorTest, NothingIsProvenWhereCorrectionsNeedNotConverge)
+{
+    // Two samples with the same output hardly apart: weights stay small, but the system is nearly singular.
+    Columns inputs = fenn::test::randomValues(1, 50, 0.0, 1.0, 21);
+    Columns outputs = fenn::test::randomValues(1, 50, 0.0, 1.0, 22);
+    outputs[0][9] = outputs[0][4];
+    for (const double distance : {1e-12, 2e-13})
+    {
+        inputs[0][9] = inputs[0][4] + distance;
+        EXPECT_EQ(refusalOf(SampleSet(inputs, outputs), {}),
+                  "the covariance form could be off by more than 1e-09 standard deviations");
+    }
+}
+
 TEST(CovarianceEstimatorTest, EveryNumberOfPointsIsAnswered)
 {
     for (std::size_t numSamples = 3; numSamples <= 75; ++numSamples)
