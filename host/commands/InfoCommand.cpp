@@ -16,9 +16,11 @@
 #include "host/model/ModelMemory.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleModel.h"
+#include "host/reports/RangeText.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
+#include "surrogatemodel_common/SurrogateModelInterface.h"
 
 namespace krige
 {
@@ -179,6 +181,20 @@ std::string suggestTargets(std::size_t numInputs)
     return grid;
 }
 
+/// A line for the range of the default settings; nothing where these make no model of the samples.
+std::string describeDefaultRange(const SampleTable& samples, const std::string& units)
+{
+    try
+    {
+        return "range: " + describeRange(samples, ModelOptions().settings, units) +
+               " by default; --range sets it, by a fraction or, with u behind it, in the inputs' units\n";
+    }
+    catch (const SurrogateModelInterface::Error&)
+    {
+        return {};
+    }
+}
+
 } // namespace
 
 InfoCommand::InfoCommand(CLI::App& command)
@@ -199,6 +215,7 @@ InfoCommand::InfoCommand(CLI::App& command)
             "--outputs", [this](const std::string& text) { outputNames = parseNames("--outputs", text); },
             "Columns of the values to estimate. Default: guessed likewise. Example: --outputs z")
         ->type_name("NAMES");
+    addUnitsOption(command, units);
     addDelimiterOption(command, reading);
     command.footer(
         "Prints what every column holds, how many samples coincide, the memory and time that a model over all "
@@ -252,6 +269,8 @@ void InfoCommand::run(std::ostream& out, Console& /*console*/) const
     else
         out << "coincident: " << merged.numMerged << " of " << numSamples
             << " samples coincide; --duplicates merge averages them and leaves " << numPoints << " points\n";
+
+    out << describeDefaultRange(samples, units);
 
     const double bytes = fenn::estimation::calcSystemBytes(merged.numPoints, columns.inputNames.size(), 0);
     const double available = findAvailableBytes();

@@ -31,6 +31,7 @@ private:
 
     std::string path;
     ReadSettings reading;
+    std::string units;                    // of the inputs; empty: not said
     std::vector<std::string> inputNames;  // empty: guessed
     std::vector<std::string> outputNames; // likewise
 };

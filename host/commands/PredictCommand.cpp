@@ -241,7 +241,7 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     report.variancesRejected(predictor.getNumWithoutVariance(), numTargets);
     report.finished(numTargets, predictor.getNumWithoutEstimate(), predictor.getLibrarySeconds());
     if (!plotPath.empty())
-        drawSurface(plotPath, samples, boxOf(grid, samples),
+        drawSurface(plotPath, samples, boxOf(grid, samples), options.units,
                     [&model](const Columns& at, Columns& estimates) { model.estimate(at, estimates); });
     output.commit();
 }

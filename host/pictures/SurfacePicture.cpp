@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "host/pictures/Gnuplot.h"
+#include "host/reports/RangeText.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
 
@@ -59,8 +60,9 @@ struct Slice
 class SurfaceDrawing
 {
 public:
-    SurfaceDrawing(const SampleTable& samples_, const std::vector<PictureAxis>& box_, const Estimator& estimate_)
-        : samples(samples_), box(box_), estimate(estimate_), sampleBox(boxOfSamples(samples_))
+    SurfaceDrawing(const SampleTable& samples_, const std::vector<PictureAxis>& box_, const std::string& units_,
+                   const Estimator& estimate_)
+        : samples(samples_), box(box_), units(units_), estimate(estimate_), sampleBox(boxOfSamples(samples_))
     {
         for (std::size_t v = 0; v < box.size(); ++v)
         {
@@ -97,9 +99,8 @@ private:
             const std::string line = picture.addData({targets[x], results[w]});
             std::vector<double> heights = results[w];
             std::string commands = "set grid lc rgb '#dddddd'\nset key outside top center horizontal\nset xlabel " +
-                                   quoteForGnuplot(samples.inputNames[x]) + "\n" + titleLine({x, x}, w) +
-                                   "set ylabel " + quoteForGnuplot(samples.outputNames[w]) + "\nset xrange " +
-                                   rangeOf(box[x]) + "\n";
+                                   axisLabel(x) + "\n" + titleLine({x, x}, w) + "set ylabel " +
+                                   quoteForGnuplot(samples.outputNames[w]) + "\nset xrange " + rangeOf(box[x]) + "\n";
             std::string dots;
             if (!drawn.empty())
             {
@@ -143,11 +144,11 @@ private:
         {
             const std::string surface = picture.addData({targets[slice.x], targets[slice.y], results[w]});
             picture.addPanel(viridisPalette + aspectLine(box[slice.x], box[slice.y]) + "unset key\n" +
-                             titleLine(slice, w) + "set xlabel " + quoteForGnuplot(samples.inputNames[slice.x]) +
-                             "\nset ylabel " + quoteForGnuplot(samples.inputNames[slice.y]) + "\nset cblabel " +
-                             quoteForGnuplot(samples.outputNames[w]) + "\nset xrange " + rangeOf(box[slice.x]) +
-                             "\nset yrange " + rangeOf(box[slice.y]) + "\nset cbrange " + plotRange(results[w], 0.0) +
-                             "\nplot " + surface + " using 1:2:3 with image notitle" + dots + "\n");
+                             titleLine(slice, w) + "set xlabel " + axisLabel(slice.x) + "\nset ylabel " +
+                             axisLabel(slice.y) + "\nset cblabel " + quoteForGnuplot(samples.outputNames[w]) +
+                             "\nset xrange " + rangeOf(box[slice.x]) + "\nset yrange " + rangeOf(box[slice.y]) +
+                             "\nset cbrange " + plotRange(results[w], 0.0) + "\nplot " + surface +
+                             " using 1:2:3 with image notitle" + dots + "\n");
         }
     }
 
@@ -205,13 +206,19 @@ private:
         for (std::size_t v = 0; v < box.size(); ++v)
         {
             if (v != slice.x && v != slice.y)
-                text += ", " + samples.inputNames[v] + " = " + formatFigure(fixedValues[v]);
+                text += ", " + samples.inputNames[v] + " = " + formatFigure(fixedValues[v]) + behindDistance(units);
         }
         return text.empty() ? "" : "set title " + quoteForGnuplot(samples.outputNames[output] + text) + "\n";
     }
 
+    std::string axisLabel(std::size_t input) const
+    {
+        return quoteForGnuplot(samples.inputNames[input] + (units.empty() ? "" : " (" + units + ")"));
+    }
+
     const SampleTable& samples;
     const std::vector<PictureAxis>& box;
+    const std::string& units;
     const Estimator& estimate;
     std::vector<PictureAxis> sampleBox;
     std::vector<double> fixedValues;  // of the inputs that a panel does not vary
@@ -232,10 +239,10 @@ std::vector<PictureAxis> boxOfSamples(const SampleTable& samples)
 }
 
 void drawSurface(const std::string& path, const SampleTable& samples, const std::vector<PictureAxis>& box,
-                 const Estimator& estimate)
+                 const std::string& units, const Estimator& estimate)
 {
     Picture picture;
-    const SurfaceDrawing drawing(samples, box, estimate);
+    const SurfaceDrawing drawing(samples, box, units, estimate);
     drawing.addAll(picture);
     picture.save(path);
 }

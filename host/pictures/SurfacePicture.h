@@ -28,9 +28,9 @@ using Estimator =
 /// surfaces over the pairs of inputs (sixteen panels at most), the other inputs at their means over the samples.
 /// Samples are drawn over them; on a slice, those that are no farther from it than a tenth of the box.
 ///
-/// Throws as estimate and Picture::save.
+/// units: of the inputs, named beside each; may be empty. Throws as estimate and Picture::save.
 void drawSurface(const std::string& path, const SampleTable& samples, const std::vector<PictureAxis>& box,
-                 const Estimator& estimate);
+                 const std::string& units, const Estimator& estimate);
 
 } // namespace krige
 

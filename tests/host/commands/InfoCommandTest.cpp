@@ -51,6 +51,13 @@ TEST_F(InfoCommandTest, TheSuggestionIsACommandForTheGuessedColumns)
                           " --inputs x,y --outputs z --grid 200x200 -o estimates.csv\n"));
 }
 
+TEST_F(InfoCommandTest, TheDefaultRangeIsSaidInTheInputsUnits)
+{
+    EXPECT_THAT(printed("x,y,z\n0,0,1\n30,0,2\n0,40,3\n30,40,4\n", {"--units", "km"}),
+                HasSubstr("\nrange: 42.4264 km in 'x', 56.5685 km in 'y' (1 of the normalised diagonal) by default; "));
+    EXPECT_THAT(printed("x,y,z\n0,0,1\n30,0,2\n"), testing::Not(HasSubstr("\nrange: "))); // y has one value
+}
+
 TEST_F(InfoCommandTest, CoincidentSamplesAreCountedAndTheSuggestionMergesThem)
 {
     const std::string text = printed("x,z\n0,1\n0,2\n1,3\n2,4\n");

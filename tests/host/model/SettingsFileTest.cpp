@@ -55,6 +55,16 @@ TEST(SettingsFileTest, ARangeInInputUnitsIsAText)
     EXPECT_EQ(readBack(settings).rangeInInputUnits, settings.rangeInInputUnits);
 }
 
+TEST(SettingsFileTest, TextsInAnArrayKeepTheirQuotesApart)
+{
+    const TemporaryFolder folder;
+    Settings settings;
+    krige::readSettingsFile(folder.write("s.toml", "sill = [\"auto\", \"sample\"]\n"), settings);
+
+    ASSERT_EQ(settings.sills.size(), 2u);
+    EXPECT_EQ(settings.sills[1].rule, krige::SillChoice::Rule::Sample);
+}
+
 TEST(SettingsFileTest, DefaultsReadBackAsDefaults)
 {
     const Settings result = readBack(Settings());

@@ -44,10 +44,10 @@ struct SumEstimator
 };
 
 /// The gnuplot script of a picture over the samples' box.
-std::string scriptOf(const SampleTable& samples, SumEstimator& estimator)
+std::string scriptOf(const SampleTable& samples, SumEstimator& estimator, const std::string& units = "")
 {
     const TemporaryFolder folder;
-    krige::drawSurface(folder.pathOf("p.gp"), samples, krige::boxOfSamples(samples),
+    krige::drawSurface(folder.pathOf("p.gp"), samples, krige::boxOfSamples(samples), units,
                        [&](const Columns& targets, Columns& results) { estimator(targets, results); });
     return folder.read("p.gp");
 }
@@ -63,6 +63,15 @@ TEST(SurfacePictureTest, TheBoxReachesFromTheLeastToTheGreatestSample)
     EXPECT_EQ(box[0].high, 3.0);
     EXPECT_EQ(box[1].low, 7.0);
     EXPECT_EQ(box[1].high, 7.0);
+}
+
+TEST(SurfacePictureTest, TheUnitStandsBesideEveryInput)
+{
+    const SampleTable samples{"s.csv", {"x", "y", "d"}, {"z"}, {{1, 3}, {5, 7}, {1, 2}}, {{0, 5}}};
+    SumEstimator estimator;
+    const std::string script = scriptOf(samples, estimator, "m");
+
+    EXPECT_THAT(script, HasSubstr("set title 'z, d = 1.5 m'\nset xlabel 'x (m)'\nset ylabel 'y (m)'\n"));
 }
 
 TEST(SurfacePictureTest, OneInputIsDrawnAsALineOverTheBox)

@@ -45,6 +45,13 @@ test_OptionsOfTheSubcommandAreOffered()
     offers --leave-one-out
 }
 
+test_UnitsOfLagsAreOffered()
+{
+    completed variogram samples.csv --lag ''
+    offers normalised
+    offers units
+}
+
 test_FilesAreOffered()
 {
     : >'my samples.csv'
