@@ -44,6 +44,14 @@ std::string_view withoutBrackets(std::string_view value)
     return value;
 }
 
+/// Of a single text; those of an array keep theirs.
+std::string_view withoutQuotes(std::string_view value)
+{
+    if (value.size() < 2 || value.front() != '"' || value.find('"', 1) != value.size() - 1)
+        return value;
+    return value.substr(1, value.size() - 2);
+}
+
 void appendSetting(std::string& text, const char* key, const std::string& value)
 {
     text += std::string(key) + " = " + value + '\n';
@@ -99,7 +107,7 @@ void readSettingsFile(const std::string& path, Settings& settings)
             throw InputError::atLine(
                 path, lineNumber, quoteForMessage(line) + " is no setting; write KEY = VALUE, for instance drift = 1");
         const std::string key(trimBlanks(line.substr(0, equals)));
-        const std::string value(withoutBrackets(trimBlanks(line.substr(equals + 1))));
+        const std::string value(withoutQuotes(withoutBrackets(trimBlanks(line.substr(equals + 1)))));
         const auto known = lineOfKey.emplace(key, lineNumber);
         if (!known.second)
             throw InputError::atLine(path, lineNumber,
