@@ -16,6 +16,7 @@
 #include "host/model/ModelMemory.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleModel.h"
+#include "host/model/SuspiciousValues.h"
 #include "host/reports/RangeText.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
@@ -142,6 +143,21 @@ std::string withoutControls(std::string text)
     return text;
 }
 
+/// Whether a column that is used has cells without a number that no mark stands for.
+bool needsSkipping(const FileSurvey& survey, const ColumnGuess& used)
+{
+    return std::any_of(survey.columns.begin(), survey.columns.end(),
+                       [&](const ColumnSurvey& column)
+                       {
+                           const auto isAmong = [&](const std::vector<std::string>& names)
+                           {
+                               return std::find(names.begin(), names.end(), column.name) != names.end();
+                           };
+                           return column.numMissing + column.numOthers > column.numMarked &&
+                                  (isAmong(used.inputNames) || isAmong(used.outputNames));
+                       });
+}
+
 /// As one word of a shell's command.
 std::string quoteForShell(const std::string& word)
 {
@@ -217,9 +233,10 @@ InfoCommand::InfoCommand(CLI::App& command)
         ->type_name("NAMES");
     addUnitsOption(command, units);
     addDelimiterOption(command, reading);
-    command.footer(
-        "Prints what every column holds, how many samples coincide, the memory and time that a model over all "
-        "samples takes, and a command to begin with.\n\nExample:\n  krige info samples.csv");
+    addMissingOption(command, reading);
+    command.footer("Prints what every column holds, values in it that may stand for no value, how many samples "
+                   "coincide, the memory and time that a model over all "
+                   "samples takes, and a command to begin with.\n\nExample:\n  krige info samples.csv");
 }
 
 ColumnGuess InfoCommand::chooseColumns(const FileSurvey& survey) const
@@ -245,6 +262,12 @@ void InfoCommand::run(std::ostream& out, Console& /*console*/) const
         out << "uneven: " << countOf(survey.numUnevenRows, "row")
             << " not as long as the header row, the first in line " << survey.firstUnevenLine
             << "; predict does not take them\n";
+
+    for (const ColumnSurvey& column : survey.columns)
+    {
+        for (const std::string& warning : warningsOfColumn(column.name, column.values))
+            out << warning << '\n';
+    }
 
     const ColumnGuess columns = chooseColumns(survey);
     if (columns.inputNames.empty())
@@ -288,7 +311,9 @@ void InfoCommand::run(std::ostream& out, Console& /*console*/) const
     if (reading.delimiter != '\0')
         command +=
             " --delimiter " + quoteForShell(reading.delimiter == '\t' ? "tab" : std::string(1, reading.delimiter));
-    if (samples.numSkipped > 0)
+    if (!reading.missing.isEmpty())
+        command += " --missing " + quoteForShell(reading.missing.getText());
+    if (needsSkipping(survey, columns))
         command += " --skip-missing";
     if (merged.numMerged > 0)
         command += " --duplicates merge";

@@ -16,6 +16,7 @@
 #include "host/model/OutputSill.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
+#include "host/model/SuspiciousValues.h"
 #include "host/pictures/Gnuplot.h"
 #include "host/pictures/ValidationPicture.h"
 #include "host/reports/Report.h"
@@ -208,6 +209,8 @@ ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& c
     if (truth.numSkipped > 0)
         console.getReport() << "skipped: " << countOf(truth.numSkipped, "row") << " of " << truthPath
                             << ", with a missing value\n";
+    for (const std::string& warning : warningsOfSamples(truth))
+        console.getReport() << warning << '\n';
     ValidationResult result = resultFor(samples);
     result.inputs = truth.inputs;
     result.truths = truth.outputs;

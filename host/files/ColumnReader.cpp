@@ -108,13 +108,20 @@ double ColumnReader::parseField(std::size_t column) const
     const std::string_view text = record[fieldOfColumn[column]];
     double value = 0.0;
     const NumberStatus status = parseNumber(text, value);
+    if (!settings.missing.isEmpty() && settings.missing.contains(text, status, value))
+        return std::numeric_limits<double>::quiet_NaN();
     if (status == NumberStatus::Ok)
         return value;
-    if (settings.skipMissing && (status == NumberStatus::Missing || status == NumberStatus::Malformed))
+    const bool isSkipped =
+        status == NumberStatus::Missing || (status == NumberStatus::Malformed && settings.missing.isEmpty());
+    if (settings.skipMissing && isSkipped)
         return std::numeric_limits<double>::quiet_NaN();
     std::string fault = describeNumberFault(text, status);
     if (status == NumberStatus::Missing)
         fault += "; --skip-missing leaves such rows out";
+    else if (status == NumberStatus::Malformed)
+        fault += settings.missing.isEmpty() ? "; if it stands for no value, name it with --missing"
+                                            : ", nor one of --missing; if it stands for no value, add it there";
     throw InputError::atColumn(getPath(), record.getLine(), names[column], fault);
 }
 

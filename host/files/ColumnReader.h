@@ -17,8 +17,8 @@ namespace krige
 /// them. Their order does not matter, and columns that were not asked for are ignored.
 ///
 /// Errors are InputError with file, line and column: an unknown name, a chosen name that the header has twice, a row
-/// that is not as long as the header, and, unless missing values are skipped, a missing value or a text that is no
-/// number. A number outside the range of double is always an error: it is not missing.
+/// that is not as long as the header, and a missing value or a text that is no number, unless it is a mark for a
+/// missing value or such cells are skipped. A number outside the range of double is always an error: it is not missing.
 class ColumnReader
 {
 public:
@@ -27,8 +27,7 @@ public:
                  const std::vector<std::string>& textNames = {});
 
     /// Replaces columns, one per name in the order of the names, by the values of up to maxRows rows; returns the
-    /// number of rows, 0 at the end of the file. A value is NaN only where it is missing and missing values are
-    /// skipped.
+    /// number of rows, 0 at the end of the file. A value is NaN only where it is missing and that is no error.
     std::size_t read(std::vector<std::vector<double>>& columns, std::size_t maxRows);
 
     /// Skips up to maxRows rows without a look at their fields; returns their number.

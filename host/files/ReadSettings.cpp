@@ -44,12 +44,25 @@ void addDelimiterOption(CLI::App& command, ReadSettings& reading)
         ->type_name("C");
 }
 
+void addMissingOption(CLI::App& command, ReadSettings& reading)
+{
+    command
+        .add_option_function<std::string>(
+            "--missing", [&](const std::string& text) { reading.missing = MissingMarks("--missing", text); },
+            "Texts and numbers that stand for no value in the columns of numbers: samples with one of them in a used "
+            "column are left out, and such targets get nan. A number is meant however it is written; an empty word "
+            "stands for empty cells. Default: none. Example: --missing -9999,NA")
+        ->type_name("WORDS");
+}
+
 void addReadOptions(CLI::App& command, ReadSettings& reading)
 {
     addDelimiterOption(command, reading);
+    addMissingOption(command, reading);
     command.add_flag("--skip-missing", reading.skipMissing,
                      "Leave out samples with an empty or non-numeric cell in a used column, and give nan for such "
-                     "targets. Default: they are an error. Example: --skip-missing");
+                     "targets; with --missing, texts that it does not list stay an error. Default: they are an error. "
+                     "Example: --skip-missing");
 }
 
 } // namespace krige

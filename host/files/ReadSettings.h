@@ -1,6 +1,8 @@
 #ifndef FENN_HOST_FILES_READSETTINGS_H
 #define FENN_HOST_FILES_READSETTINGS_H
 
+#include "host/files/MissingMarks.h"
+
 namespace CLI
 {
 class App;
@@ -13,14 +15,18 @@ namespace krige
 struct ReadSettings
 {
     char delimiter = '\0';    // NUL: chosen by the header row
-    bool skipMissing = false; // a cell without a number is no error
+    bool skipMissing = false; // a cell without a number is no error, with marks: an empty one
+    MissingMarks missing;     // cells with one of these hold no value
 };
 
 /// Adds --delimiter to a subcommand; reading must live until the command line has been parsed. A value that cannot be
 /// a delimiter ends parsing with UsageError.
 void addDelimiterOption(CLI::App& command, ReadSettings& reading);
 
-/// Adds --delimiter and --skip-missing.
+/// Adds --missing likewise.
+void addMissingOption(CLI::App& command, ReadSettings& reading);
+
+/// Adds --delimiter, --missing and --skip-missing.
 void addReadOptions(CLI::App& command, ReadSettings& reading);
 
 } // namespace krige

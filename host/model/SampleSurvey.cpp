@@ -19,12 +19,18 @@ namespace
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-void addCell(ColumnSurvey& column, std::string_view text)
+void addCell(ColumnSurvey& column, std::string_view text, const MissingMarks& marks)
 {
     double value = nan;
     const NumberStatus status = parseNumber(text, value);
-    column.values.push_back(value);
-    if (status == NumberStatus::Ok)
+    const bool isMarked = marks.contains(text, status, value);
+    column.values.push_back(isMarked ? nan : value);
+    if (isMarked)
+    {
+        ++column.numMissing;
+        ++column.numMarked;
+    }
+    else if (status == NumberStatus::Ok)
     {
         column.min = column.numNumbers == 0 ? value : std::min(column.min, value);
         column.max = column.numNumbers == 0 ? value : std::max(column.max, value);
@@ -101,7 +107,7 @@ FileSurvey surveyFile(const std::string& path, const ReadSettings& reading)
         if (record.getNumFields() != survey.columns.size() && ++survey.numUnevenRows == 1)
             survey.firstUnevenLine = record.getLine();
         for (std::size_t i = 0; i < survey.columns.size(); ++i)
-            addCell(survey.columns[i], i < record.getNumFields() ? record[i] : std::string_view());
+            addCell(survey.columns[i], i < record.getNumFields() ? record[i] : std::string_view(), reading.missing);
     }
     for (ColumnSurvey& column : survey.columns)
     {

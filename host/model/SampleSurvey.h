@@ -17,7 +17,8 @@ struct ColumnSurvey
     std::string name;
     std::vector<double> values;  // per row, NaN where there is no number
     std::size_t numNumbers = 0;  // finite doubles
-    std::size_t numMissing = 0;  // blank, an infinity or a NaN, or beyond the end of a row that is too short
+    std::size_t numMissing = 0;  // a mark, blank, an infinity or a NaN, or beyond the end of a row that is too short
+    std::size_t numMarked = 0;   // of the missing ones, by a mark
     std::size_t numOthers = 0;   // texts, numbers beyond the doubles
     double min = 0.0, max = 0.0; // of the numbers; NaN without any
 

@@ -6,6 +6,7 @@
 
 #include "estimation/SystemInverse.h"
 #include "host/model/ModelFailure.h"
+#include "host/model/SuspiciousValues.h"
 #include "host/reports/RangeText.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
@@ -49,6 +50,8 @@ void Report::samplesRead(const SampleTable& samples)
         stream << "skipped: " << samples.numSkipped << " of "
                << countOf(samples.numSkipped + samples.lines.size(), "row") << " of " << samples.path
                << ", with a missing value\n";
+    for (const std::string& warning : warningsOfSamples(samples))
+        stream << warning << '\n';
 }
 
 void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
