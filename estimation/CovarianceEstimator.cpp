@@ -25,8 +25,8 @@ namespace
 using kernels::stripWidth;
 
 // Most targets that a thread takes at a time. Estimates alone: so many that eight neighbours among them lie close
-// together. With variances each holds a column of the right-hand sides: the more, the less often the factor is read
-// from memory.
+// together. With variances or drift products each holds a column of the right-hand sides: the more, the less often the
+// factor is read from memory.
 constexpr std::size_t targetsPerRange = 4096;
 constexpr std::size_t columnsPerRange = 128;
 
@@ -83,11 +83,14 @@ public:
         }
     }
 
-    void estimateWithVariances(std::size_t first, std::size_t count)
+    /// With variances and drift products, as far as they are wanted.
+    void estimateBySolving(std::size_t first, std::size_t count)
     {
         places.resize(count);
         std::iota(places.begin(), places.end(), first);
-        const StripStore store(system.getNumRows(), (count + stripWidth - 1) / stripWidth);
+        const std::size_t numStrips = (count + stripWidth - 1) / stripWidth;
+        const StripStore store(system.getNumRows(), numStrips);
+        const StripStore driftTerms(numDriftTerms, results.driftProducts != nullptr ? numStrips : 0);
         for (std::size_t done = 0; done < count; done += stripWidth)
         {
             const std::size_t numLanes = std::min(stripWidth, count - done);
@@ -96,10 +99,20 @@ public:
             system.writeRightHandSides(lanes.data(), strip, scratch.data());
             kernels::sumLines(strip, system.getNumPoints(), solution.getWeights(), sums.data());
             write(done, numLanes, strip + stripWidth * system.getFirstDriftRow());
+            if (results.driftProducts != nullptr)
+                std::copy_n(strip + stripWidth * system.getFirstDriftRow(), stripWidth * numDriftTerms,
+                            driftTerms.getStrip(done / stripWidth));
         }
         system.substitute(store.getGroup());
         for (std::size_t done = 0; done < count; done += stripWidth)
-            writeVariances(done, std::min(stripWidth, count - done), store.getStrip(done / stripWidth));
+        {
+            const std::size_t numLanes = std::min(stripWidth, count - done);
+            double* strip = store.getStrip(done / stripWidth);
+            if (results.variances != nullptr)
+                writeVariances(done, numLanes, strip);
+            if (results.driftProducts != nullptr)
+                writeDriftProducts(done, numLanes, strip, driftTerms.getStrip(done / stripWidth));
+        }
     }
 
 private:
@@ -179,6 +192,18 @@ private:
             results.variances[places[begin + t]] = (1.0 - ofPoints[t]) + ofDrift[t];
     }
 
+    /// mu^T f. The multipliers of the covariance form are -mu: subtracting its equations from the sill turns C lambda +
+    /// F nu = c into Gamma lambda - F nu = gamma. Uses up the drift rows of the strip.
+    void writeDriftProducts(std::size_t begin, std::size_t numLanes, double* strip, double* driftTerms)
+    {
+        double* const multipliers = strip + stripWidth * system.getFirstDriftRow();
+        system.substituteDriftBack(multipliers);
+        double products[stripWidth];
+        kernels::sumProducts({multipliers, 0, 1}, {driftTerms, 0, 1}, numDriftTerms, products);
+        for (std::size_t t = 0; t < numLanes; ++t)
+            results.driftProducts[places[begin + t]] = products[t];
+    }
+
     const CovarianceEstimator& estimator;
     const CovarianceSystem& system;
     const DualSolution& solution;
@@ -255,19 +280,18 @@ void CovarianceEstimator::estimate(const Targets& targets, const Results& result
 {
     if (targets.count == 0)
         return;
-    const bool wantsVariances = results.variances != nullptr;
+    const bool solves = results.variances != nullptr || results.driftProducts != nullptr;
     const auto numPoints = static_cast<double>(system->getNumPoints());
-    const double workPerTarget = wantsVariances ? numPoints * (10.0 + 0.5 * numPoints) : numPoints * 10.0;
+    const double workPerTarget = solves ? numPoints * (10.0 + 0.5 * numPoints) : numPoints * 10.0;
     const std::size_t numRanges =
         static_cast<double>(targets.count) * workPerTarget < minSharedWork ? 1 : threads->getNumThreads();
     const std::size_t share = (targets.count + numRanges - 1) / numRanges;
-    threads->run(targets.count,
-                 std::min(wantsVariances ? columnsPerRange : targetsPerRange, kernels::roundUpToStrip(share)),
+    threads->run(targets.count, std::min(solves ? columnsPerRange : targetsPerRange, kernels::roundUpToStrip(share)),
                  [&](std::size_t, std::size_t first, std::size_t end)
                  {
                      Request request(*this, targets, results);
-                     if (wantsVariances)
-                         request.estimateWithVariances(first, end - first);
+                     if (solves)
+                         request.estimateBySolving(first, end - first);
                      else
                          request.estimate(first, end - first);
                  });

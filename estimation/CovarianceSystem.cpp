@@ -293,6 +293,22 @@ void CovarianceSystem::substitute(const kernels::StripGroup& group, std::size_t 
     kernels::substituteLower(triangle, workspace.data(), group, firstRow / triangleTileRows);
 }
 
+void CovarianceSystem::substituteDriftBack(double* driftRows) const
+{
+    const std::size_t first = triangle.numPositive;
+    for (std::size_t k = numDriftTerms; k-- > 0;)
+    {
+        double* const row = driftRows + stripWidth * k;
+        for (std::size_t i = k + 1; i < numDriftTerms; ++i)
+        {
+            for (std::size_t t = 0; t < stripWidth; ++t)
+                row[t] -= triangle.at(first + i, first + k) * driftRows[stripWidth * i + t];
+        }
+        for (std::size_t t = 0; t < stripWidth; ++t)
+            row[t] /= triangle.at(first + k, first + k);
+    }
+}
+
 void CovarianceSystem::solve(const kernels::StripGroup& group) const
 {
     kernels::substituteLower(triangle, workspace.data(), group);

@@ -81,6 +81,11 @@ public:
     /// it are zeros and are neither read nor written.
     void substitute(const kernels::StripGroup& group, std::size_t firstRow = 0) const;
 
+    /// What is left of K X = B in the rows of the drift terms once substitute has been applied, up to the sign: entries
+    /// of a strip from getFirstDriftRow on, R^-1 g, become R^-T R^-1 g. For a target's right-hand side these are its
+    /// Lagrange multipliers mu as the semivariogram form has them.
+    void substituteDriftBack(double* driftRows) const;
+
     /// K X = B.
     void solve(const kernels::StripGroup& group) const;
 

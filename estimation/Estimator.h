@@ -26,6 +26,8 @@ struct Results
 {
     std::vector<double*> estimates; // one array per output variable of the samples, raw units
     double* variances = nullptr;    // null: not wanted; Kriging variance for a sill of 1, the same for every output
+    // null: not wanted; mu^T f, the drift's share of the variance for a sill of 1 (see KrigingMatrix)
+    double* driftProducts = nullptr;
 };
 
 /// Which engine answers and how far off it can be, for the caller's report.
@@ -40,8 +42,8 @@ struct EngineReport
 /// A model that answers targets: one interface, several engines behind it.
 ///
 /// An estimator answers any number of requests; what it answers depends on samples, settings and target alone, never
-/// on how targets are divided into requests, on the number of threads or on whether variances are wanted. It refers to
-/// the samples that it was made from, which must outlive it. Requests of several threads must not overlap.
+/// on how targets are divided into requests, on the number of threads or on what is wanted beside the estimates. It
+/// refers to the samples that it was made from, which must outlive it. Requests of several threads must not overlap.
 class Estimator
 {
 public:

@@ -53,6 +53,8 @@ public:
         }
         if (results.variances != nullptr)
             results.variances[0] = system.dotProduct(solution.data(), rightHandSide.data());
+        if (results.driftProducts != nullptr)
+            results.driftProducts[0] = system.calcDriftProduct(solution.data(), rightHandSide.data());
     }
 
 private:
@@ -76,22 +78,24 @@ ExactEstimator::ExactEstimator(std::shared_ptr<const ModelParts> parts_, const M
     std::string system;
     if (usesAllPoints(settings, numPoints))
     {
-        auto global = std::make_unique<AllPtsKrigingController>(&block, semivariogram, settings.driftOrder,
-                                                                chooseThreadCount(numThreads));
+        global = std::make_unique<AllPtsKrigingController>(&block, semivariogram, settings.driftOrder,
+                                                           chooseThreadCount(numThreads));
         callingThread = std::make_unique<CallingThread>(*global, getParts());
-        controller = std::move(global);
         system = "one system over all " + std::to_string(numPoints) + " points";
     }
     else
     {
-        controller = std::make_unique<NPtsKrigingController>(&block, semivariogram, settings.driftOrder,
-                                                             settings.numNearestPoints);
+        local = std::make_unique<NPtsKrigingController>(&block, semivariogram, settings.driftOrder,
+                                                        settings.numNearestPoints);
         system = "a system per target over the nearest " + std::to_string(settings.numNearestPoints) + " of " +
                  std::to_string(numPoints) + " points";
     }
     for (int outputVar = 0; outputVar < block.getNumOutputVars(); ++outputVar)
         outputVars.insert(outputVars.end(), outputVar);
-    controller->setOutputVars(outputVars);
+    if (global)
+        global->setOutputVars(outputVars);
+    else
+        local->setOutputVars(outputVars);
 
     report.engine = "exact";
     report.sentence = "exact: " + system + ", to the bits of the plug-in" + (reason.empty() ? "" : "; " + reason);
@@ -119,8 +123,12 @@ void ExactEstimator::estimate(const Targets& targets, const Results& results) co
         std::vector<double*> variances;
         if (results.variances != nullptr) // the same for every output: they may all go to one place
             variances.assign(values.size(), results.variances + first);
-        controller->interpolate(coords, outputVars, static_cast<int>(std::min(mostTargets, targets.count - first)),
-                                values, variances);
+        double* const driftProducts = results.driftProducts == nullptr ? nullptr : results.driftProducts + first;
+        const auto count = static_cast<int>(std::min(mostTargets, targets.count - first));
+        if (global)
+            global->interpolateWithDrift(coords, outputVars, count, values, variances, driftProducts);
+        else
+            local->interpolateWithDrift(coords, outputVars, count, values, variances, driftProducts);
     }
 }
 

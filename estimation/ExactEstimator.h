@@ -9,7 +9,8 @@
 #include "estimation/Estimator.h"
 #include "estimation/ModelSettings.h"
 
-class KrigingControllerAbstract;
+class AllPtsKrigingController;
+class NPtsKrigingController;
 
 namespace fenn::estimation
 {
@@ -36,7 +37,9 @@ private:
     class CallingThread;
 
     std::set<int> outputVars; // all of them
-    std::unique_ptr<KrigingControllerAbstract> controller;
+    // One of them:
+    std::unique_ptr<AllPtsKrigingController> global;
+    std::unique_ptr<NPtsKrigingController> local;
     std::unique_ptr<CallingThread> callingThread; // null for a local model, which uses no pool
     EngineReport report;
 };

@@ -206,9 +206,8 @@ void LocalSystems::write(std::size_t first, std::size_t count, unsigned odd, con
 {
     double sums[width];
     // Starting with the first product, as KrigingMatrix::estimate and Matrix::dotProduct do.
-    const auto sumUp = [&](const double* factors, std::size_t numFactors)
+    const auto sumUp = [&](const double* weights, const double* factors, std::size_t numFactors)
     {
-        const double* weights = solutions.data();
         for (std::size_t k = 0; k < width; ++k)
             sums[k] = weights[k] * factors[k];
         for (std::size_t j = 1; j < numFactors; ++j)
@@ -227,13 +226,19 @@ void LocalSystems::write(std::size_t first, std::size_t count, unsigned odd, con
     };
     for (std::size_t o = 0; o < results.estimates.size(); ++o)
     {
-        sumUp(outputs.data() + o * numNeighbours * width, numNeighbours);
+        sumUp(solutions.data(), outputs.data() + o * numNeighbours * width, numNeighbours);
         writeTo(results.estimates[o]);
     }
     if (results.variances != nullptr)
     {
-        sumUp(rightHandSides.data(), numRows);
+        sumUp(solutions.data(), rightHandSides.data(), numRows);
         writeTo(results.variances);
+    }
+    if (results.driftProducts != nullptr)
+    {
+        const std::size_t firstDriftRow = numNeighbours * width;
+        sumUp(solutions.data() + firstDriftRow, rightHandSides.data() + firstDriftRow, numRows - numNeighbours);
+        writeTo(results.driftProducts);
     }
 }
 
@@ -251,6 +256,8 @@ void LocalSystems::answerAlone(const Lane& lane, std::size_t t, const Results& r
         results.estimates[o][t] = system.estimate(static_cast<int>(o), lane.points, solution.data());
     if (results.variances != nullptr)
         results.variances[t] = system.dotProduct(solution.data(), rightHandSide.data());
+    if (results.driftProducts != nullptr)
+        results.driftProducts[t] = system.calcDriftProduct(solution.data(), rightHandSide.data());
 }
 
 } // namespace fenn::estimation

@@ -37,6 +37,14 @@ const KrigingMatrix& AllPtsKrigingController::getSystem() const
 void AllPtsKrigingController::interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars,
                                           int numTargets, std::vector<double*>& values, std::vector<double*>& variances)
 {
+    interpolateWithDrift(targetCoords, outputVars, numTargets, values, variances, nullptr);
+}
+
+void AllPtsKrigingController::interpolateWithDrift(const std::vector<double*>& targetCoords,
+                                                   const std::set<int>& outputVars, int numTargets,
+                                                   std::vector<double*>& values, std::vector<double*>& variances,
+                                                   double* driftProducts)
+{
     const auto normalizerOf = [this](int outputVar) -> const Normalizer&
     {
         return getOutputNormalizer(outputVar);
@@ -56,17 +64,19 @@ void AllPtsKrigingController::interpolate(const std::vector<double*>& targetCoor
                                  &outputVars, ranges[k].first, ranges[k].count, &values, &variances, &failures[k]);
     };
     const fenn::BatchInputs* const shared = batchInputs ? &*batchInputs : nullptr;
-    const auto makeTask = [&taskOf, shared](int r, fenn::TaskTicket ticket)
+    const auto makeTask = [&taskOf, shared, driftProducts](int r, fenn::TaskTicket ticket)
     {
         std::unique_ptr<InterpolationTask> task(new InterpolationTask(taskOf(r)));
         task->setBatchInputs(shared);
+        task->setDriftProducts(driftProducts);
         task->setTicket(std::move(ticket));
         return task;
     };
-    const auto runHere = [&taskOf, shared](int r)
+    const auto runHere = [&taskOf, shared, driftProducts](int r)
     {
         InterpolationTask task = taskOf(r);
         task.setBatchInputs(shared);
+        task.setDriftProducts(driftProducts);
         task.run();
     };
     poolGuard.run(static_cast<int>(ranges.size()), makeTask, runHere);

@@ -36,6 +36,11 @@ public:
     void interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars, int numTargets,
                      std::vector<double*>& values, std::vector<double*>& variances) override;
 
+    /// The same, and mu^T f of each target (KrigingMatrix::calcDriftProduct) to an array of its own; null: not wanted.
+    /// No bit of values and variances depends on it.
+    void interpolateWithDrift(const std::vector<double*>& targetCoords, const std::set<int>& outputVars, int numTargets,
+                              std::vector<double*>& values, std::vector<double*>& variances, double* driftProducts);
+
     /// The factorised system over all unblanked points: entry i of getAllUnblankedPts owns row i.
     const KrigingMatrix& getSystem() const;
 

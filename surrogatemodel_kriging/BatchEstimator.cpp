@@ -38,6 +38,13 @@ double* laneOf(const kernels::StripGroup& group, int t)
     return group.strips + group.stride * toIndex(t / laneCount) + toIndex(t % laneCount);
 }
 
+/// The entries of a group's targets from this one on.
+kernels::StripGroup fromRow(kernels::StripGroup group, std::size_t row)
+{
+    group.strips += stripWidth * row;
+    return group;
+}
+
 } // namespace
 
 BatchEstimator::BatchEstimator(const KrigingMatrix& krigingMatrix_, const BatchInputs& inputs_, bool wantsVariances_,
@@ -72,6 +79,11 @@ void BatchEstimator::layOutGroups(int maxTargets)
         groups[g].solutions = {next + numStrips * stride, stride, 0};
         next += 2 * numStrips * stride;
     }
+}
+
+void BatchEstimator::setDriftProducts(double* driftProducts_)
+{
+    driftProducts = driftProducts_;
 }
 
 void BatchEstimator::evaluate(const Arrays& targetCoords, int first, int count, const Arrays& values,
@@ -176,11 +188,19 @@ void BatchEstimator::write(const Group& group, const Arrays& values, const Array
         for (std::size_t t = 0; t < toIndex(group.numTargets); ++t)
             target_[t] = inputs.isCentred[o] ? sum[t] + inputs.references[o] : sum[t];
     }
-    if (!wantsVariances)
-        return;
-    kernels::sumProducts(group.solutions, group.rightHandSides, dimension, varianceSums.data());
-    for (std::size_t o = 0; o < inputs.outputs.size(); ++o)
-        std::copy_n(varianceSums.data(), group.numTargets, variances[o] + group.firstTarget);
+    if (wantsVariances)
+    {
+        kernels::sumProducts(group.solutions, group.rightHandSides, dimension, productSums.data());
+        for (std::size_t o = 0; o < inputs.outputs.size(); ++o)
+            std::copy_n(productSums.data(), group.numTargets, variances[o] + group.firstTarget);
+    }
+    if (driftProducts != nullptr)
+    {
+        const std::size_t numPts = inputs.points.getNumPts();
+        kernels::sumProducts(fromRow(group.solutions, numPts), fromRow(group.rightHandSides, numPts),
+                             dimension - numPts, productSums.data());
+        std::copy_n(productSums.data(), group.numTargets, driftProducts + group.firstTarget);
+    }
 }
 
 void BatchEstimator::solveSingly(const Group& group, const Arrays& values, const Arrays& variances)
@@ -192,9 +212,16 @@ void BatchEstimator::solveSingly(const Group& group, const Arrays& values, const
             column[j] = rightHandSide[j * stripWidth];
         krigingMatrix.luSolve(column.data());
 
-        double variance = column[0] * rightHandSide[0];
-        for (std::size_t j = 1; j < dimension; ++j)
-            variance += column[j] * rightHandSide[j * stripWidth];
+        const auto sumFrom = [&](std::size_t first)
+        {
+            double sum = column[first] * rightHandSide[first * stripWidth];
+            for (std::size_t j = first + 1; j < dimension; ++j)
+                sum += column[j] * rightHandSide[j * stripWidth];
+            return sum;
+        };
+        const double variance = sumFrom(0);
+        if (driftProducts != nullptr)
+            driftProducts[group.firstTarget + t] = sumFrom(inputs.points.getNumPts());
         for (std::size_t o = 0; o < inputs.outputs.size(); ++o)
         {
             double sum = column[0] * inputs.outputs[o][0];

@@ -25,6 +25,9 @@ public:
     BatchEstimator(const KrigingMatrix& krigingMatrix_, const BatchInputs& inputs_, bool wantsVariances_,
                    int maxTargets);
 
+    /// Where evaluate leaves mu^T f of target t, at t (KrigingMatrix::calcDriftProduct); null: nowhere.
+    void setDriftProducts(double* driftProducts_);
+
     /// Targets first to first + count - 1; arrays as for KrigingControllerAbstract::interpolate, variances is not
     /// looked at unless wanted. Throws Error "Singular matrix" or "Value overflow", or what a semivariogram throws, at
     /// the target where the single forms would; the targets before it have their values.
@@ -59,6 +62,7 @@ private:
     const std::size_t dimension;
     const bool wantsVariances;
     const bool hasTinyDiagonal;
+    double* driftProducts = nullptr;
     std::array<Group, 2> groups;
     std::vector<double> stripStore;
     std::vector<double> lanes;  // eight targets' coordinates, variable by variable
@@ -66,7 +70,7 @@ private:
     std::vector<double> column; // one right-hand side, then its solution
     std::vector<double> scratch;
     std::vector<double> sums;
-    std::array<double, kernels::maxGroupStrips * kernels::stripWidth> varianceSums;
+    std::array<double, kernels::maxGroupStrips * kernels::stripWidth> productSums;
 };
 
 } // namespace fenn

@@ -47,6 +47,11 @@ void InterpolationTask::setBatchInputs(const fenn::BatchInputs* batchInputs_)
     batchInputs = batchInputs_;
 }
 
+void InterpolationTask::setDriftProducts(double* driftProducts_)
+{
+    driftProducts = driftProducts_;
+}
+
 void InterpolationTask::setTicket(fenn::TaskTicket ticket_)
 {
     ticket = std::move(ticket_);
@@ -94,15 +99,16 @@ void InterpolationTask::evaluateSingly()
         return;
     const auto dimension = static_cast<std::size_t>(krigingMatrix->getDimension());
     const bool wantsVariances = !variances->empty();
+    const bool wantsCopy = wantsVariances || driftProducts != nullptr;
     std::vector<double> rhs(dimension);
-    std::vector<double> rhsCopy(wantsVariances ? dimension : 0);
+    std::vector<double> rhsCopy(wantsCopy ? dimension : 0);
     std::vector<double> coords(scratch.size());
     for (int t = firstTarget; t < firstTarget + numTaskTargets; ++t)
     {
         for (std::size_t v = 0; v < coords.size(); ++v)
             coords[v] = (*targetCoords)[v][t];
         krigingMatrix->buildRightHandSide(rhs.data(), 0, coords, *sourcePts, scratch);
-        rhsCopy.assign(rhs.begin(), wantsVariances ? rhs.end() : rhs.begin());
+        rhsCopy.assign(rhs.begin(), wantsCopy ? rhs.end() : rhs.begin());
         krigingMatrix->luSolve(rhs.data());
 
         std::size_t k = 0;
@@ -114,11 +120,14 @@ void InterpolationTask::evaluateSingly()
                 (*variances)[k][t] = krigingMatrix->dotProduct(rhs.data(), rhsCopy.data());
             ++k;
         }
+        if (driftProducts != nullptr)
+            driftProducts[t] = krigingMatrix->calcDriftProduct(rhs.data(), rhsCopy.data());
     }
 }
 
 void InterpolationTask::evaluateBatches(const fenn::BatchInputs& inputs)
 {
     fenn::BatchEstimator estimator(*krigingMatrix, inputs, !variances->empty(), numTaskTargets);
+    estimator.setDriftProducts(driftProducts);
     estimator.evaluate(*targetCoords, firstTarget, numTaskTargets, *values, *variances);
 }

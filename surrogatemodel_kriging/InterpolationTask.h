@@ -42,6 +42,9 @@ public:
     /// What the tasks of a request share. A task that needs it and is not given it, or null, gathers for itself.
     void setBatchInputs(const fenn::BatchInputs* batchInputs_);
 
+    /// Where mu^T f of each target of the request goes (KrigingMatrix::calcDriftProduct); null: not wanted.
+    void setDriftProducts(double* driftProducts_);
+
     /// For a task of a guarded pool: it runs only where the ticket lets it.
     void setTicket(fenn::TaskTicket ticket_);
 
@@ -67,6 +70,7 @@ private:
     std::exception_ptr* failure;
     std::vector<double> scratch; // coordinate differences
     const fenn::BatchInputs* batchInputs = nullptr;
+    double* driftProducts = nullptr;
     fenn::TaskTicket ticket;
 };
 

@@ -261,3 +261,13 @@ double KrigingMatrix::estimateCentered(int outputVar, double reference, const st
         sum += (outputValue(outputVar, points[j]) - reference) * weights[j];
     return sum + reference;
 }
+
+double KrigingMatrix::calcDriftProduct(const double* solution, const double* rightHandSide) const
+{
+    const std::size_t numRows = toIndex(getDimension());
+    std::size_t j = toIndex(numPts);
+    double sum = solution[j] * rightHandSide[j];
+    for (++j; j < numRows; ++j)
+        sum += solution[j] * rightHandSide[j];
+    return sum;
+}

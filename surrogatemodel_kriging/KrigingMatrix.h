@@ -89,6 +89,10 @@ public:
     double estimateCentered(int outputVar, double reference, const std::vector<SourcePointRef>& points,
                             const double* weights) const;
 
+    /// mu^T f, the drift's share of a target's variance: the sum over the rows of the drift and the constraint,
+    /// ascending, of a solution times the right-hand side that it solves, starting with the first product.
+    double calcDriftProduct(const double* solution, const double* rightHandSide) const;
+
     /// Writes the empirical (Matheron) semivariogram of one output over the unblanked points, grouped by lag, beside
     /// the model's values times the sample variance: "distance empirical modelled count" a line, after two header
     /// lines. Only pairs within one block are formed, once for every block of the data block, and self-pairs count.

@@ -16,10 +16,19 @@ NPtsKrigingController::~NPtsKrigingController() = default;
 void NPtsKrigingController::interpolate(const std::vector<double*>& targetCoords, const std::set<int>& outputVars,
                                         int numTargets, std::vector<double*>& values, std::vector<double*>& variances)
 {
+    interpolateWithDrift(targetCoords, outputVars, numTargets, values, variances, nullptr);
+}
+
+void NPtsKrigingController::interpolateWithDrift(const std::vector<double*>& targetCoords,
+                                                 const std::set<int>& outputVars, int numTargets,
+                                                 std::vector<double*>& values, std::vector<double*>& variances,
+                                                 double* driftProducts)
+{
+    const bool wantsCopy = !variances.empty() || driftProducts != nullptr;
     const auto dimension = static_cast<std::size_t>(krigingMatrix.getDimension());
     const auto numInputVars = static_cast<std::size_t>(dataBlock->getNumInputVars());
     std::vector<double> rhs(dimension);
-    std::vector<double> rhsCopy(variances.empty() ? 0 : dimension);
+    std::vector<double> rhsCopy(wantsCopy ? dimension : 0);
     // A search may fill fewer entries. The others keep the points of the target before, or the first point, and are
     // used.
     std::vector<SourcePointRef> neighbours(static_cast<std::size_t>(numNeighbours));
@@ -34,7 +43,7 @@ void NPtsKrigingController::interpolate(const std::vector<double*>& targetCoords
         krigingMatrix.assemble(neighbours, scratch);
         krigingMatrix.luDecompose();
         krigingMatrix.buildRightHandSide(rhs.data(), coords.data(), krigingMatrix.getAssembledPts(), scratch);
-        if (!variances.empty())
+        if (wantsCopy)
             rhsCopy = rhs;
         krigingMatrix.luSolve(rhs.data());
 
@@ -47,5 +56,7 @@ void NPtsKrigingController::interpolate(const std::vector<double*>& targetCoords
                 variances[k][t] = krigingMatrix.dotProduct(rhs.data(), rhsCopy.data());
             ++k;
         }
+        if (driftProducts != nullptr)
+            driftProducts[t] = krigingMatrix.calcDriftProduct(rhs.data(), rhsCopy.data());
     }
 }
