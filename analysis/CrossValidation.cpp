@@ -16,6 +16,7 @@ Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings,
     Estimates all;
     all.values.assign(samples.getNumOutputVars(), std::vector<double>(numSamples));
     all.variances.resize(numSamples);
+    all.driftProducts.resize(numSamples);
     for (std::size_t fold = 0; fold < numFolds; ++fold)
     {
         std::vector<std::size_t> leftOut;
@@ -39,6 +40,7 @@ Estimates crossValidate(const SampleSet& samples, const ModelSettings& settings,
             for (std::size_t w = 0; w < all.values.size(); ++w)
                 all.values[w][leftOut[k]] = estimates.values[w][k];
             all.variances[leftOut[k]] = estimates.variances[k];
+            all.driftProducts[leftOut[k]] = estimates.driftProducts[k];
         }
         report(progress, fold + 1, numFolds);
     }

@@ -40,14 +40,18 @@ void estimateGlobally(const ModelParts& parts, int driftOrder, const estimation:
     estimation::EstimatorOptions fastest = options;
     fastest.isExact = false; // one factorisation estimates every point: nothing here has the plug-in's bits
     const auto inverse = estimation::makeSystemInverse(parts, driftOrder, fastest);
+    std::vector<double>& driftProducts = result.estimates.driftProducts;
     const std::vector<double> diagonal =
-        inverse->calcDiagonal([&](std::size_t numDone) { report(progress, numDone, numPoints); });
+        inverse->calcDiagonal([&](std::size_t numDone) { report(progress, numDone, numPoints); }, &driftProducts);
     const auto isSolvable = [&](std::size_t i)
     {
         return std::fabs(1.0 / diagonal[i]) <= largestVariance;
     };
     for (std::size_t i = 0; i < numPoints; ++i)
+    {
         result.estimates.variances[i] = isSolvable(i) ? -1.0 / diagonal[i] : noEstimate;
+        driftProducts[i] = isSolvable(i) ? -driftProducts[i] / diagonal[i] : noEstimate;
+    }
 
     std::vector<std::vector<double>> dualWeights;
     for (std::size_t w = 0; w < result.truths.size(); ++w)
@@ -74,6 +78,7 @@ void estimateLocally(const std::shared_ptr<const ModelParts>& parts, int driftOr
     for (std::vector<double>& values : result.estimates.values)
         where.estimates.push_back(values.data());
     where.variances = result.estimates.variances.data();
+    where.driftProducts = result.estimates.driftProducts.data();
     const std::size_t numPoints = parts->getPoints().size();
     for (std::size_t i = 0; i < numPoints; i += pointsPerReport)
     {
@@ -97,6 +102,7 @@ LeaveOneOutResult leaveOneOut(const SampleSet& samples, const ModelSettings& set
     result.truths = outputsOfPoints(*parts);
     result.estimates.values.assign(result.truths.size(), std::vector<double>(numPoints));
     result.estimates.variances.resize(numPoints);
+    result.estimates.driftProducts.resize(numPoints);
 
     if (estimation::usesAllPoints(settings, numPoints))
         estimateGlobally(*parts, settings.driftOrder, options, progress, result);

@@ -35,6 +35,7 @@ struct LeaveOneOutResult
 /// followed by zeros for the drift terms and the constraint. Then, for point i,
 ///
 ///     truth - estimate = (K^-1 z)_i / (K^-1)_ii        variance = -1 / (K^-1)_ii
+///     mu^T f = -(sum over the drift terms k of f_k(x_i) (K^-1)_ki) / (K^-1)_ii
 ///
 /// Source: O. Dubrule, "Cross validation of kriging in a unique neighborhood", Mathematical Geology 15 (1983). There
 /// the system holds covariances and the variance is +1 / (K^-1)_ii. With semivariograms K_ii is 0, and the Schur

@@ -139,7 +139,8 @@ bool CovarianceInverse::isWellConditioned() const
     return true; // or makeWhereAccurate would not have made it
 }
 
-void CovarianceInverse::calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const
+void CovarianceInverse::calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal,
+                                         double* driftProducts) const
 {
     std::vector<std::size_t> rows(end - first);
     std::iota(rows.begin(), rows.end(), first);
@@ -160,8 +161,34 @@ void CovarianceInverse::calcDiagonalPart(std::size_t first, std::size_t end, dou
         double ofDrift[groupColumns];
         sumSquares(firstRow, firstDriftRow - firstRow, ofPoints);
         sumSquares(firstDriftRow, system.getNumRows() - firstDriftRow, ofDrift);
-        for (std::size_t c = 0; c < groupColumns && row < end; ++c, ++row)
-            diagonal[system.getPositions()[row]] = ofDrift[c] - ofPoints[c];
+        for (std::size_t c = 0; c < groupColumns && row + c < end; ++c)
+            diagonal[system.getPositions()[row + c]] = ofDrift[c] - ofPoints[c];
+        if (driftProducts != nullptr)
+            writeDriftProducts(group, row, end, driftProducts);
+        row += groupColumns;
+    }
+}
+
+/// Of a group of columns L^-1 e_i, the first one that of the given row. Their drift rows R^-1 g become, with the other
+/// sign, those of K^-1 e_i, which are the same in both forms: the points' part alone changes its sign.
+void CovarianceInverse::writeDriftProducts(const StripGroup& group, std::size_t firstRow, std::size_t end,
+                                           double* driftProducts) const
+{
+    const std::size_t numDriftTerms = system.getNumDriftTerms();
+    std::vector<double> places(stripWidth * system.getModel().numInputVars);
+    std::vector<double> scratch(places.size());
+    const StripStore terms(numDriftTerms, 1);
+    double products[stripWidth];
+    for (std::size_t s = 0; s < group.numStrips && firstRow + stripWidth * s < end; ++s)
+    {
+        const std::size_t first = firstRow + stripWidth * s;
+        double* const rows = group.strips + group.stride * s + stripWidth * system.getFirstDriftRow();
+        system.substituteDriftBack(rows);
+        system.gatherPoints(first, places.data());
+        system.writeDriftTerms(places.data(), terms.getStrip(0), scratch.data());
+        kernels::sumProducts({rows, 0, 1}, terms.getGroup(), numDriftTerms, products);
+        for (std::size_t t = 0; t < stripWidth && first + t < end; ++t)
+            driftProducts[system.getPositions()[first + t]] = -products[t];
     }
 }
 

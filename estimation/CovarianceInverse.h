@@ -34,8 +34,10 @@ public:
 private:
     CovarianceInverse(const ModelParts& parts, int driftOrder, int numThreads);
 
-    void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const override;
+    void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal, double* driftProducts) const override;
     void calcBlock(const std::vector<std::size_t>& points, Matrix& block) const override;
+    void writeDriftProducts(const kernels::StripGroup& group, std::size_t firstRow, std::size_t end,
+                            double* driftProducts) const;
 
     CovarianceSystem system;
     std::vector<std::size_t> rowOfPoint;

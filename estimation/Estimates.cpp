@@ -38,17 +38,20 @@ Targets targetsIn(const Columns& columns)
     return targets;
 }
 
-void estimateFinite(const Estimator& estimator, const Targets& request, bool wantsVariances, Estimates& estimates)
+void estimateFinite(const Estimator& estimator, const Targets& request, const WantedBeside& wanted,
+                    Estimates& estimates)
 {
     estimates.values.resize(static_cast<std::size_t>(estimator.getParts().getDataBlock().getNumOutputVars()));
-    estimates.variances.resize(wantsVariances ? request.count : 0);
+    estimates.variances.resize(wanted.variances ? request.count : 0);
+    estimates.driftProducts.resize(wanted.driftProducts ? request.count : 0);
     Results results;
     for (std::vector<double>& column : estimates.values)
     {
         column.resize(request.count);
         results.estimates.push_back(column.data());
     }
-    results.variances = wantsVariances ? estimates.variances.data() : nullptr;
+    results.variances = wanted.variances ? estimates.variances.data() : nullptr;
+    results.driftProducts = wanted.driftProducts ? estimates.driftProducts.data() : nullptr;
     if (request.count > 0)
         estimator.estimate(request, results);
 }
@@ -64,13 +67,14 @@ void spread(std::vector<double>& column, const std::vector<std::size_t>& rows, s
 
 } // namespace
 
-std::size_t estimateAt(const Estimator& estimator, const Columns& targets, bool wantsVariances, Estimates& estimates)
+std::size_t estimateAt(const Estimator& estimator, const Columns& targets, const WantedBeside& wanted,
+                       Estimates& estimates)
 {
     const std::size_t numTargets = targets.front().size();
     const std::vector<std::size_t> finiteRows = findFiniteRows(targets);
     if (finiteRows.size() == numTargets)
     {
-        estimateFinite(estimator, targetsIn(targets), wantsVariances, estimates);
+        estimateFinite(estimator, targetsIn(targets), wanted, estimates);
         return 0;
     }
 
@@ -80,11 +84,13 @@ std::size_t estimateAt(const Estimator& estimator, const Columns& targets, bool 
         for (const std::size_t t : finiteRows)
             finite[v].push_back(targets[v][t]);
     }
-    estimateFinite(estimator, targetsIn(finite), wantsVariances, estimates);
+    estimateFinite(estimator, targetsIn(finite), wanted, estimates);
     for (std::vector<double>& column : estimates.values)
         spread(column, finiteRows, numTargets);
-    if (wantsVariances)
+    if (wanted.variances)
         spread(estimates.variances, finiteRows, numTargets);
+    if (wanted.driftProducts)
+        spread(estimates.driftProducts, finiteRows, numTargets);
     return numTargets - finiteRows.size();
 }
 
@@ -95,7 +101,7 @@ Estimates estimateAt(const Estimator& estimator, const SampleSet& targets)
     for (std::size_t v = 0; v < targets.getNumInputVars(); ++v)
         request.coords.push_back(targets.getInput(v).data());
     Estimates estimates;
-    estimateFinite(estimator, request, true, estimates);
+    estimateFinite(estimator, request, {true, true}, estimates);
     return estimates;
 }
 

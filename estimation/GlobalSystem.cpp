@@ -113,10 +113,13 @@ bool GlobalSystem::isWellConditioned() const
     return calcReciprocalCondition() >= smallestReciprocalCondition;
 }
 
-void GlobalSystem::calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const
+void GlobalSystem::calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal, double* driftProducts) const
 {
+    const KrigingMatrix& system = controller->getSystem();
     Columns columns(*this);
     std::vector<std::size_t> rows;
+    std::vector<double> border(static_cast<std::size_t>(system.getDimension()));
+    std::vector<double> column(border.size());
     for (std::size_t begin = first; begin < end; begin += groupColumns)
     {
         rows.clear();
@@ -124,8 +127,29 @@ void GlobalSystem::calcDiagonalPart(std::size_t first, std::size_t end, double* 
             rows.push_back(i);
         columns.solve(rows.data(), rows.size());
         for (std::size_t c = 0; c < rows.size(); ++c)
+        {
             diagonal[rows[c]] = columns.get(rows[c], c);
+            if (driftProducts == nullptr)
+                continue;
+            writeDriftTerms(rows[c], border);
+            for (std::size_t i = getNumPoints(); i < column.size(); ++i)
+                column[i] = columns.get(i, c);
+            driftProducts[rows[c]] = system.calcDriftProduct(column.data(), border.data());
+        }
     }
+}
+
+/// The drift terms of a point, to the entries of a right-hand side that are theirs.
+void GlobalSystem::writeDriftTerms(std::size_t point, std::vector<double>& rightHandSide) const
+{
+    const SurrogateModelDataBlock& block = parts.getDataBlock();
+    const auto& [b, p] = parts.getPoints()[point];
+    std::vector<double> place;
+    for (const double* column : block.getInputValueArraysForBlock(b))
+        place.push_back(column[p]);
+    std::vector<double> scratch(place.size());
+    controller->getSystem().buildRightHandSide(rightHandSide.data(), static_cast<int>(getNumPoints()), place,
+                                               parts.getPoints(), scratch);
 }
 
 void GlobalSystem::calcBlock(const std::vector<std::size_t>& points, Matrix& block) const

@@ -21,7 +21,7 @@ class GlobalSystem final : public SystemInverse
 public:
     /// numThreads: 0 for the cores that this process may use. Throws the library's Error about too few points, or
     /// "Singular matrix", and std::bad_alloc.
-    GlobalSystem(const ModelParts& parts, int driftOrder, int numThreads = 0);
+    GlobalSystem(const ModelParts& parts_, int driftOrder, int numThreads = 0);
     ~GlobalSystem() override;
 
     std::vector<double> solve(const std::vector<double>& values) const override;
@@ -32,8 +32,9 @@ public:
 private:
     class Columns;
 
-    void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const override;
+    void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal, double* driftProducts) const override;
     void calcBlock(const std::vector<std::size_t>& points, Matrix& block) const override;
+    void writeDriftTerms(std::size_t point, std::vector<double>& rightHandSide) const;
 
     const ModelParts& parts;
     std::unique_ptr<AllPtsKrigingController> controller; // for its system

@@ -35,8 +35,11 @@ ParallelRanges& SystemInverse::getThreads() const
     return *threads;
 }
 
-std::vector<double> SystemInverse::calcDiagonal(const std::function<void(std::size_t numDone)>& afterSome) const
+std::vector<double> SystemInverse::calcDiagonal(const std::function<void(std::size_t numDone)>& afterSome,
+                                                std::vector<double>* driftProducts) const
 {
+    if (driftProducts != nullptr)
+        driftProducts->resize(numPoints);
     std::vector<double> diagonal(numPoints);
     const std::size_t perReport = columnsPerPiece * piecesPerReport * threads->getNumThreads();
     for (std::size_t done = 0; done < numPoints;)
@@ -44,7 +47,10 @@ std::vector<double> SystemInverse::calcDiagonal(const std::function<void(std::si
         const std::size_t count = std::min(perReport, numPoints - done);
         threads->run(count, columnsPerPiece,
                      [&](std::size_t, std::size_t first, std::size_t end)
-                     { calcDiagonalPart(done + first, done + end, diagonal.data()); });
+                     {
+                         calcDiagonalPart(done + first, done + end, diagonal.data(),
+                                          driftProducts == nullptr ? nullptr : driftProducts->data());
+                     });
         done += count;
         afterSome(done);
     }

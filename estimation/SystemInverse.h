@@ -52,7 +52,10 @@ public:
 
     /// The diagonal elements that belong to points. afterSome: called on the calling thread, as the work proceeds, with
     /// the number of elements that are known; what it throws is passed on. Throws Error as Matrix::luSolve.
-    std::vector<double> calcDiagonal(const std::function<void(std::size_t numDone)>& afterSome) const;
+    /// driftProducts, where asked for: sum over the drift terms k, the constant last, of f_k(i) (K^-1)_ki for each
+    /// point i.
+    std::vector<double> calcDiagonal(const std::function<void(std::size_t numDone)>& afterSome,
+                                     std::vector<double>* driftProducts = nullptr) const;
 
     /// Takes the block of K^-1 in the rows and columns of a group's points, in their order.
     using UseBlock = std::function<void(std::size_t group, Matrix& block)>;
@@ -69,8 +72,9 @@ protected:
 
 private:
     /// Entries first to end - 1 of the diagonal, in an order of the implementation's; where they go is its matter too.
-    /// Called on several threads at once.
-    virtual void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal) const = 0;
+    /// Called on several threads at once. driftProducts: null where they are not wanted.
+    virtual void calcDiagonalPart(std::size_t first, std::size_t end, double* diagonal,
+                                  double* driftProducts) const = 0;
 
     /// block has the dimension of points. Called on several threads at once.
     virtual void calcBlock(const std::vector<std::size_t>& points, Matrix& block) const = 0;

@@ -59,7 +59,8 @@ std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& target
     std::size_t numWithoutEstimate = 0;
     try
     {
-        numWithoutEstimate = fenn::estimation::estimateAt(*estimator, targets, variances != nullptr, estimates);
+        numWithoutEstimate =
+            fenn::estimation::estimateAt(*estimator, targets, {variances != nullptr, false}, estimates);
     }
     catch (const SurrogateModelInterface::Error& error)
     {

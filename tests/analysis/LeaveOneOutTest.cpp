@@ -44,6 +44,9 @@ void expectClose(const Estimates& actual, const Estimates& expected, double rela
     ASSERT_EQ(actual.variances.size(), expected.variances.size());
     for (std::size_t i = 0; i < expected.variances.size(); ++i)
         EXPECT_NEAR(actual.variances[i], expected.variances[i], relative) << "variance of point " << i;
+    ASSERT_EQ(actual.driftProducts.size(), expected.driftProducts.size());
+    for (std::size_t i = 0; i < expected.driftProducts.size(); ++i)
+        EXPECT_NEAR(actual.driftProducts[i], expected.driftProducts[i], relative) << "drift product of point " << i;
 }
 
 /// The factorised systems have 60 rows and a condition of some thousands: n * epsilon * condition.

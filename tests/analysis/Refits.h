@@ -35,6 +35,7 @@ inline estimation::Estimates refitWithoutGroups(const estimation::SampleSet& sam
     estimation::Estimates estimates;
     estimates.values.assign(numOutputVars, std::vector<double>(points.size()));
     estimates.variances.resize(points.size());
+    estimates.driftProducts.resize(points.size());
     for (const std::vector<std::size_t>& group : groups)
     {
         std::vector<int> numPtsInBlocks;
@@ -52,13 +53,14 @@ inline estimation::Estimates refitWithoutGroups(const estimation::SampleSet& sam
             flags[static_cast<std::size_t>(points[p].first)][static_cast<std::size_t>(points[p].second)] = false;
         const SurrogateModelDataBlock others(numPtsInBlocks, inputs, outputs, flags, full->getNormalizers(),
                                              full->getMinValues(), full->getMaxValues());
-        std::unique_ptr<KrigingControllerAbstract> controller;
+        std::unique_ptr<AllPtsKrigingController> global;
+        std::unique_ptr<NPtsKrigingController> local;
         if (settings.numNearestPoints == 0)
-            controller =
+            global =
                 std::make_unique<AllPtsKrigingController>(&others, &full->getSemivariogram(), settings.driftOrder, 1);
         else
-            controller = std::make_unique<NPtsKrigingController>(&others, &full->getSemivariogram(),
-                                                                 settings.driftOrder, settings.numNearestPoints);
+            local = std::make_unique<NPtsKrigingController>(&others, &full->getSemivariogram(), settings.driftOrder,
+                                                            settings.numNearestPoints);
 
         for (const std::size_t p : group)
         {
@@ -75,7 +77,11 @@ inline estimation::Estimates refitWithoutGroups(const estimation::SampleSet& sam
                 valueArrays.push_back(&estimates.values[w][p]);
                 varianceArrays.push_back(&variances[w]);
             }
-            controller->interpolate(target, outputVars, 1, valueArrays, varianceArrays);
+            double* const driftProduct = &estimates.driftProducts[p];
+            if (global)
+                global->interpolateWithDrift(target, outputVars, 1, valueArrays, varianceArrays, driftProduct);
+            else
+                local->interpolateWithDrift(target, outputVars, 1, valueArrays, varianceArrays, driftProduct);
             estimates.variances[p] = variances[0];
         }
     }

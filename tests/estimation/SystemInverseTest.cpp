@@ -320,4 +320,35 @@ TEST(SystemInverseTest, RepeatedPointsLeaveNoConditionUnlessThereIsANugget)
     EXPECT_TRUE(withNugget.isWellConditioned());
 }
 
+TEST(SystemInverseTest, DriftProductsAreThoseOfTheDenseInverse)
+{
+    const SampleSet samples = smoothSamples(70, 23);
+    for (const int driftOrder : {0, 1, 3})
+    {
+        const ModelSettings settings{-1.0, {}, driftOrder, 0.9, 0.1, 0};
+        const auto parts = makeModelParts(samples, settings);
+        const fenn::test::DenseKriging dense(*parts, settings);
+        const fenn::test::DenseMatrix inverse = dense.borderedSystem().inverse();
+        const fenn::test::DenseMatrix drift = dense.drift();
+        const GlobalSystem exact(*parts, driftOrder, 2);
+        const auto covarianceForm = CovarianceInverse::makeWhereAccurate(*parts, driftOrder, 2);
+        ASSERT_NE(covarianceForm, nullptr);
+        for (const SystemInverse* const form :
+             {static_cast<const SystemInverse*>(&exact), static_cast<const SystemInverse*>(covarianceForm.get())})
+        {
+            std::vector<double> products;
+            const std::vector<double> diagonal = form->calcDiagonal([](std::size_t) {}, &products);
+            EXPECT_TRUE(sameBits(diagonal, form->calcDiagonal([](std::size_t) {})));
+            ASSERT_EQ(products.size(), 70U);
+            for (std::size_t i = 0; i < 70; ++i)
+            {
+                long double expected = 0.0L;
+                for (std::size_t k = 0; k < drift.getNumColumns(); ++k)
+                    expected += drift(i, k) * inverse(70 + k, i);
+                EXPECT_NEAR(products[i], static_cast<double>(expected), 1e-10) << "point " << i;
+            }
+        }
+    }
+}
+
 } // namespace
