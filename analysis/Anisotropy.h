@@ -46,6 +46,11 @@ public:
     /// inputs, and where a place is no longer finite.
     SampleSet apply(const SampleSet& samples) const;
 
+    friend bool operator==(const Anisotropy& a, const Anisotropy& b)
+    {
+        return a.ratio == b.ratio && a.angle == b.angle;
+    }
+
 private:
     double ratio;
     double angle;

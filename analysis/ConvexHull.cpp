@@ -75,6 +75,26 @@ bool ConvexHull::isOnSide(const std::vector<Place>& chain, double side, const Pl
     return side * turn(a, b, place) >= -tolerance * std::hypot(b.x - a.x, b.y - a.y);
 }
 
+std::vector<std::vector<double>> ConvexHull::calcOutline() const
+{
+    std::vector<std::vector<double>> outline(2);
+    const auto add = [&](const Place& place)
+    {
+        outline[0].push_back(lowestX + spanX * place.x);
+        outline[1].push_back(lowestY + spanY * place.y);
+    };
+    std::for_each(lowerChain.begin(), lowerChain.end(), add);
+    const auto isShared = [](const Place& a, const Place& b)
+    {
+        return a.x == b.x && a.y == b.y;
+    };
+    const bool isRightEndShared = isShared(lowerChain.back(), upperChain.back());
+    std::for_each(upperChain.rbegin() + (isRightEndShared ? 1 : 0), upperChain.rend(), add);
+    if (!isShared(lowerChain.front(), upperChain.front()))
+        add(lowerChain.front());
+    return outline;
+}
+
 bool ConvexHull::contains(double x, double y) const
 {
     const Place place = inSpans(x, y);

@@ -23,6 +23,9 @@ public:
     /// of the number of corners.
     bool contains(double x, double y) const;
 
+    /// The corners, anticlockwise from the leftmost and lowest one, which comes again at the end: x, then y.
+    std::vector<std::vector<double>> calcOutline() const;
+
 private:
     struct Place
     {

@@ -51,4 +51,25 @@ Interval fromLogarithms(const Interval& interval)
     return {std::exp(interval.lower), std::exp(interval.upper)};
 }
 
+double OutputUnits::estimateOf(double estimate, double variance, double driftProduct, double sill) const
+{
+    return clamped(areLogarithms ? expectationOf(estimate, variance, driftProduct, sill) : estimate, limits);
+}
+
+double OutputUnits::medianOf(double estimate) const
+{
+    return clamped(areLogarithms ? analysis::medianOf(estimate) : estimate, limits);
+}
+
+Interval OutputUnits::intervalOf(const Interval& interval) const
+{
+    const Interval ends = areLogarithms ? fromLogarithms(interval) : interval;
+    return {clamped(ends.lower, limits), clamped(ends.upper, limits)};
+}
+
+bool operator==(const OutputUnits& a, const OutputUnits& b)
+{
+    return a.areLogarithms == b.areLogarithms && a.limits.lower == b.limits.lower && a.limits.upper == b.limits.upper;
+}
+
 } // namespace fenn::analysis

@@ -48,6 +48,23 @@ double medianOf(double estimate);
 /// Ends of an interval of the logarithm, each by itself: it holds as many values.
 Interval fromLogarithms(const Interval& interval);
 
+/// How what a model of outputs, or of their logarithms, says of a target comes back in the data's units. A plain value.
+struct OutputUnits
+{
+    bool areLogarithms = false; // the model is one of the outputs' natural logarithms
+    Interval limits{};          // that estimates, medians and ends of intervals are brought into
+
+    /// The estimate itself, or expectationOf its logarithm.
+    double estimateOf(double estimate, double variance, double driftProduct, double sill) const;
+
+    /// The estimate itself, or medianOf its logarithm.
+    double medianOf(double estimate) const;
+
+    Interval intervalOf(const Interval& interval) const;
+};
+
+bool operator==(const OutputUnits& a, const OutputUnits& b);
+
 } // namespace fenn::analysis
 
 #endif

@@ -7,6 +7,7 @@
 
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/SphericalSemivariogram.h"
+#include "surrogatemodel_kriging/kernels/SphericalModel.h"
 
 namespace fenn::analysis
 {
@@ -34,13 +35,11 @@ bool isFinite(const std::vector<double>& target)
 
 } // namespace
 
-Support::Support(const ModelParts& parts_, double rangeFraction)
-    : parts(parts_),
-      numInputVars(parts.getNormalizers().size()),
-      rangeSquared(scaledSquaredDistance(static_cast<int>(numInputVars), parts.getNormalizers(),
-                                         parts.getMinValues().data(), parts.getMaxValues().data(), rangeFraction)),
-      points(parts)
+Support::Support(const ModelParts& parts_)
+    : parts(parts_), numInputVars(parts.getNormalizers().size()), rangeSquared(0.0), points(parts)
 {
+    std::vector<double> scales(numInputVars);
+    rangeSquared = parts.getSemivariogram().getKernelModel(scales.data()).rangeSquared;
 }
 
 bool Support::isInsideBox(const double* target) const

@@ -30,8 +30,8 @@ struct SupportCounts
 class Support
 {
 public:
-    /// rangeFraction: that of the parts. Builds an index of the points: n log n operations for n of them.
-    Support(const ModelParts& parts_, double rangeFraction);
+    /// Builds an index of the points: n log n operations for n of them.
+    explicit Support(const ModelParts& parts_);
 
     /// target: one raw coordinate per input variable. The faces belong to the box; false for NaN.
     bool isInsideBox(const double* target) const;

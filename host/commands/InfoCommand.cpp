@@ -120,7 +120,7 @@ ModelCost measureCost(int numPoints, std::size_t numInputs)
         "", std::vector<std::string>(numInputs), {""}, patternOf(count, 0.0), {std::vector<double>(count)}};
     for (std::size_t i = 0; i < count; ++i)
         samples.outputs[0][i] = samples.inputs[0][i];
-    fenn::estimation::ModelSettings settings;
+    Settings settings;
     settings.nugget = 0.1;
     const Clock::time_point start = Clock::now();
     const SampleModel model(samples, settings);

@@ -9,6 +9,7 @@
 
 #include "host/files/InputFile.h"
 #include "host/model/AnalysisInput.h"
+#include "host/model/DataForm.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
 #include "host/pictures/Gnuplot.h"
@@ -88,6 +89,28 @@ PredictCommand::PredictCommand(CLI::App& command)
         ->type_name("PERCENT");
     command
         .add_option_function<std::string>(
+            "--max-distance",
+            [this](const std::string& text) { limits.maxDistance = parseLimit("--max-distance", text); },
+            "Give nan at targets farther than this from every sample, in the inputs' units: those of the first input, "
+            "along its axis; in other directions as far as counts alike to the model, which with --scale 1,1 is the "
+            "plain distance. Default: no limit. Example: --max-distance 500")
+        ->type_name("D");
+    command.add_flag("--hull", limits.isWithinHull,
+                     "For two inputs: give nan at targets outside the convex hull of the samples. Default: off. "
+                     "Example: --hull");
+    command
+        .add_option_function<std::string>(
+            "--max-stderr",
+            [this](const std::string& text) { limits.maxStandardError = parseLimit("--max-stderr", text); },
+            "Give nan at targets where the standard error of an output, NAME_stderr, is above this. Default: no limit. "
+            "Example: --max-stderr 0.5")
+        ->type_name("S");
+    command.add_flag("--extrapolate", extrapolates,
+                     "Answer even where every target lies outside the samples' box and beyond the range of every "
+                     "sample, which is an error otherwise, for then columns are swapped or units are others. Default: "
+                     "off. Example: --extrapolate");
+    command
+        .add_option_function<std::string>(
             "--keep", [this](const std::string& text) { keptNames = parseNames("--keep", text); },
             "Columns of the file of --at that are copied to the output as they are, behind the others. Default: none. "
             "Example: --keep site,date")
@@ -111,7 +134,9 @@ PredictCommand::PredictCommand(CLI::App& command)
         ->required();
     command
         .add_option("--plot", plotPath,
-                    "Picture of the estimates, .png or .svg, or its gnuplot script, .gp. Default: none. Example: "
+                    "Picture of the estimates, .png or .svg, or its gnuplot script, .gp. Beyond the dashed line, the "
+                    "convex hull of the samples, estimates are extrapolated: colours span those within. Default: none. "
+                    "Example: "
                     "--plot surface.png")
         ->type_name("FILE");
     command.footer(
@@ -121,7 +146,9 @@ PredictCommand::PredictCommand(CLI::App& command)
 
 std::vector<PredictionColumn> PredictCommand::predictionColumns() const
 {
-    return choosePredictionColumns(options.outputNames, request);
+    PredictionRequest all = request;
+    all.withMedian = options.settings.units.areLogarithms;
+    return choosePredictionColumns(options.outputNames, all);
 }
 
 std::vector<std::string> PredictCommand::columnNames() const
@@ -140,6 +167,8 @@ void PredictCommand::checkUsage() const
         throw UsageError("give the targets with either --at FILE or --grid AXES");
     if (outputPath.empty())
         throw UsageError("--output: needs the name of a file");
+    if (limits.isWithinHull && options.inputNames.size() != 2)
+        throw UsageError("--hull: a convex hull is that of two inputs; use --max-distance");
     if (isGrid() && !keptNames.empty())
         throw UsageError("--keep: a grid has no columns to keep; it goes with --at");
     std::set<std::string> seen;
@@ -179,6 +208,29 @@ std::unique_ptr<TargetSource> PredictCommand::openTargets(const GridSpec& grid) 
     return std::make_unique<FileTargets>(targetsPath, options.inputNames, options.reading, keptNames, shard);
 }
 
+/// A pipe's targets are gone when they have been read.
+bool PredictCommand::canReadTargetsTwice() const
+{
+    std::error_code error;
+    return isGrid() || std::filesystem::is_regular_file(targetsPath, error);
+}
+
+/// Before anything is estimated: throws InputError where the samples say nothing of any target of a whole job.
+void PredictCommand::checkAreSupported(TargetSupport& support, const GridSpec& grid) const
+{
+    const std::unique_ptr<TargetSource> source = openTargets(grid);
+    Columns targets;
+    while (source->read(targets, targetsPerRequest) > 0)
+    {
+        support.count(targets);
+        if (!support.areAllUnsupported())
+            return;
+    }
+    if (support.areAllUnsupported())
+        throw InputError((isGrid() ? "--grid" : targetsPath) + ": " + support.describeAllUnsupported() +
+                         " --extrapolate estimates there all the same");
+}
+
 std::unique_ptr<PredictionWriter> PredictCommand::makeWriter(OutputFile& output, const GridSpec& grid) const
 {
     if (isVtk(outputPath))
@@ -201,20 +253,27 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     // Whatever can fail without the model fails before it is built: that may take long.
     const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
+    report.formUsed(options.settings);
     spanSamples(grid, samples.inputs);
     const std::unique_ptr<TargetSource> targetSource = openTargets(grid);
     OutputFile output(outputPath);
     const std::unique_ptr<PredictionWriter> writer = makeWriter(output, grid);
     if (!duplicatesPath.empty())
-        writeDuplicatesReport(duplicatesPath, samples, options.settings.duplicateTolerance);
+        writeDuplicatesReport(duplicatesPath, samples, options.settings);
 
     const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
-    report.rangeUsed(samples, options.settings, options.units);
+    report.rangeUsed(inModelForm(samples, options.settings), options.settings, options.units);
+
+    if (!extrapolates && shard.isWhole() && canReadTargetsTwice())
+    {
+        TargetSupport ofJob(samples, model, options.settings, {});
+        checkAreSupported(ofJob, grid);
+    }
 
     const std::vector<PredictionColumn> columns = predictionColumns();
     std::vector<double> sills;
-    if (needVariances(columns))
+    if (needVariances(columns) || options.settings.units.areLogarithms || limits.maxStandardError)
     {
         const std::unique_ptr<ProgressLine> line = console.startProgress("points for the sill");
         const std::vector<OutputSill> used = model.calcSills(options.settings.sills, reportTo(*line));
@@ -222,7 +281,9 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
         for (const OutputSill& sill : used)
             sills.push_back(sill.value);
     }
-    Predictor predictor(model, columns, std::move(sills), request.coverage);
+    Predictor predictor(model, columns, sills, request.coverage, options.settings.units);
+    TargetSupport support(samples, model, options.settings, limits);
+    support.addMasks(predictor, true);
     std::uint64_t numTargets = 0;
     std::vector<std::vector<double>> targets;
     std::vector<std::vector<double>> values;
@@ -232,6 +293,7 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     while (targetSource->read(targets, line->isShown() ? chunkSize.next() : targetsPerRequest) > 0)
     {
         predictor.predict(targets, values);
+        support.count(targets);
         writer->write(targets, values, *targetSource);
         numTargets += targets.front().size();
         line->update(numTargets, shard.size(grid.numNodes)); // of a file unknown: 0
@@ -239,10 +301,15 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     line->wipe();
     report.answered(model.getEngineReport());
     report.variancesRejected(predictor.getNumWithoutVariance(), numTargets);
+    report.supported(support);
     report.finished(numTargets, predictor.getNumWithoutEstimate(), predictor.getLibrarySeconds());
     if (!plotPath.empty())
+    {
+        Predictor surface(model, choosePredictionColumns(options.outputNames, {}), sills, 0.0, options.settings.units);
+        support.addMasks(surface, false);
         drawSurface(plotPath, samples, boxOf(grid, samples), options.units,
-                    [&model](const Columns& at, Columns& estimates) { model.estimate(at, estimates); });
+                    [&surface](const Columns& at, Columns& estimates) { surface.predict(at, estimates); });
+    }
     output.commit();
 }
 

@@ -12,6 +12,7 @@
 #include "host/targets/PredictionWriter.h"
 #include "host/targets/Shard.h"
 #include "host/targets/TargetSource.h"
+#include "host/targets/TargetSupport.h"
 
 namespace krige
 {
@@ -34,6 +35,8 @@ private:
     std::vector<PredictionColumn> predictionColumns() const;
     std::vector<std::string> columnNames() const;
     std::unique_ptr<TargetSource> openTargets(const GridSpec& grid) const;
+    bool canReadTargetsTwice() const;
+    void checkAreSupported(TargetSupport& support, const GridSpec& grid) const;
     std::unique_ptr<PredictionWriter> makeWriter(OutputFile& output, const GridSpec& grid) const;
 
     bool isGrid() const
@@ -46,6 +49,8 @@ private:
     std::string gridText;    // empty: a file
     std::vector<std::string> keptNames;
     PredictionRequest request;
+    SupportLimits limits;
+    bool extrapolates = false;
     Shard shard;
     std::string duplicatesPath; // empty: no report
     std::string outputPath;

@@ -13,6 +13,7 @@
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
+#include "host/model/DataForm.h"
 #include "host/model/ModelFailure.h"
 #include "host/model/NearSamples.h"
 #include "host/model/OutputSill.h"
@@ -111,6 +112,8 @@ fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::Sam
 {
     fenn::analysis::SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
     const double rangeFraction = withRangeFraction(samples, options.settings).rangeFraction;
+    if (options.settings.anisotropy) // it takes the place of scale factors
+        space.maxAnisotropy = 1.0;
     for (const std::string& name : fixedSettings)
     {
         if (name == "drift")
@@ -213,15 +216,17 @@ void TuneCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
     checkModelOptions(options);
-    const SampleTable samples = readSamples(options);
-    report.samplesRead(samples);
+    const SampleTable read = readSamples(options);
+    report.samplesRead(read);
+    report.formUsed(options.settings);
+    const SampleTable samples = inModelForm(read, options.settings);
 
     const fenn::analysis::TuningResult result = search(samples, chooseLeastNugget(samples, report), console);
-    report.rangeUsed(samples, result.trials[result.winner].settings, options.units);
+    report.rangeUsed(samples, options.settings.withModel(result.trials[result.winner].settings), options.units);
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
     const Settings best =
-        withSills(options.settings.withModel(result.trials[result.winner].settings), samples, console, report);
+        withSills(options.settings.withModel(result.trials[result.winner].settings), read, console, report);
     if (!outputPath.empty())
         writeWhole(outputPath, settingsFileText(best));
     printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, samples.outputNames,

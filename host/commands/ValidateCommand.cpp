@@ -12,6 +12,7 @@
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
+#include "host/model/DataForm.h"
 #include "host/model/NearSamples.h"
 #include "host/model/OutputSill.h"
 #include "host/model/SampleModel.h"
@@ -21,6 +22,7 @@
 #include "host/pictures/ValidationPicture.h"
 #include "host/reports/Report.h"
 #include "host/targets/TargetSource.h"
+#include "host/targets/TargetSupport.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -120,7 +122,8 @@ ValidateCommand::ValidateCommand(CLI::App& command)
         "error over its variance, sill and nugget included; 1 when the standard errors are right), the worst "
         "error, CRPS (continuous ranked probability score, in the output's units; lower is better) and the "
         "percentages of measured values that the intervals of 50, 90 and 95 % hold; then the worst points, "
-        "by their lines in the file.\n\nExamples:\n"
+        "by their lines in the file. With --transform log, errors are in the data's units; MSSE, CRPS, standard errors "
+        "and intervals are of the logarithms.\n\nExamples:\n"
         "  krige validate samples.csv --inputs x,y --outputs z\n"
         "  krige validate samples.csv --inputs x,y --outputs z --leave-one-out --plot fit.png\n"
         "  krige validate samples.csv --inputs x,y --outputs z --config best.toml --against truth.csv");
@@ -128,22 +131,24 @@ ValidateCommand::ValidateCommand(CLI::App& command)
 
 ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Console& console, Report& report) const
 {
+    const SampleTable formed = inModelForm(samples, options.settings);
     const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
     if (foldsOption->count() > 0 && numFolds > numSamples)
         throw UsageError("--folds: " + std::to_string(numFolds) + " folds need as many samples, but " + samples.path +
                          " has " + std::to_string(numSamples) + "; lower it, or use --leave-one-out");
     const std::size_t numPlaces =
-        fenn::analysis::findPlaces(toSampleSet(samples), options.settings.duplicateTolerance).numPlaces;
+        fenn::analysis::findPlaces(toSampleSet(formed), options.settings.duplicateTolerance).numPlaces;
     const std::size_t folds = std::min(numFolds, numPlaces);
     if (folds < 2)
         throw InputError(samples.path + ": cross-validation needs samples at two places at least");
 
     ValidationResult result = resultFor(samples);
     std::vector<std::vector<OutputSill>> sillsOfFolds; // per fold, per output
-    runExplained(samples, options.settings, "without one of " + std::to_string(folds) + " folds: ",
+    std::vector<double> driftProducts;
+    runExplained(formed, options.settings, "without one of " + std::to_string(folds) + " folds: ",
                  [&]
                  {
-                     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
+                     const fenn::estimation::SampleSet sampleSet = toSampleSet(formed);
                      const std::unique_ptr<ProgressLine> line = console.startProgress("folds");
                      fenn::analysis::Estimates estimates = fenn::analysis::crossValidate(
                          sampleSet, options.settings, folds, seed, reportTo(*line), options.estimator,
@@ -154,9 +159,10 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
                          });
                      result.estimates = std::move(estimates.values);
                      result.variances = std::move(estimates.variances);
+                     driftProducts = std::move(estimates.driftProducts);
                  });
     const std::vector<std::size_t> foldOfSample =
-        fenn::analysis::assignFoldsToPlaces(toSampleSet(samples), options.settings.duplicateTolerance, folds, seed);
+        fenn::analysis::assignFoldsToPlaces(toSampleSet(formed), options.settings.duplicateTolerance, folds, seed);
     result.sills.assign(samples.outputs.size(), std::vector<double>(numSamples));
     for (std::size_t w = 0; w < samples.outputs.size(); ++w)
     {
@@ -164,9 +170,11 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
             result.sills[w][i] = sillsOfFolds[foldOfSample[i]][w].value;
     }
     result.inputs = samples.inputs;
-    result.truths = samples.outputs;
+    result.truths = formed.outputs;
     for (const std::size_t line : samples.lines)
         result.lines.push_back(std::to_string(line));
+    result.bringIntoUnits(options.settings.units, driftProducts);
+    result.truths = samples.outputs; // as they stand in the file, to the bit
     console.getReport() << "method: " << folds << " folds of " << numSamples << " samples, seed " << seed
                         << (numPlaces < numSamples ? ", those of one place in one fold" : "") << '\n';
     report.sillsOfFolds(samples.outputNames, sillsOfFolds);
@@ -175,13 +183,14 @@ ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Cons
 
 ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Console& console, Report& report) const
 {
+    const SampleTable formed = inModelForm(samples, options.settings);
     ValidationResult result = resultFor(samples);
     fenn::analysis::LeaveOneOutResult left;
-    runExplained(samples, options.settings, "without one of its points: ",
+    runExplained(formed, options.settings, "without one of its points: ",
                  [&]
                  {
                      const std::unique_ptr<ProgressLine> line = console.startProgress("points");
-                     left = fenn::analysis::leaveOneOut(toSampleSet(samples), options.settings, reportTo(*line),
+                     left = fenn::analysis::leaveOneOut(toSampleSet(formed), options.settings, reportTo(*line),
                                                         options.estimator);
                  });
     result.inputs.resize(samples.inputs.size());
@@ -199,6 +208,7 @@ ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Consol
     result.variances = std::move(left.estimates.variances);
     console.getReport() << "method: leave one out of " << countOf(result.lines.size(), "point") << '\n';
     useSills(applyChoices(options.settings.sills, left.sills), result, report);
+    result.bringIntoUnits(options.settings.units, left.estimates.driftProducts);
     return result;
 }
 
@@ -213,30 +223,38 @@ ValidationResult ValidateCommand::compare(const SampleTable& samples, Console& c
         console.getReport() << warning << '\n';
     ValidationResult result = resultFor(samples);
     result.inputs = truth.inputs;
-    result.truths = truth.outputs;
+    result.truths = inModelForm(truth, options.settings).outputs;
     result.estimates.resize(truth.outputs.size());
     for (const std::size_t line : truth.lines)
         result.lines.push_back(std::to_string(line));
 
     const SampleModel model(samples, options.settings, options.estimator);
     report.modelBuilt(model, samples, options.settings);
+    TargetSupport support(samples, model, options.settings, {});
+    support.count(truth.inputs);
     const std::unique_ptr<ProgressLine> progress = console.startProgress("points");
     ChunkSize chunkSize(1024, targetsPerRequest);
     std::vector<std::vector<double>> estimates;
     std::vector<double> variances;
+    std::vector<double> driftProducts;
+    std::vector<double> allDriftProducts;
     for (std::size_t first = 0; first < truth.lines.size();)
     {
         const std::size_t count = std::min(chunkSize.next(), truth.lines.size() - first);
-        model.estimate(rowsOf(truth.inputs, first, count), estimates, &variances);
+        model.estimate(rowsOf(truth.inputs, first, count), estimates, &variances, &driftProducts);
         for (std::size_t w = 0; w < estimates.size(); ++w)
             result.estimates[w].insert(result.estimates[w].end(), estimates[w].begin(), estimates[w].end());
         result.variances.insert(result.variances.end(), variances.begin(), variances.end());
+        allDriftProducts.insert(allDriftProducts.end(), driftProducts.begin(), driftProducts.end());
         first += count;
         progress->update(first, truth.lines.size());
     }
     progress->wipe();
     report.answered(model.getEngineReport());
+    report.supported(support);
     useSills(model.calcSills(options.settings.sills), result, report);
+    result.bringIntoUnits(options.settings.units, allDriftProducts);
+    result.truths = truth.outputs; // as they stand in the file, to the bit
     return result;
 }
 
@@ -255,16 +273,18 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
         checkPicturePath(plotPath);
     const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
+    report.formUsed(options.settings);
 
     if (truthPath.empty()) // otherwise the model itself says so
     {
-        checkSamplesApart(samples, options.settings);
-        report.coincidentSamples(samples, options.settings);
+        const SampleTable formed = inModelForm(samples, options.settings);
+        checkSamplesApart(formed, options.settings);
+        report.coincidentSamples(formed, options.settings);
     }
     const ValidationResult result = !truthPath.empty() ? compare(samples, console, report)
                                     : leavesOneOut     ? leaveOneOut(samples, console, report)
                                                        : crossValidate(samples, console, report);
-    report.rangeUsed(samples, options.settings, options.units);
+    report.rangeUsed(inModelForm(samples, options.settings), options.settings, options.units);
     const std::vector<ValidationFigures> figures = summarise(result, numWorst);
     const std::size_t numMissing = figures.front().errors.numMissing;
     if (numMissing > 0)

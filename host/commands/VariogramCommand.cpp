@@ -10,6 +10,7 @@
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
+#include "host/model/DataForm.h"
 #include "host/model/SettingsFile.h"
 #include "host/model/VariogramModel.h"
 #include "host/pictures/Gnuplot.h"
@@ -153,6 +154,9 @@ void VariogramCommand::checkUsage() const
         throw UsageError("--outputs: a semivariogram is that of one output; name one at a time");
     if (direction && options.inputNames.size() != 2)
         throw UsageError("--direction: there must be two inputs, not " + std::to_string(options.inputNames.size()));
+    if (direction && options.settings.anisotropy)
+        throw UsageError("--direction: looks at the inputs as they stand in the file, which --anisotropy turns; leave "
+                         "one of them out");
     if (isFitted && isEveryLag())
         throw UsageError("--fit: needs bins; leave out --lags all");
     if (!plotPath.empty())
@@ -201,8 +205,10 @@ void VariogramCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
     checkUsage();
-    const SampleTable samples = readSamples(options);
-    report.samplesRead(samples);
+    const SampleTable read = readSamples(options);
+    report.samplesRead(read);
+    report.formUsed(options.settings);
+    const SampleTable samples = inModelForm(read, options.settings);
 
     explainFailures(samples, options.settings, "", [&] { show(samples, report, out, console.getReport()); });
 }

@@ -59,7 +59,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
             options.estimator.mustTellPointsApart = !options.settings.keepsDuplicates;
         },
         "Settings file, as krige tune writes it: lines such as drift = 1 with the names of the options from "
-        "--duplicates to --sill; an option on the command line wins over it. Default: none. Example: "
+        "--duplicates to --clamp; an option on the command line wins over it. Default: none. Example: "
         "--config best.toml");
     addOption(
         command, "--inputs", "NAMES",
@@ -84,6 +84,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
             },
             setting.help);
     }
+    command.get_option("--anisotropy")->excludes(command.get_option("--scale"));
     addUnitsOption(command, options.units);
     addReadOptions(command, options.reading);
 }
@@ -131,6 +132,10 @@ void checkModelOptions(const ModelOptions& options)
                 throw UsageError("--inputs and --outputs: the column " + quoteForMessage(name) + " is named twice");
         }
     }
+    if (options.settings.anisotropy && options.inputNames.size() != 2)
+        throw UsageError("--anisotropy: has an angle with two inputs only, but there " +
+                         std::string(options.inputNames.size() == 1 ? "is " : "are ") +
+                         countOf(options.inputNames.size(), "input"));
     if (!options.settings.scaleFactors.empty() && options.settings.scaleFactors.size() != options.inputNames.size())
         throw UsageError("--scale: " + countOf(options.settings.scaleFactors.size(), "factor") + " for " +
                          countOf(options.inputNames.size(), "input") + "; give one each");

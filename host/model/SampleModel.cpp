@@ -4,6 +4,7 @@
 #include "estimation/Estimator.h"
 #include "estimation/chooseEstimator.h"
 #include "host/model/AnalysisInput.h"
+#include "host/model/DataForm.h"
 #include "host/model/ModelFailure.h"
 #include "host/model/ModelMemory.h"
 #include "host/text/HostErrors.h"
@@ -13,9 +14,13 @@
 namespace krige
 {
 
-SampleModel::SampleModel(const SampleTable& samples_, const fenn::estimation::ModelSettings& settings_,
+SampleModel::SampleModel(const SampleTable& samples_, const Settings& settings_,
                          const fenn::estimation::EstimatorOptions& options)
-    : samples(samples_), settings(settings_), numThreads(options.numThreads), sampleSet(toSampleSet(samples_))
+    : formed(hasDataForm(settings_) ? std::optional<SampleTable>(inModelForm(samples_, settings_)) : std::nullopt),
+      samples(formed ? *formed : samples_),
+      settings(settings_),
+      numThreads(options.numThreads),
+      sampleSet(toSampleSet(samples))
 {
     fenn::estimation::EstimatorOptions checked = options;
     checked.checkStandIn = [this](double)
@@ -50,17 +55,33 @@ bool SampleModel::isGlobal() const
 }
 
 std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& targets,
-                                  std::vector<std::vector<double>>& results, std::vector<double>* variances) const
+                                  std::vector<std::vector<double>>& results, std::vector<double>* variances,
+                                  std::vector<double>* driftProducts) const
+{
+    if (settings.anisotropy)
+    {
+        std::vector<std::vector<double>> rotated = targets;
+        bringIntoModelForm(rotated, settings);
+        return estimateInModelForm(rotated, results, variances, driftProducts);
+    }
+    return estimateInModelForm(targets, results, variances, driftProducts);
+}
+
+std::size_t SampleModel::estimateInModelForm(const std::vector<std::vector<double>>& targets,
+                                             std::vector<std::vector<double>>& results, std::vector<double>* variances,
+                                             std::vector<double>* driftProducts) const
 {
     fenn::estimation::Estimates estimates;
     estimates.values.swap(results); // and back: the caller's memory is used again
     if (variances)
         estimates.variances.swap(*variances);
+    if (driftProducts)
+        estimates.driftProducts.swap(*driftProducts);
     std::size_t numWithoutEstimate = 0;
     try
     {
-        numWithoutEstimate =
-            fenn::estimation::estimateAt(*estimator, targets, {variances != nullptr, false}, estimates);
+        numWithoutEstimate = fenn::estimation::estimateAt(*estimator, targets,
+                                                          {variances != nullptr, driftProducts != nullptr}, estimates);
     }
     catch (const SurrogateModelInterface::Error& error)
     {
@@ -69,12 +90,19 @@ std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& target
     results.swap(estimates.values);
     if (variances)
         variances->swap(estimates.variances);
+    if (driftProducts)
+        driftProducts->swap(estimates.driftProducts);
     return numWithoutEstimate;
 }
 
 double SampleModel::calcReciprocalCondition() const
 {
     return estimator->calcReciprocalCondition();
+}
+
+const fenn::ModelParts& SampleModel::getParts() const
+{
+    return estimator->getParts();
 }
 
 fenn::estimation::EngineReport SampleModel::getEngineReport() const

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "host/files/CsvReader.h"
+#include "host/model/DataForm.h"
 #include "host/model/Distance.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
@@ -114,6 +115,7 @@ const std::vector<SettingKey>& settingKeys()
          [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.scaleFactors = parseScaleFactors(name, text);
+             settings.anisotropy.reset();
          }},
         {"drift", "P", "Degree of the polynomial drift, 0 (a constant mean) to 4. Default: 0. Example: --drift 1",
          [](Settings& settings, const std::string& name, const std::string& text)
@@ -149,6 +151,30 @@ const std::vector<SettingKey>& settingKeys()
          [](Settings& settings, const std::string& name, const std::string& text)
          {
              settings.sills = parseSillChoices(name, text);
+         }},
+        {"anisotropy", "RATIO,ANGLE",
+         "For two inputs of one unit, in place of --scale: values stay alike farther along ANGLE, in degrees "
+         "anticlockwise from the axis of the first input, RATIO times as far as across it. Inputs are rotated and "
+         "stretched before the model; its range is the longer one. Default: none. Example: --anisotropy 2.5,30",
+         [](Settings& settings, const std::string& name, const std::string& text)
+         {
+             settings.anisotropy = parseAnisotropy(name, text);
+             settings.scaleFactors = {1.0, 1.0};
+         }},
+        {"transform", "NAME",
+         "log: model the natural logarithms of the outputs, which must be above 0, and give estimates in the data's "
+         "units, unbiased, with the medians as NAME_median; NAME_stderr stays that of the logarithm. Default: none. "
+         "Example: --transform log",
+         [](Settings& settings, const std::string& name, const std::string& text)
+         {
+             settings.units.areLogarithms = parseTransform(name, text);
+         }},
+        {"clamp", "LO:HI",
+         "Bring estimates, medians and ends of intervals into these limits, in the data's units; one of them may be "
+         "left out. Default: none. Examples: --clamp 0:100, --clamp 0:",
+         [](Settings& settings, const std::string& name, const std::string& text)
+         {
+             settings.units.limits = parseClamp(name, text);
          }}};
     return keys;
 }

@@ -14,7 +14,8 @@ bool operator==(const Settings& a, const Settings& b)
 {
     return static_cast<const fenn::estimation::ModelSettings&>(a) ==
                static_cast<const fenn::estimation::ModelSettings&>(b) &&
-           a.sills == b.sills && a.keepsDuplicates == b.keepsDuplicates;
+           a.sills == b.sills && a.keepsDuplicates == b.keepsDuplicates && a.anisotropy == b.anisotropy &&
+           a.units == b.units;
 }
 
 } // namespace krige

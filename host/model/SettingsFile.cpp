@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "host/files/InputFile.h"
+#include "host/model/DataForm.h"
 #include "host/model/Distance.h"
 #include "host/model/SettingKeys.h"
 #include "host/model/SettingSource.h"
@@ -66,7 +67,7 @@ std::string settingsFileText(const Settings& settings)
     appendSetting(text, "duplicates", merges ? "\"merge\"" : settings.keepsDuplicates ? "\"keep\"" : "\"error\"");
     if (merges)
         appendSetting(text, "duplicate-tolerance", formatNumber(settings.duplicateTolerance));
-    if (!settings.scaleFactors.empty())
+    if (!settings.scaleFactors.empty() && !settings.anisotropy)
     {
         std::string factors;
         for (const double factor : settings.scaleFactors)
@@ -81,6 +82,15 @@ std::string settingsFileText(const Settings& settings)
     appendSetting(text, "nearest", std::to_string(settings.numNearestPoints));
     if (!settings.sills.empty())
         appendSetting(text, "sill", tomlOf(settings.sills));
+    if (settings.anisotropy)
+        appendSetting(text, "anisotropy",
+                      "[" + formatNumber(settings.anisotropy->getRatio()) + ", " +
+                          formatNumber(settings.anisotropy->getAngle()) + "]");
+    if (settings.units.areLogarithms)
+        appendSetting(text, "transform", "\"log\"");
+    const std::string limits = clampText(settings.units.limits);
+    if (!limits.empty())
+        appendSetting(text, "clamp", '"' + limits + '"');
     return text;
 }
 
@@ -122,6 +132,9 @@ void readSettingsFile(const std::string& path, Settings& settings)
             throw InputError::atLine(path, lineNumber, error.what());
         }
     }
+    const auto anisotropy = lineOfKey.find("anisotropy");
+    if (anisotropy != lineOfKey.end() && lineOfKey.count("scale") > 0)
+        throw InputError::atLine(path, anisotropy->second, "'anisotropy' takes the place of 'scale'; keep one of them");
 }
 
 } // namespace krige

@@ -17,12 +17,13 @@ namespace krige
 ///     scale = [1, -2]
 ///     duplicates = "merge"
 ///     sill = ["auto", 12.5]
+///     transform = "log"
 ///
 /// Keys that are left out keep their values. An array may also stand without its brackets, a text without
 /// its quotes.
 
-/// The file that makes readSettingsFile give these settings, to the bit. Scale factors and sills are left out
-/// when automatic.
+/// The file that makes readSettingsFile give these settings, to the bit. What is left out stands for its
+/// default.
 std::string settingsFileText(const Settings& settings);
 
 /// Replaces the settings that the file names. Throws InputError with file and line for anything but known keys, each

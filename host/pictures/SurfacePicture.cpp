@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <numeric>
 
+#include "analysis/ConvexHull.h"
 #include "host/pictures/Gnuplot.h"
 #include "host/reports/RangeText.h"
 #include "host/text/NumberText.h"
@@ -129,25 +130,39 @@ private:
         Columns results;
         estimate(targets, results);
 
+        const fenn::analysis::ConvexHull hull(samples.inputs[slice.x], samples.inputs[slice.y]);
+        std::vector<std::size_t> surrounded; // nodes with samples around them
+        for (std::size_t i = 0; i < targets[slice.x].size(); ++i)
+        {
+            if (hull.contains(targets[slice.x][i], targets[slice.y][i]))
+                surrounded.push_back(i);
+        }
         const std::vector<std::size_t> drawn = samplesNear(slice);
         std::string dots;
+        if (surrounded.size() < targets[slice.x].size())
+            dots = ", " + picture.addData(hull.calcOutline()) +
+                   " using 1:2 with lines dt (8, 6) lw 1.5 lc rgb '#ffffff' notitle";
         if (!drawn.empty())
         {
             const std::string data =
                 picture.addData({pick(samples.inputs[slice.x], drawn), pick(samples.inputs[slice.y], drawn)});
             const std::string size = pointSize(drawn.size());
             // A dark dot within a light ring stands out from every colour of the map.
-            dots = ", " + data + " using 1:2 with points pt 7 ps " + size + " lc rgb '#ffffff' notitle, " + data +
-                   " using 1:2 with points pt 7 ps 0.6*" + size + " lc rgb '#000000' notitle";
+            dots += ", " + data + " using 1:2 with points pt 7 ps " + size + " lc rgb '#ffffff' notitle, " + data +
+                    " using 1:2 with points pt 7 ps 0.6*" + size + " lc rgb '#000000' notitle";
         }
         for (std::size_t w = 0; w < samples.outputs.size() && picture.getNumPanels() < mostPanels; ++w)
         {
+            // What is extrapolated does not take the colours: a trend soon leaves the range of the samples.
+            std::vector<double> coloured = pick(results[w], surrounded);
+            if (std::none_of(coloured.begin(), coloured.end(), [](double value) { return std::isfinite(value); }))
+                coloured = results[w];
             const std::string surface = picture.addData({targets[slice.x], targets[slice.y], results[w]});
             picture.addPanel(viridisPalette + aspectLine(box[slice.x], box[slice.y]) + "unset key\n" +
                              titleLine(slice, w) + "set xlabel " + axisLabel(slice.x) + "\nset ylabel " +
                              axisLabel(slice.y) + "\nset cblabel " + quoteForGnuplot(samples.outputNames[w]) +
                              "\nset xrange " + rangeOf(box[slice.x]) + "\nset yrange " + rangeOf(box[slice.y]) +
-                             "\nset cbrange " + plotRange(results[w], 0.0) + "\nplot " + surface +
+                             "\nset cbrange " + plotRange(coloured, 0.0) + "\nplot " + surface +
                              " using 1:2:3 with image notitle" + dots + "\n");
         }
     }

@@ -64,7 +64,7 @@ void addErrors(Picture& picture, const ValidationResult& result, std::size_t w, 
     double largestStandardError = 0.0;
     for (std::size_t i = 0; i < result.truths[w].size(); ++i)
     {
-        errors.push_back(result.estimates[w][i] - result.truths[w][i]);
+        errors.push_back(result.getModelEstimates(w)[i] - result.getModelTruths(w)[i]);
         if (std::isnan(errors.back()) || std::isnan(figures.standardErrors[i]))
             continue;
         largest = std::max(largest, std::fabs(errors.back()));
@@ -97,7 +97,7 @@ void addCalibration(Picture& picture, const ValidationResult& result, std::size_
     constexpr std::size_t numIntervals = 99;
     std::vector<std::vector<double>> curve(2);
     for (const fenn::analysis::IntervalCoverage& coverage : fenn::analysis::calcCalibrationCurve(
-             result.truths[w], result.estimates[w], figures.standardErrors, numIntervals))
+             result.getModelTruths(w), result.getModelEstimates(w), figures.standardErrors, numIntervals))
     {
         curve[0].push_back(100.0 * coverage.nominal);
         curve[1].push_back(100.0 * coverage.actual);

@@ -5,12 +5,13 @@
 #include "estimation/MergedSamples.h"
 #include "host/files/CsvReader.h"
 #include "host/files/OutputFile.h"
+#include "host/model/DataForm.h"
 #include "host/text/NumberText.h"
 
 namespace krige
 {
 
-void writeDuplicatesReport(const std::string& path, const SampleTable& samples, double tolerance)
+void writeDuplicatesReport(const std::string& path, const SampleTable& samples, const Settings& settings)
 {
     OutputFile output(path);
     std::string text = "point,line";
@@ -24,7 +25,8 @@ void writeDuplicatesReport(const std::string& path, const SampleTable& samples, 
     }
     text += '\n';
 
-    const auto groups = fenn::estimation::findMergedSamples(samples.inputs, tolerance).groups;
+    const auto groups =
+        fenn::estimation::findMergedSamples(inModelForm(samples, settings).inputs, settings.duplicateTolerance).groups;
     for (std::size_t g = 0; g < groups.size(); ++g)
     {
         for (const std::size_t i : groups[g])

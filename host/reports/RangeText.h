@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "estimation/ModelSettings.h"
 #include "host/model/SampleTable.h"
+#include "host/model/Settings.h"
 
 namespace krige
 {
@@ -14,8 +14,7 @@ std::string behindDistance(const std::string& units);
 
 /// The range of the model of these samples and settings along each input, as a person measures it: "900 m in 'x', 640 m
 /// in 'y' (0.5 of the normalised diagonal)". Throws as makeModelParts.
-std::string describeRange(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                          const std::string& units);
+std::string describeRange(const SampleTable& samples, const Settings& settings, const std::string& units);
 
 } // namespace krige
 

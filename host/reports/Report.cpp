@@ -5,9 +5,11 @@
 #include <ostream>
 
 #include "estimation/SystemInverse.h"
+#include "host/model/DataForm.h"
 #include "host/model/ModelFailure.h"
 #include "host/model/SuspiciousValues.h"
 #include "host/reports/RangeText.h"
+#include "host/targets/TargetSupport.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
 
@@ -52,6 +54,19 @@ void Report::samplesRead(const SampleTable& samples)
                << ", with a missing value\n";
     for (const std::string& warning : warningsOfSamples(samples))
         stream << warning << '\n';
+}
+
+void Report::formUsed(const Settings& settings)
+{
+    if (settings.anisotropy)
+        stream << "anisotropy: the longer range lies at " << formatFigure(settings.anisotropy->getAngle())
+               << " degrees from the axis of the first input, " << formatFigure(settings.anisotropy->getRatio())
+               << " times the shorter one\n";
+    if (settings.units.areLogarithms)
+        stream << "transform: the model is one of natural logarithms; their sills and standard errors are theirs\n";
+    const std::string limits = clampText(settings.units.limits);
+    if (!limits.empty())
+        stream << "clamp: estimates are brought into " << limits << '\n';
 }
 
 void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
@@ -129,10 +144,18 @@ void Report::variancesRejected(std::uint64_t count, std::uint64_t numTargets)
                   "not suit so many inputs, or samples are too near to each other for this range and nugget\n";
 }
 
-void Report::rangeUsed(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                       const std::string& units)
+void Report::rangeUsed(const SampleTable& samples, const Settings& settings, const std::string& units)
 {
     stream << "range: " << describeRange(samples, settings, units) << '\n';
+}
+
+void Report::supported(const TargetSupport& support)
+{
+    stream << "support: " << support.describe() << '\n';
+    for (const std::string& taken : support.describeTaken())
+        stream << "limit: " << taken << ": nan is given there\n";
+    if (support.areAllUnsupported())
+        stream << "warning: " << support.describeAllUnsupported() << '\n';
 }
 
 void Report::answered(const fenn::estimation::EngineReport& engine)

@@ -16,6 +16,8 @@
 namespace krige
 {
 
+class TargetSupport;
+
 /// Says on a stream (standard error) what a run did, one line each: samples read, points merged, strategy, engine,
 /// time.
 class Report
@@ -24,6 +26,9 @@ public:
     explicit Report(std::ostream& stream_);
 
     void samplesRead(const SampleTable& samples);
+
+    /// What the model works on, where that is something else than what stands in the files; and limits of estimates.
+    void formUsed(const Settings& settings);
 
     /// Also gives the condition of a global system, and hints about samples that make poor estimates: coincident ones,
     /// or too few for the drift.
@@ -41,10 +46,12 @@ public:
     /// A note where coincident samples count as repeated measurements, a warning where they are kept without a nugget.
     void coincidentSamples(const SampleTable& samples, const fenn::estimation::ModelSettings& settings);
 
-    /// How far the range of the model reaches, in units of the inputs; call where these samples and settings make a
-    /// model.
-    void rangeUsed(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                   const std::string& units);
+    /// How far the range of the model reaches, in units of the inputs; call where these samples, in the form of the
+    /// model, and settings make one.
+    void rangeUsed(const SampleTable& samples, const Settings& settings, const std::string& units);
+
+    /// Targets outside the samples, and what limits took of the predictions; a warning where all are unsupported.
+    void supported(const TargetSupport& support);
 
     /// Which engine answered, and how far its estimates can be from the exact ones.
     void answered(const fenn::estimation::EngineReport& engine);

@@ -1,6 +1,7 @@
 #include "host/reports/ValidationResult.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ostream>
 
@@ -42,6 +43,23 @@ std::vector<double> ValidationResult::calcStandardErrors(std::size_t output) con
     return errors;
 }
 
+void ValidationResult::bringIntoUnits(const fenn::analysis::OutputUnits& units,
+                                      const std::vector<double>& driftProducts)
+{
+    if (units == fenn::analysis::OutputUnits())
+        return;
+    modelTruths = truths;
+    modelEstimates = estimates;
+    for (std::size_t w = 0; w < truths.size(); ++w)
+    {
+        for (std::size_t i = 0; i < lines.size(); ++i)
+        {
+            truths[w][i] = units.areLogarithms ? std::exp(truths[w][i]) : truths[w][i];
+            estimates[w][i] = units.estimateOf(estimates[w][i], variances[i], driftProducts[i], sills[w][i]);
+        }
+    }
+}
+
 std::vector<ValidationFigures> summarise(const ValidationResult& result, std::size_t numWorst)
 {
     std::vector<ValidationFigures> figures;
@@ -50,7 +68,7 @@ std::vector<ValidationFigures> summarise(const ValidationResult& result, std::si
         std::vector<double> standardErrors = result.calcStandardErrors(w);
         figures.push_back(
             {fenn::analysis::calcErrorStatistics(result.truths[w], result.estimates[w], {}, 1.0, numWorst),
-             fenn::analysis::calcCalibration(result.truths[w], result.estimates[w], standardErrors),
+             fenn::analysis::calcCalibration(result.getModelTruths(w), result.getModelEstimates(w), standardErrors),
              std::move(standardErrors)});
     }
     return figures;

@@ -7,6 +7,7 @@
 
 #include "analysis/Calibration.h"
 #include "analysis/ErrorStatistics.h"
+#include "analysis/OutputTransform.h"
 
 namespace krige
 {
@@ -25,6 +26,24 @@ struct ValidationResult
 
     /// Standard errors of an output's estimates, as predictions of new observations; NaN where there is none.
     std::vector<double> calcStandardErrors(std::size_t output) const;
+
+    // As the model has them, where these are not truths and estimates: logarithms, or not clamped. Standard errors are
+    // theirs.
+    std::vector<std::vector<double>> modelTruths{};
+    std::vector<std::vector<double>> modelEstimates{};
+
+    const std::vector<double>& getModelTruths(std::size_t output) const
+    {
+        return modelTruths.empty() ? truths[output] : modelTruths[output];
+    }
+
+    const std::vector<double>& getModelEstimates(std::size_t output) const
+    {
+        return modelEstimates.empty() ? estimates[output] : modelEstimates[output];
+    }
+
+    /// Brings truths and estimates, which are the model's so far, into the data's units. driftProducts: one per point.
+    void bringIntoUnits(const fenn::analysis::OutputUnits& units, const std::vector<double>& driftProducts);
 };
 
 /// How good the estimates of one output are, and how good their standard errors.

@@ -30,6 +30,8 @@ std::vector<PredictionColumn> choosePredictionColumns(const std::vector<std::str
             columns.push_back({outputNames[output] + ending, quantity, output});
     };
     addForEachOutput("", Quantity::Estimate);
+    if (request.withMedian)
+        addForEachOutput("_median", Quantity::Median);
     if (request.withVariance)
     {
         columns.push_back({"variance", Quantity::Variance, 0});
@@ -54,7 +56,8 @@ std::vector<std::string> namesOf(const std::vector<PredictionColumn>& columns)
 bool needVariances(const std::vector<PredictionColumn>& columns)
 {
     return std::any_of(columns.begin(), columns.end(),
-                       [](const PredictionColumn& column) { return column.quantity != Quantity::Estimate; });
+                       [](const PredictionColumn& column)
+                       { return column.quantity != Quantity::Estimate && column.quantity != Quantity::Median; });
 }
 
 } // namespace krige

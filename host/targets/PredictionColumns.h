@@ -12,6 +12,7 @@ namespace krige
 enum class Quantity
 {
     Estimate,
+    Median,   // of an output that is modelled by its logarithm
     Variance, // for a sill of 1, the same for every output
     StandardError,
     LowerEnd, // of the interval that holds a new observation
@@ -30,6 +31,7 @@ struct PredictionRequest
 {
     bool withVariance = false; // and standard errors
     double coverage = 0.0;     // of intervals, in percent; 0: none
+    bool withMedian = false;   // of outputs that are modelled by their logarithms
 };
 
 /// A percentage of an interval, from 1 to below 100. Throws UsageError that begins with option.

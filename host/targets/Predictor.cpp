@@ -14,12 +14,12 @@ namespace krige
 {
 
 Predictor::Predictor(const SampleModel& model_, std::vector<PredictionColumn> columns_, std::vector<double> sills_,
-                     double coverage)
+                     double coverage, const fenn::analysis::OutputUnits& units_)
     : model(model_),
       columns(std::move(columns_)),
-      withVariances(needVariances(columns)),
       sills(std::move(sills_)),
-      intervalFactor(coverage > 0.0 ? fenn::analysis::intervalFactor(coverage / 100.0) : 0.0)
+      intervalFactor(coverage > 0.0 ? fenn::analysis::intervalFactor(coverage / 100.0) : 0.0),
+      units(units_)
 {
 }
 
@@ -32,12 +32,11 @@ void Predictor::predict(const std::vector<std::vector<double>>& targets, std::ve
 {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();
-    numWithoutEstimate += model.estimate(targets, answers.estimates, withVariances ? &answers.variances : nullptr);
+    numWithoutEstimate += model.estimate(targets, answers.estimates, sills.empty() ? nullptr : &answers.variances,
+                                         units.areLogarithms ? &answers.driftProducts : nullptr);
     seconds += std::chrono::duration<double>(Clock::now() - start).count();
 
-    if (withVariances)
-        deriveUncertainty();
-
+    deriveUncertainty();
     const std::size_t numTargets = targets.front().size();
     values.resize(columns.size());
     for (std::size_t c = 0; c < columns.size(); ++c)
@@ -73,13 +72,18 @@ double Predictor::valueOf(const PredictionColumn& column, std::size_t t) const
 {
     const auto interval = [&]
     {
-        return fenn::analysis::predictionInterval(answers.estimates[column.output][t],
-                                                  answers.standardErrors[column.output][t], intervalFactor);
+        return units.intervalOf(fenn::analysis::predictionInterval(
+            answers.estimates[column.output][t], answers.standardErrors[column.output][t], intervalFactor));
     };
     switch (column.quantity)
     {
     case Quantity::Estimate:
-        return answers.estimates[column.output][t];
+        if (!units.areLogarithms)
+            return fenn::analysis::clamped(answers.estimates[column.output][t], units.limits);
+        return units.estimateOf(answers.estimates[column.output][t], answers.variances[t], answers.driftProducts[t],
+                                sills[column.output]);
+    case Quantity::Median:
+        return units.medianOf(answers.estimates[column.output][t]);
     case Quantity::Variance:
         return answers.variances[t];
     case Quantity::StandardError:

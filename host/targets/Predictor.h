@@ -6,6 +6,7 @@
 #include <functional>
 #include <vector>
 
+#include "analysis/OutputTransform.h"
 #include "host/targets/PredictionColumns.h"
 
 namespace krige
@@ -16,9 +17,10 @@ class SampleModel;
 /// What the model answers for one block of targets, before columns are made of it. One value per target everywhere.
 struct AnsweredTargets
 {
-    std::vector<std::vector<double>> estimates; // one column per output
-    // Both empty unless some column needs them:
+    std::vector<std::vector<double>> estimates; // one column per output, as the model has it
+    // Empty unless sills are given:
     std::vector<double> variances;                   // for a sill of 1, accepted: 0 or above, or NaN
+    std::vector<double> driftProducts;               // the drift's share of them; of logarithms only
     std::vector<std::vector<double>> standardErrors; // one column per output, of a new observation
 };
 
@@ -32,10 +34,11 @@ using TargetMask = std::function<void(const std::vector<std::vector<double>>& ta
 class Predictor
 {
 public:
-    /// Refers to the model, which must outlive it. sills: one per output, of which standard errors are made; unused
-    /// where no column needs variances. coverage: of intervals, in percent.
+    /// Refers to the model, which must outlive it. sills: one per output, of which standard errors are made; none where
+    /// neither a column nor a mask needs variances and the model is not one of logarithms. coverage: of intervals, in
+    /// percent. units: in which estimates, medians and intervals come out.
     Predictor(const SampleModel& model_, std::vector<PredictionColumn> columns_, std::vector<double> sills_,
-              double coverage);
+              double coverage, const fenn::analysis::OutputUnits& units_ = {});
 
     /// To be called before the first block. Every mask sees the answers as the model gave them.
     void addMask(TargetMask mask);
@@ -75,10 +78,10 @@ private:
     const SampleModel& model;
     std::vector<PredictionColumn> columns;
     std::vector<TargetMask> masks;
-    bool withVariances;
-    std::vector<double> sills; // per output
+    std::vector<double> sills; // per output; empty: no variances
     double intervalFactor;     // half an interval in standard errors
-    AnsweredTargets answers;   // kept: it grows to a block's size once
+    fenn::analysis::OutputUnits units;
+    AnsweredTargets answers; // kept: it grows to a block's size once
     std::uint64_t numWithoutEstimate = 0;
     std::uint64_t numWithoutVariance = 0;
     std::uint64_t numMasked = 0;

@@ -136,4 +136,20 @@ TEST(ConvexHullTest, NoNumberIsOutside)
     EXPECT_FALSE(hull.contains(0.1, notANumber));
 }
 
+TEST(ConvexHullTest, TheOutlineGoesAroundOnceAndCloses)
+{
+    const ConvexHull square({0.0, 2.0, 1.0, 2.0, 0.0}, {0.0, 4.0, 1.0, 0.0, 4.0});
+    const ConvexHull triangle({0.0, 1.0, 3.0, 1.0}, {0.0, 0.5, 0.0, 2.0});
+
+    EXPECT_EQ(square.calcOutline(), (std::vector<std::vector<double>>{{0, 2, 2, 0, 0}, {0, 0, 4, 4, 0}}));
+    EXPECT_EQ(triangle.calcOutline()[1], (std::vector<double>{0, 0, 2, 0}));
+}
+
+TEST(ConvexHullTest, TheOutlineOfPlacesOnALineIsThatLine)
+{
+    const ConvexHull upright({1.0, 1.0}, {0.0, 3.0});
+
+    EXPECT_EQ(upright.calcOutline(), (std::vector<std::vector<double>>{{1, 1, 1}, {0, 3, 0}}));
+}
+
 } // namespace

@@ -178,4 +178,31 @@ TEST(OutputTransformTest, ClampingBringsValuesIntoTheLimits)
     EXPECT_EQ(clamped(-1e300, Interval()), -1e300);
 }
 
+TEST(OutputTransformTest, UnitsWithoutLogarithmsOnlyLimit)
+{
+    const fenn::analysis::OutputUnits plain;
+    const fenn::analysis::OutputUnits limited{false, {0.0, 2.0}};
+
+    EXPECT_EQ(plain.estimateOf(-3.0, 0.5, 0.25, 2.0), -3.0);
+    EXPECT_EQ(limited.estimateOf(-3.0, 0.5, 0.25, 2.0), 0.0);
+    EXPECT_EQ(limited.medianOf(5.0), 2.0);
+    EXPECT_EQ(limited.intervalOf({-1.0, 1.5}).lower, 0.0);
+    EXPECT_EQ(limited.intervalOf({-1.0, 1.5}).upper, 1.5);
+    EXPECT_TRUE(std::isnan(limited.estimateOf(notANumber, 0.5, 0.25, 2.0)));
+}
+
+TEST(OutputTransformTest, UnitsOfLogarithmsComeBackByTheirFormulasThenLimit)
+{
+    const fenn::analysis::OutputUnits logarithms{true, {}};
+    const fenn::analysis::OutputUnits limited{true, {1.0, 4.0}};
+
+    EXPECT_EQ(logarithms.estimateOf(0.3, 0.5, 0.1, 2.0), expectationOf(0.3, 0.5, 0.1, 2.0));
+    EXPECT_EQ(logarithms.medianOf(0.3), medianOf(0.3));
+    EXPECT_EQ(logarithms.intervalOf({0.1, 0.4}).upper, std::exp(0.4));
+    EXPECT_EQ(limited.estimateOf(-1.0, 0.0, 0.0, 1.0), 1.0);
+    EXPECT_EQ(limited.intervalOf({-1.0, 2.0}).upper, 4.0);
+    EXPECT_TRUE(logarithms == logarithms);
+    EXPECT_FALSE(logarithms == limited);
+}
+
 } // namespace

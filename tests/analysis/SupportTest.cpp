@@ -45,7 +45,7 @@ TEST(SupportTest, TheFacesBelongToTheBox)
 {
     const SampleSet samples = square();
     const auto parts = makeModelParts(samples, rangeOfOne);
-    const Support support(*parts, rangeOfOne.rangeFraction);
+    const Support support(*parts);
     const auto isInside = [&](double x, double y)
     {
         const double target[] = {x, y};
@@ -63,7 +63,7 @@ TEST(SupportTest, OutsideTheBoxTheRangeOfTheNearestSampleDecides)
 {
     const SampleSet samples = square();
     const auto parts = makeModelParts(samples, rangeOfOne);
-    const Support support(*parts, rangeOfOne.rangeFraction);
+    const Support support(*parts);
     const auto isSupported = [&](double x, double y)
     {
         const double target[] = {x, y};
@@ -85,7 +85,7 @@ TEST(SupportTest, DistancesAreNormalised)
     // A side of 100 and one of 1: both 2 when normalised.
     const SampleSet samples({{0.0, 100.0, 100.0, 0.0}, {0.0, 0.0, 1.0, 1.0}}, {{1.0, 2.0, 3.0, 4.0}});
     const auto parts = makeModelParts(samples, {});
-    const Support support(*parts, 1.0);
+    const Support support(*parts);
     const double target[] = {150.0, 1.0};
 
     EXPECT_NEAR(support.calcDistanceToNearest(target), 1.0, 1e-15);
@@ -96,7 +96,7 @@ TEST(SupportTest, FiguresAreThoseOfALookAtEverySample)
     const SampleSet samples = fenn::test::smoothSamples(300, 4);
     const ModelSettings settings{-1.0, {1.0, 3.0}, 0, 0.05, 0.0, 0};
     const auto parts = makeModelParts(samples, settings);
-    const Support support(*parts, settings.rangeFraction);
+    const Support support(*parts);
     const Columns columns = fenn::test::randomValues(2, 2000, -0.2, 1.2, 5);
     double squaredDiagonal = 0.0;
     std::vector<double> scales;
@@ -138,7 +138,7 @@ TEST(SupportTest, SwappedColumnsAreUnsupportedThroughout)
     const SampleSet plane(inputs, {samples.getOutput(0)});
     const auto parts = makeModelParts(plane, {});
 
-    const SupportCounts counts = Support(*parts, 1.0).count(targetsAt({inputs[1], inputs[0]}));
+    const SupportCounts counts = Support(*parts).count(targetsAt({inputs[1], inputs[0]}));
 
     EXPECT_EQ(counts.numOutsideBox, 50U);
     EXPECT_EQ(counts.numUnsupported, 50U);
@@ -148,7 +148,7 @@ TEST(SupportTest, TargetsThatAreNotFiniteAreNotCounted)
 {
     const SampleSet samples = square();
     const auto parts = makeModelParts(samples, rangeOfOne);
-    const Support support(*parts, rangeOfOne.rangeFraction);
+    const Support support(*parts);
     const Columns columns{{notANumber, infinity, 5.0}, {0.0, 0.0, 0.0}};
 
     const SupportCounts counts = support.count(targetsAt(columns));

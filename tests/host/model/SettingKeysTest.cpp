@@ -31,6 +31,8 @@ TEST(SettingKeysTest, EveryKeySetsItsOwnField)
     applySetting(settings, "nugget", "0.125");
     applySetting(settings, "nearest", "32");
     applySetting(settings, "sill", "sample,2.5");
+    applySetting(settings, "transform", "log");
+    applySetting(settings, "clamp", "0:7.5");
 
     Settings expected;
     expected.duplicateTolerance = 0.25;
@@ -40,8 +42,23 @@ TEST(SettingKeysTest, EveryKeySetsItsOwnField)
     expected.nugget = 0.125;
     expected.numNearestPoints = 32;
     expected.sills = {{krige::SillChoice::Rule::Sample, 0.0}, {krige::SillChoice::Rule::Given, 2.5}};
+    expected.units = {true, {0.0, 7.5}};
     EXPECT_TRUE(settings == expected);
-    EXPECT_EQ(krige::settingKeys().size(), 8u); // and duplicates
+    EXPECT_EQ(krige::settingKeys().size(), 11u); // and duplicates, and anisotropy
+}
+
+TEST(SettingKeysTest, AnAnisotropyAndScaleFactorsTakeEachOthersPlace)
+{
+    Settings settings;
+    applySetting(settings, "scale", "1,-2");
+    applySetting(settings, "anisotropy", "2.5,30");
+    ASSERT_TRUE(settings.anisotropy.has_value());
+    EXPECT_EQ(settings.anisotropy->getRatio(), 2.5);
+    EXPECT_EQ(settings.anisotropy->getAngle(), 30.0);
+    EXPECT_EQ(settings.scaleFactors, (std::vector<double>{1.0, 1.0}));
+
+    applySetting(settings, "scale", "1,-2");
+    EXPECT_FALSE(settings.anisotropy.has_value());
 }
 
 TEST(SettingKeysTest, TheRangeIsAFractionOrInTheInputsUnits)
@@ -67,7 +84,7 @@ TEST(SettingKeysTest, ARangeFractionAboveTenIsAnsweredWithTheUnits)
 TEST(SettingKeysTest, AnUnknownKeyIsAnsweredWithThoseThereAre)
 {
     EXPECT_EQ(faultOf("drfit", "1"), "'drfit' is no setting; the settings are duplicates, duplicate-tolerance, "
-                                     "scale, drift, range, nugget, nearest, sill");
+                                     "scale, drift, range, nugget, nearest, sill, anisotropy, transform, clamp");
 }
 
 TEST(SettingKeysTest, AValueOutOfBoundsIsAnsweredWithTheBounds)

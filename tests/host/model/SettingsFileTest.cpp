@@ -1,5 +1,7 @@
 #include "host/model/SettingsFile.h"
 
+#include <limits>
+
 #include <gtest/gtest.h>
 
 #include "host/text/HostErrors.h"
@@ -76,6 +78,31 @@ TEST(SettingsFileTest, DefaultsReadBackAsDefaults)
     EXPECT_EQ(result.nugget, 0.0);
     EXPECT_EQ(result.numNearestPoints, 0);
     EXPECT_TRUE(result.sills.empty());
+}
+
+TEST(SettingsFileTest, TheFormOfTheDataIsKeptToTheSameBits)
+{
+    Settings settings;
+    settings.anisotropy.emplace(1.0 / 0.3, 100.0 / 3.0);
+    settings.scaleFactors = {1.0, 1.0};
+    settings.units.areLogarithms = true;
+    settings.units.limits = {0.1 + 0.2, std::numeric_limits<double>::infinity()};
+
+    EXPECT_TRUE(readBack(settings).anisotropy == settings.anisotropy);
+    EXPECT_TRUE(readBack(settings).units == settings.units);
+    EXPECT_EQ(readBack(settings).scaleFactors, settings.scaleFactors);
+    EXPECT_EQ(krige::settingsFileText(settings).find("scale"), std::string::npos);
+    EXPECT_TRUE(readBack(Settings()).units == Settings().units);
+}
+
+TEST(SettingsFileTest, AnAnisotropyBesideScaleFactorsIsRefused)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("s.toml", "scale = [1, 2]\nanisotropy = [2, 30]\n");
+    Settings settings;
+
+    EXPECT_EQ(krige::test::messageOf<krige::InputError>([&] { krige::readSettingsFile(path, settings); }),
+              path + ", line 2: 'anisotropy' takes the place of 'scale'; keep one of them");
 }
 
 TEST(SettingsFileTest, KeysThatAreLeftOutKeepTheirValues)

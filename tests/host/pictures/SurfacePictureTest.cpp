@@ -143,3 +143,18 @@ TEST(SurfacePictureTest, SamplesAwayFromASliceAreNotDrawnOnIt)
     EXPECT_EQ(countOf("\n1.5 1.25\n", script), 1u);
     EXPECT_EQ(countOf("\n4 2\n", script), 0u);
 }
+
+TEST(SurfacePictureTest, ColoursSpanWhatSamplesSurroundAndADashedLineShowsTheRest)
+{
+    // The corner opposite to the first sample has none: the sum is 6 there, and at most 4 among the samples.
+    const SampleTable corner{"s.csv", {"x", "y"}, {"z"}, {{0, 4, 0}, {0, 0, 2}}, {{0, 0, 0}}};
+    const SampleTable full{"s.csv", {"x", "y"}, {"z"}, {{0, 4, 0, 4}, {0, 0, 2, 2}}, {{0, 0, 0, 0}}};
+    SumEstimator estimator;
+
+    const std::string script = scriptOf(corner, estimator);
+    EXPECT_THAT(script, HasSubstr("set cbrange [0:4]"));
+    EXPECT_THAT(script, HasSubstr("with lines dt (8, 6)"));
+    const std::string fullScript = scriptOf(full, estimator);
+    EXPECT_THAT(fullScript, HasSubstr("set cbrange [0:6]"));
+    EXPECT_THAT(fullScript, Not(HasSubstr("with lines dt")));
+}

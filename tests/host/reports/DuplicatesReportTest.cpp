@@ -13,7 +13,9 @@ namespace
 std::string reportOf(const SampleTable& samples, double tolerance)
 {
     const TemporaryFolder folder;
-    krige::writeDuplicatesReport(folder.pathOf("merged.csv"), samples, tolerance);
+    krige::Settings settings;
+    settings.duplicateTolerance = tolerance;
+    krige::writeDuplicatesReport(folder.pathOf("merged.csv"), samples, settings);
     return folder.read("merged.csv");
 }
 
