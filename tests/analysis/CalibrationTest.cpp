@@ -72,6 +72,15 @@ TEST(CalibrationTest, TheScoreFallsToTheErrorAsTheStandardErrorGoesToZero)
     EXPECT_EQ(calcCalibration({1.0}, {3.0}, {0.0}).crps, 2.0);
 }
 
+TEST(CalibrationTest, TheEndsBelongToAnInterval)
+{
+    const double end = fenn::analysis::intervalFactor(0.5);
+
+    EXPECT_EQ(calcCalibration({0.0}, {end}, {1.0}).coverages[0].actual, 1.0);
+    EXPECT_EQ(calcCalibration({0.0}, {-end}, {1.0}).coverages[0].actual, 1.0);
+    EXPECT_EQ(calcCalibration({0.0}, {std::nextafter(end, 1.0)}, {1.0}).coverages[0].actual, 0.0);
+}
+
 TEST(CalibrationTest, CertainPointsAreCoveredOnlyWhenTheyAreRight)
 {
     const Calibration calibration = calcCalibration({1.0, 1.0, 5.0}, {1.0 + 1e-15, 1.1, 5.5}, {0.0, 0.0, 1.0});
