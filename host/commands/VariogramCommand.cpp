@@ -227,7 +227,7 @@ void VariogramCommand::show(const SampleTable& samples, Report& report, std::ost
         settings = withFit(settings, *parts, fit);
         parts = fenn::estimation::makeModelParts(sampleSet, settings);
         bins.sill = fit.sill;
-        reportLines << describeFit(fit, settings, unit);
+        reportLines << describeFit(fit, settings, bins, unit);
     }
     else
     {
@@ -245,11 +245,11 @@ void VariogramCommand::show(const SampleTable& samples, Report& report, std::ost
     if (plotPath.empty())
         return;
     const VariogramCurve curve = curveOfModel(*parts, bins.maxLag, *bins.sill);
+    const std::string name = nameWithDirection(samples.outputNames[0], bins);
     if (isEveryLag())
-        drawVariogram(plotPath, samples.outputNames[0], unit, table.bins,
-                      fenn::analysis::binSemivariogram(*parts, bins).bins, curve);
+        drawVariogram(plotPath, name, unit, table.bins, fenn::analysis::binSemivariogram(*parts, bins).bins, curve);
     else
-        drawVariogram(plotPath, samples.outputNames[0], unit, {}, table.bins, curve);
+        drawVariogram(plotPath, name, unit, {}, table.bins, curve);
 }
 
 } // namespace krige

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "estimation/MergedSamples.h"
+#include "estimation/RangeInUnits.h"
 #include "estimation/Separation.h"
 #include "estimation/SystemInverse.h"
 #include "estimation/makeModelParts.h"
@@ -70,7 +71,8 @@ std::string describeNearSamples(const SampleTable& samples, const fenn::estimati
         return {};
 
     const bool isRepeated = nearest.verdict == SeparationVerdict::Repeated;
-    const double tolerance = isRepeated ? 0.0 : suggestTolerance(samples, nearest, settings, numInSystem);
+    const double tolerance =
+        isRepeated ? 0.0 : suggestTolerance(samples, nearest, withRangeFraction(sampleSet, settings), numInSystem);
     const std::size_t count = fenn::estimation::findMergedSamples(samples.inputs, tolerance).numMerged;
     char distance[32];
     std::snprintf(distance, sizeof distance, "%.3g", calcDistance(samples, nearest));

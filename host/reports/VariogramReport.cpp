@@ -40,7 +40,8 @@ std::string describePairs(const fenn::analysis::BinnedSemivariogram& table,
     return text;
 }
 
-std::string describeFit(const fenn::analysis::SphericalFit& fit, const Settings& settings, const LagUnit& unit)
+std::string describeFit(const fenn::analysis::SphericalFit& fit, const Settings& settings,
+                        const fenn::analysis::BinningOptions& options, const LagUnit& unit)
 {
     const bool isAllNugget = fit.nuggetFraction >= 1.0;
     std::string text = "fit: sill " + formatFigure(fit.sill) + ", nugget " +
@@ -58,7 +59,16 @@ std::string describeFit(const fenn::analysis::SphericalFit& fit, const Settings&
     if (settings.driftOrder > 0)
         text += "hint: the semivariogram is that of the values as they are, a trend among them; --drift " +
                 std::to_string(settings.driftOrder) + " takes the trend out, so that less sill and range are left\n";
+    if (options.direction)
+        text += "hint: the fit is that of one direction, the settings hold in all\n";
     return text;
+}
+
+std::string nameWithDirection(const std::string& outputName, const fenn::analysis::BinningOptions& options)
+{
+    if (!options.direction)
+        return outputName;
+    return outputName + " in direction " + formatNumber(*options.direction) + " +- " + formatNumber(options.tolerance);
 }
 
 } // namespace krige

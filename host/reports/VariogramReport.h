@@ -17,7 +17,11 @@ std::string describePairs(const fenn::analysis::BinnedSemivariogram& table,
                           const fenn::analysis::BinningOptions& options, const LagUnit& unit);
 
 /// A line for the fit, with the settings as options, and hints where it is not to be trusted. settings: with the fit.
-std::string describeFit(const fenn::analysis::SphericalFit& fit, const Settings& settings, const LagUnit& unit);
+std::string describeFit(const fenn::analysis::SphericalFit& fit, const Settings& settings,
+                        const fenn::analysis::BinningOptions& options, const LagUnit& unit);
+
+/// "rainfall", or "rainfall in direction 45 +- 22.5", for the axis of a picture.
+std::string nameWithDirection(const std::string& outputName, const fenn::analysis::BinningOptions& options);
 
 } // namespace krige
 

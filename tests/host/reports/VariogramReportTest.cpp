@@ -65,7 +65,7 @@ TEST(VariogramReportTest, AFitIsSaidInUnitsAndAsOptions)
     settings.rangeFraction = 0.5;
     settings.nugget = 0.25;
 
-    EXPECT_EQ(describeFit(goodFit(), settings, metres),
+    EXPECT_EQ(describeFit(goodFit(), settings, {}, metres),
               "fit: sill 8, nugget 2 (0.25 of the sill), range 150 m; relative deviation of the bins 0.1\n"
               "fitted: --drift 0 --range 0.5 --nugget 0.25 --sill 8\n");
 }
@@ -81,9 +81,21 @@ TEST(VariogramReportTest, DoubtfulFitsGiveHints)
     Settings drifting;
     drifting.driftOrder = 1;
 
-    EXPECT_THAT(describeFit(rising, {}, metres), HasSubstr("hint: the semivariogram still rises"));
-    EXPECT_THAT(describeFit(level, {}, metres), HasSubstr("hint: the semivariogram does not rise"));
-    EXPECT_THAT(describeFit(unsettled, {}, metres), HasSubstr("hint: the fit did not settle"));
-    EXPECT_THAT(describeFit(goodFit(), drifting, metres), HasSubstr("hint: the semivariogram is that of the values"));
-    EXPECT_THAT(describeFit(goodFit(), {}, metres), Not(HasSubstr("hint")));
+    EXPECT_THAT(describeFit(rising, {}, {}, metres), HasSubstr("hint: the semivariogram still rises"));
+    EXPECT_THAT(describeFit(level, {}, {}, metres), HasSubstr("hint: the semivariogram does not rise"));
+    EXPECT_THAT(describeFit(unsettled, {}, {}, metres), HasSubstr("hint: the fit did not settle"));
+    EXPECT_THAT(describeFit(goodFit(), drifting, {}, metres),
+                HasSubstr("hint: the semivariogram is that of the values"));
+    BinningOptions directed;
+    directed.direction = 45.0;
+    EXPECT_THAT(describeFit(goodFit(), {}, directed, metres), HasSubstr("hint: the fit is that of one direction"));
+    EXPECT_THAT(describeFit(goodFit(), {}, {}, metres), Not(HasSubstr("hint")));
+}
+
+TEST(VariogramReportTest, ADirectionStandsBehindTheName)
+{
+    BinningOptions options;
+    EXPECT_EQ(krige::nameWithDirection("z", options), "z");
+    options.direction = 45.0;
+    EXPECT_EQ(krige::nameWithDirection("z", options), "z in direction 45 +- 22.5");
 }

@@ -99,3 +99,17 @@ test_EachFoldHasTheRangeInUnits()
     estimate=$(tail -n 1 far.csv | cut -d, -f 2)
     tail -n 1 folds.csv | grep -qF -- ",$estimate," || { cat folds.csv far.csv; fail "the fold lacks $estimate"; }
 }
+
+test_SamplesTooNearForARangeInUnitsAreMergedAsForItsFraction()
+{
+    printf 'x,z\n0,1\n1,3\n2,2\n3,5\n1.0000000000000002,4\n' >samples.csv
+    for range in 10 30u 1 3u; do
+        krige predict samples.csv --inputs x --outputs z --grid 3 -o out.csv --range $range
+        expect_status 1
+        sed 's/.*--duplicate-tolerance \([^ ]*\) .*/\1/' "$scratch/log/err" >"tolerance$range"
+    done
+    cmp tolerance10 tolerance30u || { cat tolerance*; fail 'another tolerance for 30u'; }
+    cmp tolerance1 tolerance3u || { cat tolerance*; fail 'another tolerance for 3u'; }
+    cmp tolerance1 tolerance10 >/dev/null && { cat tolerance*; fail 'the range counts for nothing'; }
+    :
+}
