@@ -76,6 +76,8 @@ std::string explainUndetermined(const std::string& symptom, const SampleTable& s
 
 std::string explainSmallRange(const SampleTable& samples)
 {
+    if (samples.getNumSamples() == 1)
+        return "a single sample has no ranges, from which inputs are scaled; add samples";
     for (std::size_t v = 0; v < samples.inputs.size(); ++v)
     {
         const auto [min, max] = std::minmax_element(samples.inputs[v].begin(), samples.inputs[v].end());

@@ -127,8 +127,11 @@ void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelS
     if (local)
         throw InputError(samples.path + ": a system of " + std::to_string(settings.numNearestPoints) +
                          " nearest samples" + figures + "lower --nearest");
+    const std::size_t numPlaces = fenn::estimation::findMergedSamples(samples.inputs, 0.0).numPoints;
     throw InputError(samples.path + ": a model over all " + countOf(numPoints, "point") + figures +
-                     "add --nearest 32 to work on the nearest samples");
+                     "add --nearest 32 to work on the nearest samples" +
+                     (numPlaces < numPoints ? ", or --duplicates merge, which leaves " + countOf(numPlaces, "point")
+                                            : std::string()));
 }
 
 std::string formatBytes(double bytes)
