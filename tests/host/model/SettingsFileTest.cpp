@@ -133,6 +133,5 @@ TEST(SettingsFileTest, DuplicatesThatAreNotMergedAndAToleranceContradictEachOthe
     Settings settings;
 
     EXPECT_EQ(krige::test::messageOf<krige::InputError>([&] { krige::readSettingsFile(path, settings); }),
-              path +
-                  ", line 2: duplicates keep merges no samples, duplicate-tolerance 0 does; leave one of them out");
+              path + ", line 2: duplicates keep merges no samples, duplicate-tolerance 0 does; leave one of them out");
 }
