@@ -70,6 +70,16 @@ TEST(VariogramReportTest, AFitIsSaidInUnitsAndAsOptions)
               "fitted: --drift 0 --range 0.5 --nugget 0.25 --sill 8\n");
 }
 
+TEST(VariogramReportTest, AnAnisotropyStandsForItsScaleFactors)
+{
+    Settings settings;
+    settings.scaleFactors = {1.0, 1.0};
+    settings.anisotropy = fenn::analysis::Anisotropy(2.0, 30.0);
+
+    EXPECT_THAT(describeFit(goodFit(), settings, {}, metres),
+                HasSubstr("fitted: --drift 0 --range 1 --nugget 0 --anisotropy 2,30 --sill 8\n"));
+}
+
 TEST(VariogramReportTest, DoubtfulFitsGiveHints)
 {
     SphericalFit rising = goodFit();
