@@ -79,7 +79,7 @@ TuneCommand::TuneCommand(CLI::App& command)
                     "Cross-validations per trial, each with folds of its own; 0: until 300 samples have been "
                     "estimated, up to 3. Default: 0. Example: --repeats 5")
         ->type_name("N")
-        ->check(CLI::Range(0, 1000)); // more is a slip of the finger
+        ->check(CLI::Range(0, 1000).description("")); // more is a slip of the finger
     command
         .add_option("--seed", tuning.seed,
                     "Seed of the held-out samples and the folds: the same seed gives the same search. Default: 1. "
