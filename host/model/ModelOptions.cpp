@@ -114,7 +114,7 @@ void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& 
                     "Threads that compute; results do not depend on their number. Default: the processor cores that "
                     "this process may use. Example: --threads 2")
         ->type_name("N")
-        ->check(CLI::Range(1, mostThreads));
+        ->check(CLI::Range(1, mostThreads).description(""));
     command.add_flag("--exact", estimator.isExact,
                      "Give the bits that a host program gets from the plug-in; with --nearest, nearness then counts "
                      "every input in units of the first one's scale. Default: the fastest way to the same estimates, "
