@@ -130,11 +130,12 @@ private:
         Columns results;
         estimate(targets, results);
 
+        const bool isSlice = box.size() > 2; // where samples surround a place in more inputs is not asked
         const fenn::analysis::ConvexHull hull(samples.inputs[slice.x], samples.inputs[slice.y]);
         std::vector<std::size_t> surrounded; // nodes with samples around them
         for (std::size_t i = 0; i < targets[slice.x].size(); ++i)
         {
-            if (hull.contains(targets[slice.x][i], targets[slice.y][i]))
+            if (isSlice || hull.contains(targets[slice.x][i], targets[slice.y][i]))
                 surrounded.push_back(i);
         }
         const std::vector<std::size_t> drawn = samplesNear(slice);

@@ -26,8 +26,8 @@ using Estimator =
 
 /// Draws the estimates of every output over the box: a line for one input; for two a surface in colours; for more, such
 /// surfaces over the pairs of inputs (sixteen panels at most), the other inputs at their means over the samples.
-/// Samples are drawn over them; on a slice, those that are no farther from it than a tenth of the box. Where a surface
-/// reaches beyond the convex hull of the samples a dashed line surrounds them: colours span the estimates within it.
+/// Samples are drawn over them; on a slice, those that are no farther from it than a tenth of the box. Where a map of
+/// two inputs reaches beyond the convex hull of the samples a dashed line surrounds them: colours span what is within.
 ///
 /// units: of the inputs, named beside each; may be empty. Throws as estimate and Picture::save.
 void drawSurface(const std::string& path, const SampleTable& samples, const std::vector<PictureAxis>& box,
