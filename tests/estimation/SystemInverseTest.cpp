@@ -20,6 +20,7 @@
 #include "tests/estimation/DenseKriging.h"
 #include "tests/estimation/Samples.h"
 #include "tests/support/BitComparison.h"
+#include "tests/support/ThrownError.h"
 
 namespace
 {
@@ -349,6 +350,29 @@ TEST(SystemInverseTest, DriftProductsAreThoseOfTheDenseInverse)
             }
         }
     }
+}
+
+TEST(SystemInverseTest, SystemsThatCannotBeSolvedAreRefusedWhereAsked)
+{
+    std::vector<double> x;
+    for (int i = 0; i < 12; ++i)
+        x.push_back(i + 0.3 * (i % 3));
+    const SampleSet onALine({x, x}, {x});
+    x[11] = x[10];
+    const SampleSet withARepeat({x}, {x});
+    EstimatorOptions strict;
+    strict.mustTellPointsApart = true;
+    const auto errorFor = [](const SampleSet& samples, int driftOrder, const EstimatorOptions& options)
+    {
+        const auto parts = makeModelParts(samples, {-1.0, {}, driftOrder, 1.0, 0.0, 0});
+        return fenn::test::textOfError([&] { makeSystemInverse(*parts, driftOrder, options); });
+    };
+
+    EXPECT_EQ(errorFor(onALine, 0, strict), "no Error");
+    EXPECT_EQ(errorFor(onALine, 1, {}), "no Error");
+    EXPECT_EQ(errorFor(onALine, 1, strict), "Ill-conditioned matrix");
+    EXPECT_EQ(errorFor(withARepeat, 0, {}), "no Error");
+    EXPECT_EQ(errorFor(withARepeat, 0, strict), "Ill-conditioned matrix");
 }
 
 } // namespace
