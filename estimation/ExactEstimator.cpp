@@ -147,7 +147,8 @@ std::vector<std::vector<double>> ExactEstimator::calcDualWeights() const
     {
         std::vector<double> values; // centred: a common offset changes nothing but the rounding
         for (const auto& [b, i] : getParts().getPoints())
-            values.push_back(block.getOutputValueArraysForBlock(b)[outputVar][i] - block.getOutputVarMean(outputVar));
+            values.push_back(block.getOutputValueArraysForBlock(b)[static_cast<std::size_t>(outputVar)][i] -
+                             block.getOutputVarMean(outputVar));
         weights.push_back(solveForPoints(callingThread->getSystem(), values));
         for (double& weight : weights.back())
             weight = -weight; // on vectors that the drift terms annihilate, semivariances act as minus covariances
