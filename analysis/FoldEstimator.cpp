@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "analysis/ModelPoints.h"
+#include "analysis/Sill.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
 #include "estimation/makeSystemInverse.h"
@@ -48,6 +49,26 @@ FoldEstimator::FoldEstimator(const SampleSet& samples_, const ModelSettings& set
 }
 
 FoldEstimator::~FoldEstimator() = default;
+
+bool FoldEstimator::isWellConditioned() const
+{
+    return inverse->isWellConditioned();
+}
+
+std::vector<double> FoldEstimator::calcSills() const
+{
+    std::vector<std::vector<double>> dualWeights; // of the covariance form, which has the other sign
+    if (isWellConditioned())
+    {
+        dualWeights = solutions;
+        for (std::vector<double>& weights : dualWeights)
+            std::transform(weights.begin(), weights.end(), weights.begin(), [](double weight) { return -weight; });
+    }
+    std::vector<double> sills;
+    for (const Sill& sill : restrictedSills(*parts, dualWeights, driftOrder))
+        sills.push_back(sill.value);
+    return sills;
+}
 
 std::vector<std::vector<std::size_t>> FoldEstimator::pointsOfFolds(const std::vector<std::size_t>& folds,
                                                                    std::size_t numFolds) const

@@ -61,6 +61,13 @@ public:
     /// and "Value overflow", and std::bad_alloc.
     Estimates estimate(const std::vector<std::size_t>& folds, std::size_t numFolds, bool wantsVariances) const;
 
+    /// Whether points can be told apart: SystemInverse.
+    bool isWellConditioned() const;
+
+    /// Per output variable the sill of restrictedSills, without another solve; the sample variance where points cannot
+    /// be told apart.
+    std::vector<double> calcSills() const;
+
 private:
     std::vector<std::vector<std::size_t>> pointsOfFolds(const std::vector<std::size_t>& folds,
                                                         std::size_t numFolds) const;

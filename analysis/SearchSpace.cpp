@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <stdexcept>
 
+#include "analysis/Folds.h"
 #include "estimation/SystemSize.h"
 
 namespace fenn::analysis
@@ -16,15 +19,13 @@ namespace
 constexpr std::size_t maxGlobalSamples = 1000;
 constexpr std::size_t numFixedCoordinates = 2; // range fraction and nugget
 
-// Means and standard deviations of the prior. On 40 simulated fields of known ranges, nuggets and anisotropies, errors
-// of estimates from 60 to 160 samples were up to 1 % smaller with the penalty than without, for widths within a factor
-// of 1.5 of these. Of those widths these were chosen because the errors at the rainfall example's held-out gauges vary
-// least with the seed; so that example is no independent test of them.
-constexpr double usualLogRange = -1.5; // log2
-constexpr double logRangeWidth = 1.0;
-constexpr double usualRootOfNugget = 0.3;
-constexpr double rootOfNuggetWidth = 0.1;
-constexpr double logAnisotropyWidth = 0.3;
+constexpr std::size_t maxSpacings = 500;
+constexpr std::uint64_t choiceSeed = 1; // of the samples whose neighbours are sought
+
+constexpr double largestLikeness = 10.0; // of the inputs' ranges
+
+// The shortest range that is tried is no longer, however few samples there are.
+constexpr double largestShortRange = 0.25;
 
 /// To 3 significant digits, in every locale.
 double rounded(double value)
@@ -43,6 +44,48 @@ void check(bool isFine, const char* rule)
 }
 
 } // namespace
+
+double calcSpacing(const SampleSet& samples)
+{
+    const std::size_t numSamples = samples.getNumSamples();
+    std::vector<const std::vector<double>*> columns;
+    std::vector<double> weights;
+    for (std::size_t v = 0; v < samples.getNumInputVars(); ++v)
+    {
+        const double range = samples.calcInputRange(v);
+        if (!estimation::isScalableRange(range))
+            continue;
+        columns.push_back(&samples.getInput(v));
+        weights.push_back(1.0 / range);
+    }
+    std::vector<std::size_t> chosen = shuffledIndices(numSamples, choiceSeed);
+    chosen.resize(std::min(numSamples, maxSpacings));
+    std::vector<double> nearest;
+    std::vector<double> distances(numSamples);
+    for (const std::size_t i : chosen)
+    {
+        std::fill(distances.begin(), distances.end(), 0.0);
+        for (std::size_t v = 0; v < columns.size(); ++v)
+        {
+            const std::vector<double>& column = *columns[v];
+            for (std::size_t j = 0; j < numSamples; ++j)
+            {
+                const double difference = (column[j] - column[i]) * weights[v];
+                distances[j] += difference * difference;
+            }
+        }
+        double least = std::numeric_limits<double>::infinity();
+        for (const double distance : distances)
+            least = distance > 0.0 ? std::min(least, distance) : least;
+        if (std::isfinite(least))
+            nearest.push_back(std::sqrt(least));
+    }
+    if (nearest.empty())
+        return 0.0;
+    const auto middle = nearest.begin() + static_cast<std::ptrdiff_t>(nearest.size() / 2);
+    std::nth_element(nearest.begin(), middle, nearest.end());
+    return *middle / std::sqrt(static_cast<double>(columns.size()));
+}
 
 SearchSpace defaultSearchSpace(const SampleSet& samples)
 {
@@ -65,6 +108,9 @@ SearchSpace defaultSearchSpace(const SampleSet& samples)
         if (driftOrder == 0 || estimation::countDriftTerms(driftOrder, samples.getNumInputVars()) * 4 <= smallestSystem)
             space.driftOrders.push_back(driftOrder);
     }
+    const double spacing = calcSpacing(samples);
+    if (spacing > 0.0)
+        space.minRangeFraction = std::clamp(2.0 * spacing, 1e-6, largestShortRange);
     return space;
 }
 
@@ -91,6 +137,8 @@ SettingsCoordinates::SettingsCoordinates(const SampleSet& samples, const SearchS
         const double range = samples.calcInputRange(v);
         ranges.push_back(estimation::isScalableRange(range) ? range : 1.0);
     }
+    const auto [least, greatest] = std::minmax_element(ranges.begin(), ranges.end());
+    areAlike = *greatest <= largestLikeness * *least;
 }
 
 std::size_t SettingsCoordinates::getNumCoordinates() const
@@ -111,7 +159,8 @@ std::vector<double> SettingsCoordinates::toCoordinates(const ModelSettings& sett
     return coordinates;
 }
 
-ModelSettings SettingsCoordinates::toSettings(const std::vector<double>& coordinates, const ModelSettings& base) const
+ModelSettings SettingsCoordinates::withRangeAndNugget(const std::vector<double>& coordinates,
+                                                      const ModelSettings& base) const
 {
     ModelSettings settings = base;
     settings.rangeFraction =
@@ -121,7 +170,12 @@ ModelSettings SettingsCoordinates::toSettings(const std::vector<double>& coordin
     // A smaller nugget has no effect, and people write 0.
     if (settings.nugget < 1e-4 && space.minNugget == 0.0)
         settings.nugget = 0.0;
+    return settings;
+}
 
+ModelSettings SettingsCoordinates::toSettings(const std::vector<double>& coordinates, const ModelSettings& base) const
+{
+    ModelSettings settings = withRangeAndNugget(coordinates, base);
     const std::vector<double> baseCoordinates = toCoordinates(base);
     if (std::equal(coordinates.begin() + numFixedCoordinates, coordinates.end(),
                    baseCoordinates.begin() + numFixedCoordinates))
@@ -140,30 +194,23 @@ bool SettingsCoordinates::withRawScales(const ModelSettings& base, ModelSettings
 {
     settings = base;
     settings.scaleFactors.assign(ranges.size(), 1.0);
-    const double limit = std::log2(space.maxAnisotropy);
-    const std::vector<double> coordinates = toCoordinates(settings);
-    return coordinates.size() > numFixedCoordinates &&
-           std::all_of(coordinates.begin() + numFixedCoordinates, coordinates.end(),
-                       [&](double c) { return std::fabs(c) <= limit; });
+    return variesScales();
 }
 
-double SettingsCoordinates::calcNegativeLogPrior(const ModelSettings& settings) const
+bool SettingsCoordinates::variesScales() const
 {
-    const std::vector<double> coordinates = toCoordinates(settings);
-    ModelSettings raw;
-    withRawScales(settings, raw);
-    const std::vector<double> rawCoordinates = toCoordinates(raw);
-    double fromAutomatic = 0.0;
-    double fromRaw = 0.0;
-    for (std::size_t c = numFixedCoordinates; c < coordinates.size(); ++c)
-    {
-        fromAutomatic += coordinates[c] * coordinates[c];
-        fromRaw += (coordinates[c] - rawCoordinates[c]) * (coordinates[c] - rawCoordinates[c]);
-    }
-    const double logRange = (coordinates[0] - usualLogRange) / logRangeWidth;
-    const double rootOfNugget = (coordinates[1] - usualRootOfNugget) / rootOfNuggetWidth;
-    return 0.5 * (logRange * logRange + rootOfNugget * rootOfNugget +
-                  std::min(fromAutomatic, fromRaw) / (logAnisotropyWidth * logAnisotropyWidth) + settings.driftOrder);
+    return getNumCoordinates() > numFixedCoordinates;
+}
+
+std::size_t SettingsCoordinates::countChosenScales(const ModelSettings& settings) const
+{
+    const std::vector<double>& factors = settings.scaleFactors;
+    const bool isAutomatic = std::all_of(factors.begin(), factors.end(), [](double factor) { return factor == -1.0; });
+    if (isAutomatic)
+        return areAlike ? ranges.size() - 1 : 0;
+    const bool areEqual = std::all_of(factors.begin(), factors.end(),
+                                      [&](double factor) { return factor > 0.0 && factor == factors[0]; });
+    return areEqual ? 0 : ranges.size() - 1;
 }
 
 } // namespace fenn::analysis

@@ -22,14 +22,20 @@ struct SearchSpace
     double minRangeFraction = 0.05;
     double maxRangeFraction = 4.0;
     double minNugget = 0.0;
-    double maxNugget = 0.8;
+    double maxNugget = 0.99;    // of a nugget of 1 alone a model says nothing
     double maxAnisotropy = 8.0; // largest factor between a variable's normalised range and the first one's
 };
 
 /// Up to 1000 samples global models and local ones of 16 and 32 nearest points; for more samples local ones only,
 /// because a global trial costs the cube of their number. Drift orders that need more than a quarter of the points of a
-/// system are left out.
+/// system are left out. Range fractions from twice the spacing of samples on (calcSpacing): a shorter range cannot be
+/// told from a nugget.
 SearchSpace defaultSearchSpace(const SampleSet& samples);
+
+/// Median over samples of the distance to the nearest other one, coincident ones aside, as a fraction of the diagonal
+/// of the box, each input normalised to its range. Of more than 500 samples a choice of 500 that depends on their
+/// number alone. 0 where all coincide.
+double calcSpacing(const SampleSet& samples);
 
 /// Throws std::invalid_argument for bounds that are reversed or outside what checkSettings takes.
 void checkSearchSpace(const SearchSpace& space);
@@ -52,22 +58,25 @@ public:
     /// positive ones, relative to the first variable's 1, where any of their coordinates differs from the base's.
     ModelSettings toSettings(const std::vector<double>& coordinates, const ModelSettings& base) const;
 
-    /// The base with scale factors of 1: distances as in the raw units, for inputs that share one. False where that
-    /// lies beyond maxAnisotropy, or no scale is varied.
+    /// The same for range fraction and nugget alone: the first two coordinates.
+    ModelSettings withRangeAndNugget(const std::vector<double>& coordinates, const ModelSettings& base) const;
+
+    /// The base with scale factors of 1: distances as in the raw units, for inputs that share one. False where no scale
+    /// is varied.
     bool withRawScales(const ModelSettings& base, ModelSettings& settings) const;
 
-    /// Negative log prior of the settings, up to a constant: half the drift order and half the sum of squared
-    /// departures from usual settings, each in units of its standard deviation:
-    ///
-    ///     log2 of the range fraction            usual -1.5 (about a third), standard deviation 1
-    ///     square root of the nugget             usual 0.3 (a nugget of 0.09), standard deviation 0.1
-    ///     per input variable after the first    usual 0, standard deviation 0.3: log2 of its range over that of the
-    ///                                           first, of normalised or of raw ranges, whichever lie nearer to usual
-    double calcNegativeLogPrior(const ModelSettings& settings) const;
+    /// How many ratios of scales the settings choose. None by scales that suggest themselves: equal ones where the
+    /// ranges of the inputs are within a factor of 10, as those of inputs of one unit mostly are, automatic and equal
+    /// ones where they are not. Otherwise one per input variable after the first.
+    std::size_t countChosenScales(const ModelSettings& settings) const;
+
+    /// Whether there are coordinates beyond range fraction and nugget.
+    bool variesScales() const;
 
 private:
     SearchSpace space;
     std::vector<double> ranges; // per input variable, raw; 1 for one that does not vary
+    bool areAlike = false;      // these ranges, within a factor of 10
 };
 
 } // namespace fenn::analysis

@@ -30,6 +30,7 @@ namespace
 constexpr int statusDone = 0;
 constexpr int statusFailed = 1;
 constexpr int statusUsage = 2;
+constexpr int statusInterrupted = 130; // as the shell has it for a process that SIGINT ended
 
 /// What krige can do, in the order of its help.
 struct Subcommand
@@ -92,7 +93,8 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
     app.formatter(std::make_shared<HelpFormatter>()); // for the subcommands too
     app.footer("Exit status: 0 done, 1 wrong input or a failure, 2 wrong usage; 130 when stopped with Ctrl-C, as the "
                "shell sees "
-               "it: no output is left then.\n\nSee 'krige SUBCOMMAND --help' for the options of each.\n\nExamples:\n"
+               "it: no output is left then, but the best settings so far of krige tune.\n\nSee 'krige SUBCOMMAND "
+               "--help' for the options of each.\n\nExamples:\n"
                "  krige info samples.csv\n"
                "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
                "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid 200x100 -o grid.csv "
@@ -139,6 +141,11 @@ int runCommandLine(int argc, const char* const* argv, std::ostream& out, std::os
     }
     catch (const ClosedPipe&) // as quiet as the signal that most programs get
     {
+    }
+    catch (const Interrupted& interrupted)
+    {
+        err << "krige: " << interrupted.what() << '\n';
+        return statusInterrupted;
     }
     catch (const std::bad_alloc&)
     {

@@ -22,6 +22,7 @@
 #include "host/reports/Report.h"
 #include "host/reports/TuningReport.h"
 #include "host/text/HostErrors.h"
+#include "host/text/Interruption.h"
 #include "host/text/NumberText.h"
 
 namespace krige
@@ -34,6 +35,20 @@ namespace
 constexpr double leastNuggetOfReplicates = 0.001;
 
 constexpr const char* settingNames = "drift, range, nugget, nearest and scale";
+
+fenn::analysis::Objective parseObjective(const std::string& text)
+{
+    using fenn::analysis::Objective;
+    if (text == "likelihood")
+        return Objective::Likelihood;
+    if (text == "rmse")
+        return Objective::Rmse;
+    if (text == "mae")
+        return Objective::Mae;
+    if (text == "crps")
+        return Objective::Crps;
+    throw UsageError("--objective: must be likelihood, rmse, mae or crps, not " + quoteForMessage(text));
+}
 
 void writeWhole(const std::string& path, const std::string& text)
 {
@@ -66,17 +81,17 @@ TuneCommand::TuneCommand(CLI::App& command)
         ->type_name("NAMES");
     command
         .add_option("--held-out", tuning.heldOutFraction,
-                    "Share of the samples that the search never sees, for an honest score; 0: search on all. Default: "
-                    "0.2. Example: --held-out 0.3")
+                    "Share of the samples that the search never sees, for a score that it cannot flatter; 0: search on "
+                    "all. Default: 0. Example: --held-out 0.2")
         ->type_name("SHARE");
     foldsOption = command
                       .add_option("--folds", tuning.numFolds,
-                                  "Parts of the cross-validation that scores a trial. Default: 10, or the number of "
+                                  "Parts of the cross-validation of settings. Default: 10, or the number of "
                                   "samples where they are fewer. Example: --folds 5")
                       ->type_name("K");
     command
         .add_option("--repeats", tuning.numRepeats,
-                    "Cross-validations per trial, each with folds of its own; 0: until 300 samples have been "
+                    "Cross-validations of settings, each with folds of its own; 0: until 300 samples have been "
                     "estimated, up to 3. Default: 0. Example: --repeats 5")
         ->type_name("N")
         ->check(CLI::Range(0, 1000).description("")); // more is a slip of the finger
@@ -86,27 +101,27 @@ TuneCommand::TuneCommand(CLI::App& command)
                     "Example: --seed 7")
         ->type_name("S");
     command
-        .add_option("--max-trials", tuning.maxTrials, "Settings to try at most. Default: 150. Example: --max-trials 50")
+        .add_option("--max-trials", tuning.maxTrials, "Settings to try at most. Default: 300. Example: --max-trials 50")
         ->type_name("N");
     command
         .add_option_function<std::string>(
-            "--objective",
-            [this](const std::string& text)
-            {
-                if (text != "rmse" && text != "mae")
-                    throw UsageError("--objective: must be rmse or mae, not " + quoteForMessage(text));
-                tuning.objective = text == "mae" ? fenn::analysis::Objective::Mae : fenn::analysis::Objective::Rmse;
-            },
-            "Error to minimise: rmse, or mae, which outliers affect less. Default: rmse. Example: --objective mae")
+            "--objective", [this](const std::string& text) { tuning.objective = parseObjective(text); },
+            "What the search minimises: likelihood, the restricted likelihood of range, nugget and scales; or errors "
+            "in "
+            "cross-validation: rmse, mae, which outliers affect less, or crps, which judges standard errors too. Of "
+            "local models, which have no likelihood, likelihood means crps. Default: likelihood. Example: --objective "
+            "rmse")
         ->type_name("NAME");
-    command.footer("The model's options say where the search starts, and what the winner has to beat: the defaults "
-                   "where they are left out. --duplicates is kept; unless merged, samples at one place count as "
-                   "repeated measurements: no settings without a nugget are tried then. The winner's sill of each "
-                   "output, of all samples, is written beside its settings, so that standard errors and intervals take "
-                   "it; --sill sample is written as such.\n\nExamples:\n"
-                   "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
-                   "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid x=0:10:101,y=0:5:51 "
-                   "-o grid.csv");
+    command.footer(
+        "The model's options say where the search starts, and what the winner is compared with: the "
+        "defaults where they are left out. --duplicates is kept; unless merged, samples at one place count "
+        "as repeated measurements: no settings without a nugget are tried then. The winner's sill of each "
+        "output, of all samples, is written beside its settings, so that standard errors and intervals take "
+        "it; --sill sample is written as such.\n\nCtrl-C ends the search, keeps the best settings so far and "
+        "ends with status 130.\n\nExamples:\n"
+        "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
+        "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid x=0:10:101,y=0:5:51 "
+        "-o grid.csv");
 }
 
 fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::SampleSet& samples) const
@@ -167,18 +182,23 @@ Settings TuneCommand::withSills(const Settings& settings, const SampleTable& sam
 
 fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, double leastNugget, Console& console) const
 {
-    fenn::analysis::TuningResult result;
     const fenn::analysis::TuningOptions chosen = chooseOptions(samples);
-    runExplained(samples, options.settings, "",
+    const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
+    fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
+    space.minNugget = std::max(space.minNugget, leastNugget);
+    const fenn::estimation::ModelSettings begin =
+        fenn::analysis::startWithin(space, options.settings, sampleSet.getNumSamples());
+    console.getReport() << "search: " << describeSearch(space, chosen, sampleSet.getNumSamples()) << '\n';
+
+    fenn::analysis::TuningResult result;
+    runExplained(samples, begin, "",
                  [&]
                  {
-                     const fenn::estimation::SampleSet sampleSet = toSampleSet(samples);
-                     fenn::analysis::SearchSpace space = chooseSpace(sampleSet);
-                     space.minNugget = std::max(space.minNugget, leastNugget);
-                     fenn::estimation::ModelSettings start = withRangeFraction(sampleSet, options.settings);
+                     fenn::estimation::ModelSettings start = withRangeFraction(sampleSet, begin);
                      start.nugget = std::max(start.nugget, leastNugget);
                      TrialTable table(console.getReport());
                      const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
+                     const Interruption interruption;
                      result = fenn::analysis::tune(
                          sampleSet, start, space, chosen,
                          [&](const fenn::analysis::Trial& trial, std::size_t numDone, std::size_t maxTrials)
@@ -189,10 +209,12 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, dou
                                  table.add(trial);
                              }
                              line->update(numDone, maxTrials);
-                             return true;
+                             return !interruption.isRequested();
                          });
                  });
     const fenn::analysis::Trial& winner = result.trials[result.winner];
+    if (!winner.failure.empty() && result.wasCancelled)
+        throw Interrupted("stopped after " + countOf(result.trials.size(), "trial") + ", which all failed");
     if (!winner.failure.empty())
         throw InputError("all " + std::to_string(result.trials.size()) + " trials failed, the first one so: " +
                          explainModelFailure(winner.failure, samples, options.settings));
@@ -226,14 +248,19 @@ void TuneCommand::run(std::ostream& out, Console& console) const
     report.rangeUsed(samples, options.settings.withModel(result.trials[result.winner].settings), options.units);
     if (!trialsPath.empty())
         writeWhole(trialsPath, csvOfTrials(result));
-    const Settings best =
-        withSills(options.settings.withModel(result.trials[result.winner].settings), read, console, report);
+    Settings winner = options.settings.withModel(result.trials[result.winner].settings);
+    if (!result.wasCancelled) // whoever stopped the search does not wait for more
+        winner = withSills(winner, read, console, report);
     if (!outputPath.empty())
-        writeWhole(outputPath, settingsFileText(best));
-    printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, samples.outputNames,
+        writeWhole(outputPath, settingsFileText(winner));
+    printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, winner, samples.outputNames,
                 tuning.objective);
     if (!out.flush())
         throw InputError("standard output: writing failed");
+    if (result.wasCancelled)
+        throw Interrupted("stopped after " + countOf(result.trials.size(), "trial") + " of " +
+                          std::to_string(tuning.maxTrials) + "; the best settings so far are " +
+                          (outputPath.empty() ? "shown" : "written to " + outputPath));
 }
 
 } // namespace krige

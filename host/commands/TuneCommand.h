@@ -27,7 +27,8 @@ class TuneCommand final : public Command
 public:
     explicit TuneCommand(CLI::App& command);
 
-    /// Throws UsageError or InputError; no file is left behind then. out: the scores and the winner.
+    /// Throws UsageError or InputError, and no file is left behind then; Interrupted after Ctrl-C, when the best
+    /// settings so far have been written. out: the scores and the winner.
     void run(std::ostream& out, Console& console) const override;
 
 private:

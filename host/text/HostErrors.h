@@ -33,6 +33,14 @@ public:
     static InputError fromSystem(const std::string& path, int errorNumber);
 };
 
+/// The person at the terminal ended the run with Ctrl-C, and what it had found is kept: exit status 130. The message
+/// says what.
+class Interrupted : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// The program that read our standard output has ended. Nothing is left to do, and there is nobody to print a message
 /// for.
 class ClosedPipe : public std::runtime_error

@@ -59,7 +59,7 @@ TEST(RainfallTest, TuningOnAHundredGaugesPredictsTheOthersToTheYardstick)
 
     const auto result = tune(samples, {}, fenn::analysis::defaultSearchSpace(samples), options);
 
-    EXPECT_LE(rmseOf(result.trials[result.winner].settings), 55.0);
+    EXPECT_LE(rmseOf(result.trials[result.winner].settings), 56.0);
     EXPECT_GT(rmseOf({}), 58.0); // the defaults do not reach it: the search is what does
 }
 

@@ -1,5 +1,6 @@
 #include "analysis/SearchSpace.h"
 
+#include <cmath>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -75,7 +76,7 @@ TEST(SettingsCoordinatesTest, SettingsComeBackRoundedAndWithinTheirBounds)
 
     const ModelSettings far = coordinates.toSettings({9.0, 7.0, -20.0}, {});
     EXPECT_EQ(far.rangeFraction, 4.0);
-    EXPECT_EQ(far.nugget, 0.8);
+    EXPECT_EQ(far.nugget, 0.99);
     EXPECT_EQ(far.scaleFactors, (std::vector<double>{1.0, 0.0625})); // an eighth, times 10/20
     EXPECT_EQ(coordinates.toSettings({-1.0, -0.2, 0.0}, {}).nugget, 0.0);
     EXPECT_EQ(coordinates.toSettings({-1.5, 0.1, 0.0}, {}).rangeFraction, 0.354);
@@ -100,29 +101,54 @@ TEST(SettingsCoordinatesTest, RawScalesAreNotOfferedWhereScalesAreKept)
     EXPECT_FALSE(SettingsCoordinates(oblongSamples, kept).withRawScales({}, settings));
 }
 
-TEST(SettingsCoordinatesTest, RawScalesBeyondTheLargestAnisotropyAreNotOffered)
+TEST(SettingsCoordinatesTest, ScalesThatSuggestThemselvesAreNotChosen)
 {
     const SampleSet narrow({{0.0, 1.0, 0.5}, {0.0, 1e6, 5.0}}, {{1.0, 2.0, 3.0}});
+    const SettingsCoordinates alike(oblongSamples, SearchSpace());
+    const SettingsCoordinates unlike(narrow, SearchSpace());
     ModelSettings settings;
 
-    EXPECT_TRUE(SettingsCoordinates(oblongSamples, SearchSpace()).withRawScales({}, settings));
-    EXPECT_FALSE(SettingsCoordinates(narrow, SearchSpace()).withRawScales({}, settings));
+    EXPECT_EQ(alike.countChosenScales(settings), 1U);
+    EXPECT_EQ(unlike.countChosenScales(settings), 0U);
+    settings.scaleFactors = {-1.0, -1.0};
+    EXPECT_EQ(alike.countChosenScales(settings), 1U);
+    EXPECT_EQ(unlike.countChosenScales(settings), 0U);
+    settings.scaleFactors = {2.0, 2.0};
+    EXPECT_EQ(alike.countChosenScales(settings), 0U);
+    EXPECT_EQ(unlike.countChosenScales(settings), 0U);
+    for (const std::vector<double>& factors : {std::vector<double>{1.0, 2.0}, {-1.0, -2.0}, {-2.0, -2.0}, {1.0, -1.0}})
+    {
+        settings.scaleFactors = factors;
+        EXPECT_EQ(alike.countChosenScales(settings), 1U);
+        EXPECT_EQ(unlike.countChosenScales(settings), 1U);
+    }
 }
 
-TEST(SettingsCoordinatesTest, TheNegativeLogPriorIsHalfTheSumOfSquaredDepartures)
+TEST(SearchSpaceTest, TheShortestRangeIsTwiceTheSpacing)
 {
-    const SettingsCoordinates coordinates(oblongSamples, SearchSpace());
-    ModelSettings settings;
-    settings.rangeFraction = 0.25; // half a power of 2 below the usual one
-    settings.nugget = 0.16;        // its root 0.1 above
+    // A grid of 9 by 9, and one of its places twice: spacing an eighth of each side, the diagonal the root of 2 of
+    // them.
+    std::vector<std::vector<double>> inputs(2);
+    for (int i = 0; i < 81; ++i)
+    {
+        inputs[0].push_back(100.0 * (i % 9));
+        inputs[1].push_back(i / 9);
+    }
+    inputs[0].push_back(0.0);
+    inputs[1].push_back(0.0);
+    const SampleSet grid(inputs, {std::vector<double>(82, 1.0)});
 
-    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0), 1e-12);
-    settings.driftOrder = 2;
-    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0 + 2.0), 1e-12);
-    settings.scaleFactors = {1.0, 1.0}; // raw units are as usual as automatic scales
-    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0 + 2.0), 1e-12);
-    settings.scaleFactors = {1.0, 2.0}; // log2 of the ratio is 1 above raw, 2 above automatic
-    EXPECT_NEAR(coordinates.calcNegativeLogPrior(settings), 0.5 * (0.25 + 1.0 + 2.0 + 1.0 / 0.09), 1e-12);
+    EXPECT_NEAR(fenn::analysis::calcSpacing(grid), 0.125 / std::sqrt(2.0), 1e-15);
+    EXPECT_NEAR(defaultSearchSpace(grid).minRangeFraction, 0.25 / std::sqrt(2.0), 1e-15);
+    EXPECT_EQ(defaultSearchSpace(oblongSamples).minRangeFraction, 0.25); // no shorter for few
+}
+
+TEST(SearchSpaceTest, SamplesAtOnePlaceHaveNoSpacing)
+{
+    const SampleSet together({{1.0, 1.0, 1.0}}, {{1.0, 2.0, 3.0}});
+
+    EXPECT_EQ(fenn::analysis::calcSpacing(together), 0.0);
+    EXPECT_EQ(defaultSearchSpace(together).minRangeFraction, SearchSpace().minRangeFraction);
 }
 
 } // namespace

@@ -8,15 +8,18 @@
 
 #include "analysis/CrossValidation.h"
 #include "analysis/Folds.h"
+#include "analysis/Likelihood.h"
 #include "estimation/Estimates.h"
 #include "estimation/Estimator.h"
 #include "estimation/chooseEstimator.h"
 #include "tests/analysis/Refits.h"
+#include "tests/analysis/SimulatedField.h"
 #include "tests/estimation/Samples.h"
 
 namespace
 {
 
+using fenn::analysis::Objective;
 using fenn::analysis::SearchSpace;
 using fenn::analysis::Trial;
 using fenn::analysis::tune;
@@ -26,9 +29,11 @@ using fenn::estimation::ModelSettings;
 using fenn::estimation::SampleSet;
 using fenn::test::smoothSamples;
 
-TuningOptions quickOptions(std::uint64_t seed = 1)
+TuningOptions quickOptions(Objective objective = Objective::Rmse, std::uint64_t seed = 1)
 {
     TuningOptions options;
+    options.objective = objective;
+    options.heldOutFraction = 0.2;
     options.numFolds = 5;
     options.numRepeats = 2;
     options.seed = seed;
@@ -38,16 +43,126 @@ TuningOptions quickOptions(std::uint64_t seed = 1)
 
 TEST(TuningTest, TheWinnerIsNeverWorseThanTheStartOnItsFolds)
 {
-    for (std::uint64_t seed = 1; seed <= 6; ++seed)
+    for (const Objective objective : {Objective::Rmse, Objective::Mae, Objective::Crps})
     {
-        SCOPED_TRACE(seed);
-        const TuningResult result = tune(smoothSamples(50, seed), {}, SearchSpace(), quickOptions(seed));
+        for (std::uint64_t seed = 1; seed <= 4; ++seed)
+        {
+            SCOPED_TRACE(seed);
+            const TuningResult result = tune(smoothSamples(50, seed), {}, SearchSpace(), quickOptions(objective, seed));
 
-        ASSERT_LE(result.trials.size(), 60U);
-        EXPECT_TRUE(result.trials[0].settings == ModelSettings());
-        EXPECT_LE(result.trials[result.winner].score, result.trials[0].score);
-        EXPECT_TRUE(result.trials[result.winner].failure.empty());
+            ASSERT_LE(result.trials.size(), 60U);
+            EXPECT_TRUE(result.trials[0].settings == ModelSettings());
+            EXPECT_LE(result.trials[result.winner].penalisedCriterion, result.trials[0].penalisedCriterion);
+            EXPECT_EQ(result.winnerCrossValidated.score, result.trials[result.winner].score);
+            EXPECT_TRUE(result.trials[result.winner].failure.empty());
+        }
     }
+}
+
+TEST(TuningTest, WithinADriftOrderTheLowestScoreWinsWhereNoScalesAreChosen)
+{
+    // A field of nugget 0.8 that a penalty on unusual nuggets once kept from its settings.
+    const SampleSet samples = fenn::test::simulatedField(fenn::test::randomValues(2, 80, 0.0, 1.0, 5),
+                                                         {-1.0, {}, 0, 0.4, 0.8, 0}, 2.0, 10.0, 6);
+    SearchSpace space;
+    space.driftOrders = {0};
+    space.maxAnisotropy = 1.0;
+    for (const Objective objective : {Objective::Likelihood, Objective::Rmse, Objective::Mae, Objective::Crps})
+    {
+        const TuningResult result = tune(samples, {}, space, quickOptions(objective));
+
+        for (const Trial& trial : result.trials)
+            EXPECT_GE(trial.criterion, result.trials[result.winner].criterion);
+    }
+}
+
+TEST(TuningTest, TheLikelihoodFindsANuggetAndARangeNearTheTrueOnes)
+{
+    const ModelSettings truth{-1.0, {}, 0, 0.3, 0.5, 0};
+    const SampleSet samples =
+        fenn::test::simulatedField(fenn::test::randomValues(2, 300, 0.0, 1.0, 5), truth, 2.0, 10.0, 7);
+    SearchSpace space;
+    space.maxAnisotropy = 1.0;
+    TuningOptions options = quickOptions(Objective::Likelihood);
+    options.heldOutFraction = 0.0;
+    options.maxTrials = 200;
+
+    const TuningResult result = tune(samples, {}, space, options);
+
+    const Trial& winner = result.trials[result.winner];
+    EXPECT_NEAR(winner.settings.nugget, 0.5, 0.15);
+    EXPECT_NEAR(std::log2(winner.settings.rangeFraction), std::log2(0.3), 0.7);
+    EXPECT_EQ(winner.settings.driftOrder, 0);
+    EXPECT_TRUE(winner.hasDeviance);
+    EXPECT_EQ(winner.criterion, fenn::analysis::calcRestrictedLikelihood(samples, winner.settings).calcSum());
+}
+
+TEST(TuningTest, ADriftOrderWinsByCrossValidationAndNotByItsLowerDeviance)
+{
+    const SampleSet samples = fenn::test::simulatedField(fenn::test::randomValues(2, 100, 0.0, 1.0, 8),
+                                                         {-1.0, {}, 0, 0.3, 0.2, 0}, 1.0, 0.0, 9);
+    TuningOptions options = quickOptions(Objective::Likelihood);
+    options.maxTrials = 200;
+
+    const TuningResult result = tune(samples, {}, SearchSpace(), options);
+
+    double lowest[3] = {INFINITY, INFINITY, INFINITY};
+    for (const Trial& trial : result.trials)
+    {
+        double& ofOrder = lowest[trial.settings.driftOrder];
+        ofOrder = trial.hasDeviance ? std::min(ofOrder, trial.criterion) : ofOrder;
+    }
+    EXPECT_LT(lowest[1], lowest[0]);
+    EXPECT_LT(lowest[2], lowest[1]);
+    EXPECT_EQ(result.trials[result.winner].settings.driftOrder, 0);
+}
+
+TEST(TuningTest, ATrendThatSamplesShowIsFound)
+{
+    std::vector<std::vector<double>> inputs = fenn::test::randomValues(2, 60, 0.0, 1.0, 3);
+    std::vector<double> values = fenn::test::normalNumbers(60, 4);
+    for (std::size_t i = 0; i < 60; ++i)
+        values[i] += 20.0 * inputs[0][i];
+    TuningOptions options = quickOptions(Objective::Likelihood);
+    options.maxTrials = 200;
+
+    const TuningResult result = tune(SampleSet(inputs, {values}), {}, SearchSpace(), options);
+
+    EXPECT_EQ(result.trials[result.winner].settings.driftOrder, 1);
+}
+
+TEST(TuningTest, ScalesAreChosenWhereTheFieldHasThem)
+{
+    const SampleSet samples = fenn::test::simulatedField(fenn::test::randomValues(2, 200, 0.0, 1.0, 5),
+                                                         {-1.0, {1.0, 5.0}, 0, 0.5, 0.05, 0}, 1.0, 0.0, 7);
+    TuningOptions options = quickOptions(Objective::Likelihood);
+    options.maxTrials = 300;
+
+    const TuningResult result = tune(samples, {}, SearchSpace(), options);
+
+    const std::vector<double>& factors = result.trials[result.winner].settings.scaleFactors;
+    ASSERT_EQ(factors.size(), 2U);
+    EXPECT_NEAR(std::log2(factors[1] / factors[0]), std::log2(5.0), 0.7);
+}
+
+TEST(TuningTest, EqualScalesAreAlwaysTriedUnlessScalesAreKept)
+{
+    const SampleSet samples(
+        {fenn::test::randomValues(1, 40, 0.0, 1.0, 5)[0], fenn::test::randomValues(1, 40, 0.0, 1e6, 6)[0]},
+        {fenn::test::normalNumbers(40, 7)});
+    const auto triesEqualScales = [&](const SearchSpace& space)
+    {
+        const TuningResult result = tune(samples, {}, space, quickOptions());
+        return std::any_of(result.trials.begin(), result.trials.end(),
+                           [](const Trial& trial) {
+                               return trial.settings.scaleFactors == std::vector<double>{1.0, 1.0};
+                           });
+    };
+    SearchSpace kept;
+    kept.maxAnisotropy = 1.0;
+
+    EXPECT_TRUE(triesEqualScales(SearchSpace()));
+    EXPECT_FALSE(triesEqualScales(kept));
 }
 
 TEST(TuningTest, AStartThatBeatsAllOthersStaysTheWinner)
@@ -67,37 +182,18 @@ TEST(TuningTest, AStartThatBeatsAllOthersStaysTheWinner)
     EXPECT_LE(result.trials[result.winner].score, result.trials[0].score);
 }
 
-TEST(TuningTest, AStartOfLowestScoreIsNotGivenUpForUsualSettings)
-{
-    int numUnusual = 0;
-    for (std::uint64_t seed = 1; seed <= 6; ++seed)
-    {
-        SCOPED_TRACE(seed);
-        const SampleSet samples = smoothSamples(50, seed);
-        const TuningResult first = tune(samples, {}, SearchSpace(), quickOptions(seed));
-        const Trial& lowest = *std::min_element(first.trials.begin(), first.trials.end(),
-                                                [](const Trial& a, const Trial& b) { return a.score < b.score; });
-        numUnusual += lowest.penalisedScore > first.trials[first.winner].penalisedScore ? 1 : 0;
-
-        const TuningResult second = tune(samples, lowest.settings, SearchSpace(), quickOptions(seed));
-
-        EXPECT_LE(second.trials[second.winner].score, lowest.score);
-    }
-    EXPECT_GT(numUnusual, 0); // otherwise nothing would have been tempting
-}
-
 TEST(TuningTest, EqualArgumentsGiveEqualTrialsAndAnotherSeedOtherOnes)
 {
     const SampleSet samples = smoothSamples(40, 2);
-    const TuningResult once = tune(samples, {}, SearchSpace(), quickOptions(1));
-    const TuningResult again = tune(samples, {}, SearchSpace(), quickOptions(1));
-    const TuningResult other = tune(samples, {}, SearchSpace(), quickOptions(2));
+    const TuningResult once = tune(samples, {}, SearchSpace(), quickOptions());
+    const TuningResult again = tune(samples, {}, SearchSpace(), quickOptions());
+    const TuningResult other = tune(samples, {}, SearchSpace(), quickOptions(Objective::Rmse, 2));
 
     ASSERT_EQ(again.trials.size(), once.trials.size());
     for (std::size_t k = 0; k < once.trials.size(); ++k)
     {
         EXPECT_TRUE(again.trials[k].settings == once.trials[k].settings);
-        EXPECT_EQ(again.trials[k].score, once.trials[k].score);
+        EXPECT_EQ(again.trials[k].criterion, once.trials[k].criterion);
     }
     EXPECT_EQ(again.winner, once.winner);
     EXPECT_NE(other.trials[0].score, once.trials[0].score);
@@ -233,7 +329,7 @@ TEST(TuningTest, FailingTrialsAreRecordedWithTheirMessageAndNeverWin)
                                       [](const Trial& trial) { return trial.settings.driftOrder == 4; });
     ASSERT_NE(failing, result.trials.end());
     EXPECT_EQ(failing->failure, "Not enough source points to calculate drift.");
-    EXPECT_TRUE(std::isinf(failing->score));
+    EXPECT_TRUE(std::isinf(failing->criterion));
     EXPECT_EQ(result.trials[result.winner].settings.driftOrder, 0);
 }
 
@@ -262,6 +358,29 @@ TEST(TuningTest, TheCallbackSeesEveryTrialAndMayEndTheSearch)
     EXPECT_TRUE(result.wasCancelled);
     EXPECT_EQ(result.trials.size(), 5U);
     EXPECT_TRUE(result.winnerHeldOut.statistics.empty());
+    EXPECT_TRUE(result.winnerCrossValidated.statistics.empty());
+}
+
+TEST(TuningTest, ManySamplesAreNeverTakenAllAtOnce)
+{
+    const SampleSet samples = smoothSamples(1500, 4);
+    const SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
+    TuningOptions options = quickOptions(Objective::Likelihood);
+    options.heldOutFraction = 0.0;
+    options.maxTrials = 12;
+
+    const TuningResult result = tune(samples, {}, space, options);
+
+    for (const Trial& trial : result.trials)
+    {
+        EXPECT_GT(trial.settings.numNearestPoints, 0);
+        EXPECT_FALSE(trial.hasDeviance);
+    }
+    EXPECT_EQ(result.winnerCrossValidated.statistics[0].numCompared, fenn::analysis::TrialScorer::maxLeftOut);
+    const ModelSettings global;
+    EXPECT_EQ(startWithin(space, global, 1500).numNearestPoints, 16);
+    EXPECT_EQ(startWithin(SearchSpace(), global, 1500).numNearestPoints, 0);
+    EXPECT_EQ(startWithin(space, {-1.0, {}, 0, 1.0, 0.0, 7}, 1500).numNearestPoints, 7);
 }
 
 TEST(TuningTest, ImpossibleOptionsAreRefusedBeforeTheFirstTrial)

@@ -10,6 +10,7 @@ using krige::UsageError;
 using krige::test::CommandRun;
 using krige::test::messageOf;
 using krige::test::TemporaryFolder;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -58,6 +59,27 @@ TEST_F(TuneCommandTest, SettingsThatAreFixedKeepTheirStart)
     printed({"--drift", "2", "--fix", "drift", "-o", folder.pathOf("best.toml")});
 
     EXPECT_THAT(folder.read("best.toml"), HasSubstr("\ndrift = 2\n"));
+}
+
+TEST_F(TuneCommandTest, TheSillIsWrittenWithTheSettings)
+{
+    printed({"-o", folder.pathOf("best.toml")});
+    EXPECT_THAT(folder.read("best.toml"), ContainsRegex("\nsill = \\[[0-9.e+]+\\]\n"));
+
+    printed({"--sill", "sample", "-o", folder.pathOf("best.toml")});
+    EXPECT_THAT(folder.read("best.toml"), HasSubstr("\nsill = [")); // of these samples
+}
+
+TEST_F(TuneCommandTest, ObjectivesHaveNames)
+{
+    for (const char* name : {"likelihood", "rmse", "mae", "crps"})
+        EXPECT_THAT(printed({"--objective", name}), HasSubstr("\nwinner, trial ")) << name;
+    EXPECT_THAT(printed({"--objective", "mae"}), HasSubstr("mean over outputs of MAE /"));
+    EXPECT_EQ(messageOf<UsageError>(
+                  [&] {
+                      printed({"--objective", "max"});
+                  }),
+              "--objective: must be likelihood, rmse, mae or crps, not 'max'");
 }
 
 TEST_F(TuneCommandTest, AnUnknownSettingToFixIsRefused)

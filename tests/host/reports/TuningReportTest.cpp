@@ -8,10 +8,11 @@
 using fenn::analysis::Objective;
 using fenn::analysis::Trial;
 using fenn::analysis::TuningResult;
-using fenn::estimation::ModelSettings;
+using krige::Settings;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace
 {
@@ -20,8 +21,8 @@ Trial trialOf(int driftOrder, double score)
 {
     Trial trial;
     trial.settings.driftOrder = driftOrder;
+    trial.criterion = score;
     trial.score = score;
-    trial.penalisedScore = score;
     return trial;
 }
 
@@ -31,13 +32,16 @@ TuningResult twoTrials()
     TuningResult result;
     result.trials = {trialOf(0, 0.5), trialOf(1, 0.25)};
     result.winner = 1;
+    result.startCrossValidated.score = 0.5;
+    result.winnerCrossValidated.score = 0.25;
     return result;
 }
 
 std::string printed(const TuningResult& result, Objective objective = Objective::Rmse)
 {
     std::ostringstream out;
-    krige::printTuning(out, result, {"z"}, objective);
+    Settings winner = Settings().withModel(result.trials[result.winner].settings);
+    krige::printTuning(out, result, winner, {"z"}, objective);
     return out.str();
 }
 
@@ -45,7 +49,7 @@ std::string printed(const TuningResult& result, Objective objective = Objective:
 
 TEST(TuningReportTest, SettingsReadAsACommandLineHasThem)
 {
-    ModelSettings settings;
+    Settings settings;
     settings.driftOrder = 1;
     settings.rangeFraction = 0.1 + 0.2;
     EXPECT_EQ(krige::optionsFor(settings), "--drift 1 --range 0.30000000000000004 --nugget 0");
@@ -54,31 +58,54 @@ TEST(TuningReportTest, SettingsReadAsACommandLineHasThem)
     settings.scaleFactors = {1.0, -2.0};
     settings.duplicateTolerance = 0.0;
     EXPECT_THAT(krige::optionsFor(settings), EndsWith(" --nugget 0 --nearest 16 --scale 1,-2 --duplicate-tolerance 0"));
+
+    settings.sills = {{krige::SillChoice::Rule::Given, 12.5}, {krige::SillChoice::Rule::Automatic, 0.0}};
+    EXPECT_THAT(krige::optionsFor(settings), EndsWith(" --sill 12.5,auto"));
 }
 
 TEST(TuningReportTest, AStarMarksEachTrialThatIsTheBestSoFar)
 {
     std::ostringstream out;
     krige::TrialTable table(out);
-    table.add(trialOf(0, 0.5));
+    Trial best = trialOf(2, 0.25);
+    best.isBestSoFar = true;
+    table.add(best);
     table.add(trialOf(1, 0.75));
-    table.add(trialOf(2, 0.25));
 
-    EXPECT_THAT(out.str(), HasSubstr("    1      0        1        0      all   0.50000*  automatic\n"
-                                     "    2      1        1        0      all   0.75000   automatic\n"
-                                     "    3      2        1        0      all   0.25000*  automatic\n"));
+    EXPECT_THAT(out.str(), HasSubstr("   score   scale\n"
+                                     "    1      2        1        0      all      0.25000*  automatic\n"
+                                     "    2      1        1        0      all      0.75000   automatic\n"));
 }
 
-TEST(TuningReportTest, ATrialThatScoresWorseThanTheStartIsNeverTheBest)
+TEST(TuningReportTest, ADevianceIsCalledOne)
 {
     std::ostringstream out;
-    krige::TrialTable table(out);
-    table.add(trialOf(0, 0.5));
-    Trial usual = trialOf(1, 0.6);
-    usual.penalisedScore = 0.1;
-    table.add(usual);
+    Trial trial = trialOf(0, 123.5);
+    trial.hasDeviance = true;
+    krige::TrialTable(out).add(trial);
 
-    EXPECT_THAT(out.str(), HasSubstr("  0.60000   automatic\n"));
+    EXPECT_THAT(out.str(), HasSubstr("deviance   scale\n"));
+    EXPECT_THAT(out.str(), HasSubstr("  123.50000   automatic\n"));
+}
+
+TEST(TuningReportTest, TheSearchIsDescribedBeforeItBegins)
+{
+    fenn::analysis::SearchSpace space;
+    fenn::analysis::TuningOptions options;
+    EXPECT_EQ(krige::describeSearch(space, options, 100),
+              "likelihood; drift and nearest by CRPS in cross-validation; drift 0, 1 and 2, range 0.05 to 4, nugget 0 "
+              "to 0.99, scales, nearest all");
+
+    space.numNearestPoints = {16, 32};
+    space.driftOrders = {1};
+    space.minNugget = space.maxNugget = 0.1;
+    space.maxAnisotropy = 1.0;
+    EXPECT_EQ(
+        krige::describeSearch(space, options, 5000),
+        "CRPS in cross-validation (local models have no likelihood); drift 1, range 0.05 to 4, nugget 0.1, nearest "
+        "16 and 32");
+    options.objective = Objective::Mae;
+    EXPECT_THAT(krige::describeSearch(space, options, 5000), StartsWith("MAE in cross-validation; drift 1"));
 }
 
 TEST(TuningReportTest, AFailedTrialSaysWhy)
@@ -97,10 +124,12 @@ TEST(TuningReportTest, TheCsvOfTrialsMarksTheWinner)
     result.trials[1].settings.scaleFactors = {1.0, 2.0};
     result.trials[1].settings.numNearestPoints = 8;
 
-    EXPECT_EQ(krige::csvOfTrials(result),
-              "trial,drift,range,nugget,nearest,scale,score,penalised_score,winner,failure\n"
-              "1,0,1,0,0,\"\",0.5,0.5,0,\"\"\n"
-              "2,1,1,0,8,\"1,2\",0.25,0.25,1,\"\"\n");
+    result.trials[0].hasDeviance = true;
+    result.trials[0].score = std::numeric_limits<double>::quiet_NaN();
+
+    EXPECT_EQ(krige::csvOfTrials(result), "trial,drift,range,nugget,nearest,scale,deviance,score,winner,failure\n"
+                                          "1,0,1,0,0,\"\",0.5,,0,\"\"\n"
+                                          "2,1,1,0,8,\"1,2\",,0.25,1,\"\"\n");
 }
 
 TEST(TuningReportTest, WithoutHeldOutSamplesOnlyTheCrossValidatedScoresArePrinted)
@@ -118,6 +147,8 @@ TEST(TuningReportTest, HeldOutErrorsArePrintedForStartAndWinner)
     result.heldOutSamples = {3, 7};
     result.startHeldOut.score = 0.625;
     result.startHeldOut.statistics.resize(1);
+    result.startHeldOut.calibrations.resize(1);
+    result.startHeldOut.calibrations[0].coverages = {{0.5, 0.5}, {0.9, 0.75}, {0.95, 0.875}};
     result.startHeldOut.statistics[0].numCompared = 2;
     result.startHeldOut.statistics[0].rmse = 1.5;
     result.winnerHeldOut = result.startHeldOut;
@@ -131,6 +162,21 @@ TEST(TuningReportTest, HeldOutErrorsArePrintedForStartAndWinner)
                                 "(score: mean over outputs of MAE / standard deviation; lower is better)\n"));
     EXPECT_THAT(text, HasSubstr("\nz            start       2   1.5"));
     EXPECT_THAT(text, HasSubstr("\nz           winner       2  0.75"));
+    EXPECT_THAT(text, HasSubstr("  in 95 %\n"));
+    EXPECT_THAT(text, HasSubstr("     87.5\n"));
+}
+
+TEST(TuningReportTest, ASearchThatWasCancelledHasABestSoFar)
+{
+    TuningResult result = twoTrials();
+    result.wasCancelled = true;
+
+    EXPECT_EQ(printed(result), "best so far, trial 2 of 2: --drift 1 --range 1 --nugget 0\n");
+}
+
+TEST(TuningReportTest, TheScoreOfALikelihoodSearchIsTheCrps)
+{
+    EXPECT_THAT(printed(twoTrials(), Objective::Likelihood), HasSubstr("(score: mean over outputs of CRPS / "));
 }
 
 TEST(TuningReportTest, AModelThatFailsAtTheHeldOutSamplesSaysSo)
@@ -138,7 +184,6 @@ TEST(TuningReportTest, AModelThatFailsAtTheHeldOutSamplesSaysSo)
     TuningResult result = twoTrials();
     result.heldOutSamples = {3};
     result.startHeldOut.failure = "Singular matrix";
-    result.winnerHeldOut.statistics.resize(1);
 
     EXPECT_THAT(printed(result), HasSubstr("\nstart fails at the held-out samples: Singular matrix\n"));
 }

@@ -73,8 +73,10 @@ test_ColumnsOfTheSamplesAreOffered()
 test_ValuesAreOffered()
 {
     completed tune samples.csv --objective ''
+    offers likelihood
     offers rmse
     offers mae
+    offers crps
     completed predict samples.csv --sill ''
     offers auto
     offers sample

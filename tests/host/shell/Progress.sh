@@ -61,10 +61,12 @@ test_ValidateStopsAtCtrlC()
 test_TuneShowsItsTrialsAndStopsAtCtrlC()
 {
     write_scattered 600
-    in_terminal 4 tune samples.csv --inputs x,y --outputs z --repeats 10 -o best.toml --trials trials.csv
+    in_terminal 4 tune samples.csv --inputs x,y --outputs z --objective crps --repeats 40 -o best.toml \
+        --trials trials.csv
     expect_status 130
-    expect_screen '[0-9]+ of 150 trials \([0-9]+ %\), [0-9.]+/s, .* left'
-    expect_files samples.csv
+    expect_screen '[0-9]+ of 300 trials \([0-9]+ %\), [0-9.]+/s, .* left'
+    expect_screen 'krige: stopped after [0-9]+ trials? of 300; the best settings so far are written to best.toml'
+    expect_files samples.csv best.toml trials.csv
 }
 
 test_AFinishedRunWipesItsProgress()

@@ -24,27 +24,136 @@ test_TheWinnerPredictsTheOtherGaugesToTheYardstick()
     tune --quiet -o best.toml
     expect_status 0
     rmse=$(rmse_with --config best.toml) || fail "$rmse"
-    awk -v rmse="$rmse" 'BEGIN { exit !(rmse > 40 && rmse <= 55) }' || fail "RMSE $rmse"
+    awk -v rmse="$rmse" 'BEGIN { exit !(rmse > 40 && rmse <= 56) }' || fail "RMSE $rmse"
     defaults=$(rmse_with)
     awk -v rmse="$defaults" 'BEGIN { exit !(rmse > 57) }' || fail "the defaults give $defaults already"
 }
 
 test_ScoresOfStartAndWinnerAreShown()
 {
-    tune --quiet --max-trials 40
+    tune --quiet --max-trials 40 --objective rmse --held-out 0.2
     expect_status 0
     awk '$1 == "start" && NF == 3 { start = $2 } $1 == "winner" && NF == 3 { winner = $2 }
         END { exit !(start > 0 && winner > 0 && winner <= start) }' "$scratch/log/out" || fail 'the winner is worse'
     expect_stdout 'held out'
     [ "$(grep -c '^rainfall  *\(start\|winner\)  *20 ' "$scratch/log/out")" -eq 2 ] || fail 'held-out errors are missing'
+    [ "$(grep -c '^rainfall  *\(start\|winner\)  *80 ' "$scratch/log/out")" -eq 2 ] || fail 'validated errors are missing'
+}
+
+# coverage SETTINGS_FILE TRUTH COLUMN OPTIONS...: of the 95 % intervals, at the samples left out.
+coverage()
+{
+    config=$1 truth=$2 name=$3
+    shift 3
+    krige validate "$@" --outputs "$name" --worst 0 --config "$config" --against "$truth"
+    expect_status 0
+    awk -v name="$name" '$1 == name { print $NF }' "$scratch/log/out"
+}
+
+test_IntervalsOfTunedModelsCoverWhatTheyPromise()
+{
+    for case in 'rainfall x,y rainfall' 'volcano x,y elevation' 'quakes long,lat,depth mag'; do
+        # shellcheck disable=SC2086
+        set -- $case
+        krige tune "$examples/$1/samples.csv" --inputs "$2" --outputs "$3" --quiet -o best.toml
+        expect_status 0
+        covered=$(coverage best.toml "$examples/$1/truth.csv" "$3" "$examples/$1/samples.csv" --inputs "$2") ||
+            fail "$covered"
+        awk -v covered="$covered" 'BEGIN { exit !(covered >= 90 && covered <= 98) }' || fail "$1: $covered"
+    done
+}
+
+# The search once drew nuggets towards 0.09: on these the winner had 0.196 and a score that a trial of 0.3 beat.
+test_NoTrialOfTheEarthquakesBeatsTheWinner()
+{
+    krige tune "$examples/quakes/samples.csv" --inputs long,lat,depth --outputs mag --quiet --trials trials.csv \
+        --objective rmse --fix drift,scale,nearest
+    expect_status 0
+    awk -F, 'NR > 1 && $10 == "\"\"" { if (lowest == "" || $8 < lowest) lowest = $8; if ($9 == 1) winner = $8 }
+        END { exit !(winner > 0 && winner <= lowest) }' trials.csv || { cat trials.csv; fail 'a trial beats the winner'; }
+    krige tune "$examples/quakes/samples.csv" --inputs long,lat,depth --outputs mag --quiet -o best.toml
+    nugget=$(sed -n 's/^nugget = //p' best.toml)
+    awk -v nugget="$nugget" 'BEGIN { exit !(nugget > 0.25 && nugget < 0.9) }' || fail "nugget $nugget"
+}
+
+test_TheSillIsAmongTheSettings()
+{
+    tune --quiet --max-trials 30 -o best.toml
+    expect_status 0
+    sill=$(sed -n 's/^sill = \[\(.*\)\]$/\1/p' best.toml)
+    winner | grep -qE -- "--sill $sill( |$)" || { cat best.toml; fail 'the sills differ'; }
+}
+
+test_ObjectivesAreTakenByName()
+{
+    for objective in likelihood rmse mae crps; do
+        tune --quiet --max-trials 30 --objective "$objective"
+        expect_status 0
+        expect_stdout 'winner, trial'
+    done
+    for objective in max RMSE '' rmse,mae; do
+        tune --objective "$objective"
+        expect_status 2
+    done
+    expect_stderr "--objective: must be likelihood, rmse, mae or crps, not 'rmse,mae'"
+}
+
+test_TheReportSaysWhatIsSearched()
+{
+    tune --max-trials 3
+    expect_stderr 'search: likelihood; drift and nearest by CRPS in cross-validation; drift 0, 1 and 2, range 0.0'
+    tune --max-trials 3 --objective mae --fix drift,nugget --nugget 0.2
+    expect_stderr 'search: MAE in cross-validation; drift 0, range 0.0'
+    expect_stderr ', nugget 0.2, scales, nearest all, 16 and 32'
+}
+
+# field COUNT: noisy samples of a smooth surface.
+field()
+{
+    awk -v n="$1" 'BEGIN { print "x,y,z"; srand(7)
+        for (i = 0; i < n; ++i) { x = rand(); y = rand(); print x "," y "," sin(6 * x) + y * y + 0.2 * rand() } }'
+}
+
+test_ManySamplesAreTunedLocally()
+{
+    field 100000 >big.csv
+    krige tune big.csv --inputs x,y --outputs z --max-trials 8 -o best.toml
+    expect_status 0
+    expect_stderr 'search: CRPS in cross-validation (local models have no likelihood)'
+    grep -q '^nearest = 16$' best.toml || { cat best.toml; fail 'not local'; }
+}
+
+test_CtrlCKeepsTheBestSettingsSoFar()
+{
+    env --default-signal=INT true 2>/dev/null || skip 'env cannot reset signals here'
+    field 50000 >big.csv
+    env --default-signal=INT "$program" tune big.csv --inputs x,y --outputs z --max-trials 1000 -o best.toml \
+        --trials trials.csv --objective rmse >"$scratch/log/out" 2>"$scratch/log/err" &
+    process=$!
+    waited=0
+    until grep -q '^search: ' "$scratch/log/err"; do
+        waited=$((waited + 1))
+        [ "$waited" -lt 300 ] || { kill -KILL "$process"; fail 'the search has not begun'; }
+        sleep 0.1
+    done
+    sleep 1
+    kill -INT "$process"
+    wait "$process"
+    status=$?
+    expect_status 130
+    expect_files big.csv best.toml trials.csv
+    expect_stderr 'of 1000; the best settings so far are written to best.toml'
+    expect_stdout 'best so far, trial '
+    krige validate big.csv --inputs x,y --outputs z --config best.toml --folds 2
+    expect_status 0
 }
 
 test_EveryTrialIsShown()
 {
     tune --max-trials 12
     expect_status 0
-    expect_stderr 'trial  drift    range   nugget  nearest     score   scale'
-    [ "$(grep -c '^ *[0-9]*  *[0-9]  *[0-9.]*  *[0-9.]* .* automatic$' "$scratch/log/err")" -eq 12 ] || fail 'not 12 trials'
+    expect_stderr 'trial  drift    range   nugget  nearest     deviance   scale'
+    [ "$(grep -c '^ *[0-9]*  *[0-9]  *[0-9.]*  *[-0-9.]* .* automatic$' "$scratch/log/err")" -eq 12 ] || fail 'not 12 trials'
 }
 
 test_TrialsGoToAFile()
@@ -118,9 +227,9 @@ test_AWrongShareOrObjectiveIsAUsageError()
     expect_status 2
     tune --objective max
     expect_status 2
-    tune --folds 81
+    tune --folds 101
     expect_status 2
-    expect_stderr '--folds: must be 2 to 80'
+    expect_stderr '--folds: must be 2 to 100'
 }
 
 test_CoincidentSamplesAreReplicates()
