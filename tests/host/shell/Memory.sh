@@ -36,9 +36,9 @@ test_ValidationRefusesAModelLargerThanTheMemory()
     done
 }
 
-test_TuningRefusesAModelLargerThanTheMemory()
+test_TuningRefusesAModelLargerThanTheMemoryWhereItIsInsistedOn()
 {
-    within_2_GB tune -o best.toml
+    within_2_GB tune -o best.toml --fix nearest --nearest 0
     expect_status 1
     expect_stderr 'add --nearest 32 to work on the nearest samples'
     expect_files samples.csv
