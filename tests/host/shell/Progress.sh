@@ -15,6 +15,25 @@ in_terminal()
     status=$?
 }
 
+# A slow machine takes long before there is progress to show.
+wait_for_progress()
+{
+    waited=0
+    until grep -q ' left' "$scratch/log/screen.txt" 2>/dev/null || [ "$waited" -ge 60 ]; do
+        sleep 1
+        waited=$((waited + 1))
+    done
+}
+
+# in_progress ARGUMENTS...: likewise; Ctrl-C is typed a second after progress is shown.
+in_progress()
+{
+    require_script
+    { wait_for_progress; sleep 1; printf '\003'; sleep 1; } |
+        script -qefc "$program $*" "$scratch/log/screen.txt" >/dev/null 2>&1
+    status=$?
+}
+
 expect_screen()
 {
     grep -qE -- "$1" "$scratch/log/screen.txt" || { cat "$scratch/log/screen.txt"; fail "the screen lacks: $1"; }
@@ -27,7 +46,7 @@ test_PredictShowsRateAndTimeLeftAndCtrlCLeavesNothing()
 {
     write_samples
     # shellcheck disable=SC2086
-    in_terminal 3 predict $endless
+    in_progress predict $endless
     expect_status 130
     expect_screen '[0-9]+ of 1000000000000 targets \([0-9]+ %\), [0-9.]+/s, [0-9]+ h [0-9]+ min left'
     expect_files samples.csv
@@ -52,7 +71,7 @@ write_scattered()
 test_ValidateStopsAtCtrlC()
 {
     write_scattered 1500
-    in_terminal 4 validate samples.csv --inputs x,y --outputs z --folds 1500 -o points.csv --plot fit.gp
+    in_progress validate samples.csv --inputs x,y --outputs z --folds 1500 -o points.csv --plot fit.gp
     expect_status 130
     expect_screen '[0-9]+ of 1500 folds \([0-9]+ %\), [0-9.]+/s, .* left'
     expect_files samples.csv
@@ -61,7 +80,7 @@ test_ValidateStopsAtCtrlC()
 test_TuneShowsItsTrialsAndStopsAtCtrlC()
 {
     write_scattered 600
-    in_terminal 4 tune samples.csv --inputs x,y --outputs z --objective crps --repeats 40 -o best.toml \
+    in_progress tune samples.csv --inputs x,y --outputs z --objective crps --repeats 40 -o best.toml \
         --trials trials.csv
     expect_status 130
     expect_screen '[0-9]+ of 300 trials \([0-9]+ %\), [0-9.]+/s, .* left'
