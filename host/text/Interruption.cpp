@@ -23,7 +23,7 @@ Interruption::Interruption()
         return;
     struct sigaction noting = {};
     noting.sa_handler = noteInterruption;
-    noting.sa_flags = SA_RESETHAND | SA_RESTART;
+    noting.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
     sigemptyset(&noting.sa_mask);
     sigaction(SIGINT, &noting, nullptr);
 }
