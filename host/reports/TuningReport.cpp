@@ -141,7 +141,10 @@ std::string optionsFor(const Settings& settings)
                        " --nugget " + formatNumber(settings.nugget);
     if (settings.numNearestPoints > 0)
         text += " --nearest " + std::to_string(settings.numNearestPoints);
-    if (!settings.scaleFactors.empty())
+    if (settings.anisotropy) // which has the place of the scale factors
+        text += " --anisotropy " + formatNumber(settings.anisotropy->getRatio()) + "," +
+                formatNumber(settings.anisotropy->getAngle());
+    else if (!settings.scaleFactors.empty())
         text += " --scale " + scaleText(settings);
     if (settings.duplicateTolerance >= 0.0)
         text += " --duplicate-tolerance " + formatNumber(settings.duplicateTolerance);

@@ -17,16 +17,6 @@ std::string lagText(double normalisedLag, const LagUnit& unit)
     return formatFigure(normalisedLag * unit.perNormalised) + " " + unit.name;
 }
 
-std::string modelOptions(const Settings& settings)
-{
-    if (!settings.anisotropy)
-        return optionsFor(settings);
-    Settings turned = settings; // the anisotropy stands for the scale factors
-    turned.scaleFactors.clear();
-    return optionsFor(turned) + " --anisotropy " + formatNumber(settings.anisotropy->getRatio()) + "," +
-           formatNumber(settings.anisotropy->getAngle());
-}
-
 } // namespace
 
 std::string describePairs(const fenn::analysis::BinnedSemivariogram& table,
@@ -57,7 +47,7 @@ std::string describeFit(const fenn::analysis::SphericalFit& fit, const Settings&
     std::string text = "fit: sill " + formatFigure(fit.sill) + ", nugget " +
                        formatFigure(fit.nuggetFraction * fit.sill) + " (" + formatFigure(fit.nuggetFraction) +
                        " of the sill), range " + lagText(fit.range, unit) + "; relative deviation of the bins " +
-                       formatFigure(std::sqrt(fit.meanSquaredDeviation)) + "\nfitted: " + modelOptions(settings) +
+                       formatFigure(std::sqrt(fit.meanSquaredDeviation)) + "\nfitted: " + optionsFor(settings) +
                        " --sill " + formatNumber(fit.sill) + '\n';
     if (!fit.hasConverged)
         text += "hint: the fit did not settle; look at it with --plot\n";

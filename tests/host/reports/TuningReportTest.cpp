@@ -61,6 +61,9 @@ TEST(TuningReportTest, SettingsReadAsACommandLineHasThem)
 
     settings.sills = {{krige::SillChoice::Rule::Given, 12.5}, {krige::SillChoice::Rule::Automatic, 0.0}};
     EXPECT_THAT(krige::optionsFor(settings), EndsWith(" --sill 12.5,auto"));
+
+    settings.anisotropy.emplace(2.5, 30.0);
+    EXPECT_THAT(krige::optionsFor(settings), HasSubstr(" --nearest 16 --anisotropy 2.5,30 --duplicate-tolerance 0"));
 }
 
 TEST(TuningReportTest, AStarMarksEachTrialThatIsTheBestSoFar)
