@@ -231,8 +231,14 @@ private:
         return ranges;
     }
 
+    /// Of the grid: everywhere for the first drift order, for the others about its best place, which hardly moves.
+    bool isNearCentre(std::size_t range, std::size_t nugget) const
+    {
+        return !hasCentre || (distanceBetween(range, centreRange) <= 1 && distanceBetween(nugget, centreNugget) <= 1);
+    }
+
     /// The coarse grid, equal scales at its best place, and the simplex method over range and nugget: from the best
-    /// trial, and from the best place of the grid that is no neighbour of its best one.
+    /// trial and, for the first drift order, from the best place of the grid that is no neighbour of its best one.
     void searchKind(const ModelSettings& base, std::size_t endOfTrials)
     {
         struct Place
@@ -248,6 +254,8 @@ private:
         {
             for (std::size_t j = 0; j < ranges.size(); ++j)
             {
+                if (!isNearCentre(j, i))
+                    continue;
                 const ModelSettings settings =
                     coordinates.withRangeAndNugget({std::log2(ranges[j]), std::sqrt(gridNuggets[i])}, base);
                 places.push_back({evaluate(settings), j, i, settings});
@@ -257,6 +265,11 @@ private:
                          [](const Place& a, const Place& b) { return a.criterion < b.criterion; });
         tryEqualScales();
         refineRangeAndNugget(best(), endOfTrials);
+        if (hasCentre)
+            return;
+        hasCentre = true;
+        centreRange = places[0].range;
+        centreNugget = places[0].nugget;
         const auto second = std::find_if(places.begin(), places.end(),
                                          [&](const Place& place) {
                                              return distanceBetween(place.range, places[0].range) > 1 ||
@@ -343,6 +356,9 @@ private:
     std::vector<std::size_t> trialsOfKind;
     std::size_t bestOfKind = none;
     bool hasWinner = false; // the winner has been cross-validated
+    bool hasCentre = false; // the grid's best place for the first drift order is known
+    std::size_t centreRange = 0;
+    std::size_t centreNugget = 0;
 };
 
 Assessment assessAt(const SampleSet& heldOut, const SampleSet& tuningSamples, const ModelSettings& settings,

@@ -62,9 +62,10 @@ struct TuningResult
 /// Called on the calling thread after each trial; false ends the search.
 using TrialCallback = std::function<bool(const Trial& trial, std::size_t numDone, std::size_t maxTrials)>;
 
-/// Searches settings by an objective on the samples that are not held out. For each drift order a coarse grid over
-/// range fraction and nugget, equal scales, and the simplex method from two places; then, for the order that
-/// cross-validation prefers, the scales, and the other numbers of nearest points. A pure function of its arguments.
+/// Searches settings by an objective on the samples that are not held out. For the first drift order a coarse grid
+/// over range fraction and nugget, equal scales, and the simplex method from two places; for the others the same about
+/// the grid's best place, and from one; then, for the order that cross-validation prefers, the scales, and the other
+/// numbers of nearest points. A pure function of its arguments.
 ///
 /// Within one drift order the lowest penalised criterion wins, the first of equals. What a criterion cannot compare, or
 /// not reliably, is left to cross-validation, and must be worth it: a higher order, and nearest points instead of all,
