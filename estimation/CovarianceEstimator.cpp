@@ -329,7 +329,7 @@ std::vector<std::vector<double>> CovarianceEstimator::calcDualWeights() const
     return weights;
 }
 
-double CovarianceEstimator::calcReciprocalCondition() const
+double CovarianceEstimator::findReciprocalCondition() const
 {
     return 1.0 / (system->calcNorm(solution->getDriftScales()) * solution->getInverseNorm());
 }

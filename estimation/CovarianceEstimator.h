@@ -42,12 +42,12 @@ public:
     void estimate(const Targets& targets, const Results& results) const override;
     EngineReport getReport() const override;
     std::vector<std::vector<double>> calcDualWeights() const override;
-    double calcReciprocalCondition() const override;
     bool isGlobal() const override;
 
 private:
     class Request;
 
+    double findReciprocalCondition() const override;
     CovarianceEstimator(const std::shared_ptr<const ModelParts>& parts_, const ModelSettings& settings, int numThreads);
     void raiseBound(double targetBound) const;
 

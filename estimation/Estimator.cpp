@@ -19,4 +19,11 @@ const std::shared_ptr<const ModelParts>& Estimator::shareParts() const
     return parts;
 }
 
+double Estimator::calcReciprocalCondition() const
+{
+    if (!reciprocalCondition)
+        reciprocalCondition = findReciprocalCondition();
+    return *reciprocalCondition;
+}
+
 } // namespace fenn::estimation

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -66,8 +67,8 @@ public:
     virtual std::vector<std::vector<double>> calcDualWeights() const = 0;
 
     /// Estimate of 1 / (|K| |K^-1|) in the form that was factorised: relative errors of solutions are about 1e-16 over
-    /// it. 0 where they mean nothing, NaN for a local model. Costs n^2 semivariogram values and some solves.
-    virtual double calcReciprocalCondition() const = 0;
+    /// it. 0 where they mean nothing, NaN for a local model. Costs n^2 semivariogram values and some solves, once.
+    double calcReciprocalCondition() const;
 
     /// Whether every estimate uses all points.
     virtual bool isGlobal() const = 0;
@@ -82,7 +83,10 @@ protected:
     explicit Estimator(std::shared_ptr<const ModelParts> parts_);
 
 private:
+    virtual double findReciprocalCondition() const = 0;
+
     std::shared_ptr<const ModelParts> parts;
+    mutable std::optional<double> reciprocalCondition; // once it is known
 };
 
 } // namespace fenn::estimation

@@ -156,7 +156,7 @@ std::vector<std::vector<double>> ExactEstimator::calcDualWeights() const
     return weights;
 }
 
-double ExactEstimator::calcReciprocalCondition() const
+double ExactEstimator::findReciprocalCondition() const
 {
     return isGlobal() ? estimation::calcReciprocalCondition(callingThread->getSystem(), getParts())
                       : std::numeric_limits<double>::quiet_NaN();

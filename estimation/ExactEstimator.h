@@ -30,12 +30,12 @@ public:
     void estimate(const Targets& targets, const Results& results) const override;
     EngineReport getReport() const override;
     std::vector<std::vector<double>> calcDualWeights() const override;
-    double calcReciprocalCondition() const override;
     bool isGlobal() const override;
 
 private:
     class CallingThread;
 
+    double findReciprocalCondition() const override;
     std::set<int> outputVars; // all of them
     // One of them:
     std::unique_ptr<AllPtsKrigingController> global;

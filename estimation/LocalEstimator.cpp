@@ -68,7 +68,7 @@ std::vector<std::vector<double>> LocalEstimator::calcDualWeights() const
     return {};
 }
 
-double LocalEstimator::calcReciprocalCondition() const
+double LocalEstimator::findReciprocalCondition() const
 {
     return std::numeric_limits<double>::quiet_NaN();
 }

@@ -27,7 +27,6 @@ public:
     void estimate(const Targets& targets, const Results& results) const override;
     EngineReport getReport() const override;
     std::vector<std::vector<double>> calcDualWeights() const override;
-    double calcReciprocalCondition() const override;
     bool isGlobal() const override;
 
     /// Leave-one-out: estimates points first to first + count - 1 of ModelParts::getPoints(), each at its own place
@@ -35,6 +34,7 @@ public:
     void estimateWithoutEach(std::size_t first, std::size_t count, const Results& results) const;
 
 private:
+    double findReciprocalCondition() const override;
     LocalSystems& systemsOf(std::size_t slot) const;
 
     int driftOrder;
