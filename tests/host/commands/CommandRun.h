@@ -1,14 +1,14 @@
 #ifndef FENN_TESTS_HOST_COMMANDS_COMMANDRUN_H
 #define FENN_TESTS_HOST_COMMANDS_COMMANDRUN_H
 
-#include <algorithm>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
 #include "host/text/Console.h"
+#include "tests/host/Words.h"
 
 namespace krige::test
 {
@@ -21,8 +21,7 @@ public:
     /// words: the command line behind the subcommand's name.
     explicit CommandRun(std::vector<std::string> words)
     {
-        std::reverse(words.begin(), words.end()); // the parser takes the last one first
-        app.parse(words);
+        parse(*app, std::move(words));
     }
 
     Console& getConsole()
@@ -35,8 +34,8 @@ public:
         return report.str();
     }
 
-    CLI::App app;
-    Command command{app};
+    const std::shared_ptr<CLI::App> app = makeApp();
+    Command command{*app};
     std::ostringstream out;
 
 private:

@@ -1,14 +1,14 @@
 #include "host/files/ReadSettings.h"
 
-#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
 
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
+#include "tests/host/Words.h"
 
 using krige::ReadSettings;
 using krige::UsageError;
@@ -19,11 +19,10 @@ namespace
 
 ReadSettings parsed(std::vector<std::string> words)
 {
-    CLI::App app;
+    const auto app = krige::test::makeApp();
     ReadSettings reading;
-    krige::addReadOptions(app, reading);
-    std::reverse(words.begin(), words.end()); // the parser takes the last one first
-    app.parse(words);
+    krige::addReadOptions(*app, reading);
+    krige::test::parse(*app, std::move(words));
     return reading;
 }
 

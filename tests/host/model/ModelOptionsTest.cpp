@@ -1,14 +1,14 @@
 #include "host/model/ModelOptions.h"
 
-#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
 
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
+#include "tests/host/Words.h"
 
 using krige::ModelOptions;
 using krige::UsageError;
@@ -24,11 +24,10 @@ ModelOptions parsed(std::vector<std::string> more)
 {
     std::vector<std::string> words{"samples.csv", "--inputs", "x,y", "--outputs", "z"};
     words.insert(words.end(), more.begin(), more.end());
-    CLI::App app;
+    const auto app = krige::test::makeApp();
     ModelOptions options;
-    krige::addModelOptions(app, options);
-    std::reverse(words.begin(), words.end()); // the parser takes the last one first
-    app.parse(words);
+    krige::addModelOptions(*app, options);
+    krige::test::parse(*app, std::move(words));
     return options;
 }
 
@@ -101,14 +100,14 @@ TEST(ModelOptionsTest, AMalformedSettingNamesItsOption)
 
 TEST(ModelOptionsTest, ThreadsAreChosenAndExactnessIsOffUnlessAskedFor)
 {
-    CLI::App app;
+    const auto app = krige::test::makeApp();
     fenn::estimation::EstimatorOptions estimator;
-    krige::addEstimatorOptions(app, estimator);
-    app.parse(std::vector<std::string>{});
+    krige::addEstimatorOptions(*app, estimator);
+    krige::test::parse(*app, {});
     EXPECT_EQ(estimator.numThreads, 0);
     EXPECT_FALSE(estimator.isExact);
 
-    app.parse(std::vector<std::string>{"--exact", "3", "--threads"});
+    krige::test::parse(*app, {"--threads", "3", "--exact"});
     EXPECT_EQ(estimator.numThreads, 3);
     EXPECT_TRUE(estimator.isExact);
 }
