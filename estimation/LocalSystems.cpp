@@ -140,7 +140,7 @@ void LocalSystems::answerTogether(std::size_t first, std::size_t count, const Re
     unsigned odd = kernels::solveSideBySide(columns.data(), numRows, solutions.data(), workspace.data());
     for (std::size_t k = 0; k < count; ++k)
         odd |= lanes[k].isComplete ? 0U : 1U << k;
-    write(first, count, odd, results);
+    write(first, count, results); // what stands in odd lanes is overwritten
     for (std::size_t k = 0; k < count; ++k)
     {
         if ((odd >> k & 1U) != 0)
@@ -201,8 +201,7 @@ void LocalSystems::writeConstraints()
     std::copy_n(driftTerms.data(), numConstraints * width, entry(numNeighbours, numRows));
 }
 
-/// odd: lanes that are not written.
-void LocalSystems::write(std::size_t first, std::size_t count, unsigned odd, const Results& results) const
+void LocalSystems::write(std::size_t first, std::size_t count, const Results& results) const
 {
     double sums[width];
     // Starting with the first product, as KrigingMatrix::estimate and Matrix::dotProduct do.
@@ -218,11 +217,7 @@ void LocalSystems::write(std::size_t first, std::size_t count, unsigned odd, con
     };
     const auto writeTo = [&](double* values)
     {
-        for (std::size_t k = 0; k < count; ++k)
-        {
-            if ((odd >> k & 1U) == 0)
-                values[first + k] = sums[k];
-        }
+        std::copy_n(sums, count, values + first);
     };
     for (std::size_t o = 0; o < results.estimates.size(); ++o)
     {

@@ -52,7 +52,7 @@ private:
     void answerAlone(const Lane& lane, std::size_t t, const Results& results);
     void gather();
     void writeConstraints();
-    void write(std::size_t first, std::size_t count, unsigned odd, const Results& results) const;
+    void write(std::size_t first, std::size_t count, const Results& results) const;
 
     const ModelParts& parts;
     const IndexedPoints& points;

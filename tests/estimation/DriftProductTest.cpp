@@ -224,18 +224,6 @@ TEST(DriftProductTest, AskingForItChangesNoBitOfEstimatesAndVariances)
     }
 }
 
-/// The solves of a task that hands out its targets to the single forms, where a leading zero asks for them.
-TEST(DriftProductTest, TargetsAtTheFirstPivotsPointGetItToo)
-{
-    const SampleSet samples = smoothSamples(30, 8);
-    const ModelSettings settings{-1.0, {}, 1, 1.0, 0.0, 0};
-    Columns targets{samples.getInput(0), samples.getInput(1)}; // whichever point the first pivot is
-    const std::vector<double> expected = denseDriftProducts(samples, settings, targets);
-    const ExactEstimator exact(makeModelParts(samples, settings), settings, 1, "");
-
-    expectNear(askAll(exact, targets)[3], expected);
-}
-
 TEST(DriftProductTest, PointsLeftOutGetThatOfTheOthers)
 {
     const SampleSet samples = smoothSamples(40, 9);

@@ -91,6 +91,17 @@ TEST(SeparationTest, SamplesWithinRoundingAreTooNear)
     }
 }
 
+TEST(SeparationTest, ManyNeighboursMakeANearPairWorse)
+{
+    std::vector<double> places{0.0, 0.2, 0.2 + 1e-13};
+    for (int i = 0; i < 60; ++i)
+        places.push_back(0.3 + 0.01 * i);
+    const SampleSet samples = samplesAt({places});
+
+    EXPECT_EQ(separationOf(samples, {-1.0, {}, 0, 1.0, 0.0, 4}).verdict, SeparationVerdict::Separate);
+    EXPECT_EQ(separationOf(samples, {-1.0, {}, 0, 1.0, 0.0, 40}).verdict, SeparationVerdict::TooNear);
+}
+
 TEST(SeparationTest, ADriftThatThePlacesDoNotDetermineIsNoFaultOfAPair)
 {
     const SampleSet onALine = samplesAt({{0.0, 1.0, 2.0, 3.5, 4.0}, {0.0, 0.3, 0.6, 1.05, 1.2}});

@@ -225,6 +225,37 @@ TEST(BatchEstimatorTest, WithoutVariancesTargetsSolvedSinglyHaveTheirEstimates)
     EXPECT_TRUE(sameBits(values[1], {expected.begin() + 10, expected.begin() + 20}));
 }
 
+TEST(BatchEstimatorTest, TargetsSolvedSinglyHaveTheirDriftProducts)
+{
+    BatchSystem system(20, 1, nullptr,
+                       [](KrigingMatrix& matrix)
+                       {
+                           matrix.getRow(0)[0] = 2.0;
+                           for (int i = 20; i < 23; ++i)
+                               matrix.getRow(i)[0] *= 0.5;
+                       });
+    ASSERT_EQ(system.matrix.getPivot(0), 0);
+    ValueArrays targets(randomValues(2, 10, -1.0, 1.0, 7));
+    for (std::size_t v = 0; v < 2; ++v)
+        targets[v][9] = system.samples.block().getInputValueArraysForBlock(0)[v][0]; // begins with a zero
+    ValueArrays values(std::vector<std::vector<double>>(2, std::vector<double>(10, unwritten)));
+    std::vector<double> driftProducts(10, unwritten);
+    const fenn::BatchInputs inputs(system.matrix, system.points, {0, 1}, system.normalizerOf());
+    fenn::BatchEstimator estimator(system.matrix, inputs, false, 10);
+    estimator.setDriftProducts(driftProducts.data());
+
+    estimator.evaluate(targets.arrays(), 0, 10, values.arrays(), {});
+
+    std::vector<double> rhs(23), scratch(2);
+    for (std::size_t t = 0; t < 10; ++t)
+    {
+        system.matrix.buildRightHandSide(rhs.data(), 0, {targets[0][t], targets[1][t]}, system.points, scratch);
+        const std::vector<double> kept = rhs;
+        system.matrix.luSolve(rhs.data());
+        EXPECT_EQ(driftProducts[t], rhs[20] * kept[20] + rhs[21] * kept[21] + rhs[22] * kept[22]) << "target " << t;
+    }
+}
+
 TEST(BatchEstimatorTest, AModelOfTheHostsOwnIsAskedOncePerPairTargetByTarget)
 {
     const FunctionSemivariogram model(fenn::test::oneSidedModel);

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "host/text/HostErrors.h"
 #include "tests/host/TemporaryFolder.h"
@@ -84,6 +84,10 @@ TEST(DataFormTest, AValueWithoutALogarithmIsNamed)
         messageOf<krige::InputError>([&] { krige::inModelForm(samples, settings); }),
         "s.csv, line 5, column 'b': -0.5 has no logarithm: with --transform log every value must be above 0; leave "
         "the row out, or the transform");
+
+    samples.outputs[1][2] = 0.0;
+    EXPECT_THAT(messageOf<krige::InputError>([&] { krige::inModelForm(samples, settings); }),
+                testing::StartsWith("s.csv, line 5, column 'b': 0 has no logarithm"));
 }
 
 TEST(DataFormTest, LimitsReadBackToTheSameBits)
