@@ -42,3 +42,18 @@ install(FILES
     ${PROJECT_BINARY_DIR}/fenn_surrogatemodel_krigingConfig.cmake
     ${PROJECT_BINARY_DIR}/fenn_surrogatemodel_krigingConfigVersion.cmake
     DESTINATION ${fennPackageDir})
+
+# For builds without CMake. The prefix is found from where the file lies, so that an installed tree can be moved.
+file(RELATIVE_PATH prefixFromPkgConfig "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" fennPkgConfigPrefix "\${pcfiledir}/${prefixFromPkgConfig}")
+configure_file(
+    ${PROJECT_SOURCE_DIR}/cmake/fenn-surrogatemodel-kriging.pc.in
+    ${PROJECT_BINARY_DIR}/fenn-surrogatemodel-kriging.pc
+    @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/fenn-surrogatemodel-kriging.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png")

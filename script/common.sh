@@ -4,13 +4,14 @@ project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # Debian packages, by the groups of script/bootstrap.
 build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev"
-test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db help2man parallel python3"
+test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db help2man parallel python3 make pkg-config"
 benchmark_packages="libbenchmark-dev libopenblas-dev gnuplot-nox python3"
 peer_packages="python3 python3-scipy python3-openturns r-cran-gstat r-base-core"
 abi_packages="abigail-tools"
 fuzz_packages="clang libclang-rt-14-dev llvm"
 coverage_packages="gcovr"
 mutation_packages="ccache git python3"
+package_packages="dpkg-dev debhelper fakeroot lintian mmdebstrap"
 lint_packages="clang-format clang-tidy"
 arm_packages="g++-aarch64-linux-gnu qemu-user libhwy-dev:arm64 qtbase5-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64"
 

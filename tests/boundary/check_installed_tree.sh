@@ -30,7 +30,8 @@ expected=$(
         "$package/fenn_surrogatemodelTargets.cmake" \
         "$package/fenn_surrogatemodelTargets-$config_suffix.cmake" \
         "$package/morvel_exceptionTargets.cmake" \
-        "$package/morvel_exceptionTargets-$config_suffix.cmake"
+        "$package/morvel_exceptionTargets-$config_suffix.cmake" \
+        "$libdir/pkgconfig/fenn-surrogatemodel-kriging.pc"
 )
 status=0
 if ! diff <(sort <<<"$expected") <(find "$includedir" "$libdir" ! -type d | sort); then
