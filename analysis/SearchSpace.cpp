@@ -27,16 +27,6 @@ constexpr double largestLikeness = 10.0; // of the inputs' ranges
 // The shortest range that is tried is no longer, however few samples there are.
 constexpr double largestShortRange = 0.25;
 
-/// To 3 significant digits, in every locale.
-double rounded(double value)
-{
-    char text[32];
-    const std::to_chars_result written = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 3);
-    double result = value;
-    std::from_chars(text, written.ptr, result);
-    return result;
-}
-
 void check(bool isFine, const char* rule)
 {
     if (!isFine)
@@ -44,6 +34,15 @@ void check(bool isFine, const char* rule)
 }
 
 } // namespace
+
+double roundedToThreeDigits(double value)
+{
+    char text[32];
+    const std::to_chars_result written = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 3);
+    double result = value;
+    std::from_chars(text, written.ptr, result);
+    return result;
+}
 
 double calcSpacing(const SampleSet& samples)
 {
@@ -127,6 +126,10 @@ void checkSearchSpace(const SearchSpace& space)
           "nuggets to search must be 0 to 1 and the lower one first");
     check(space.maxAnisotropy >= 1.0 && std::isfinite(space.maxAnisotropy),
           "the largest anisotropy to search must be finite and at least 1");
+    check(space.maxRatio >= 1.0 && std::isfinite(space.maxRatio),
+          "the largest ratio to search must be finite and at least 1");
+    check(space.maxRatio == 1.0 || space.maxAnisotropy == 1.0,
+          "scales are not searched beside the ratio of an anisotropy");
 }
 
 SettingsCoordinates::SettingsCoordinates(const SampleSet& samples, const SearchSpace& space_) : space(space_)
@@ -164,9 +167,9 @@ ModelSettings SettingsCoordinates::withRangeAndNugget(const std::vector<double>&
 {
     ModelSettings settings = base;
     settings.rangeFraction =
-        std::clamp(rounded(std::exp2(coordinates[0])), space.minRangeFraction, space.maxRangeFraction);
+        std::clamp(roundedToThreeDigits(std::exp2(coordinates[0])), space.minRangeFraction, space.maxRangeFraction);
     const double rootOfNugget = std::max(coordinates[1], 0.0);
-    settings.nugget = std::clamp(rounded(rootOfNugget * rootOfNugget), space.minNugget, space.maxNugget);
+    settings.nugget = std::clamp(roundedToThreeDigits(rootOfNugget * rootOfNugget), space.minNugget, space.maxNugget);
     // A smaller nugget has no effect, and people write 0.
     if (settings.nugget < 1e-4 && space.minNugget == 0.0)
         settings.nugget = 0.0;
@@ -185,7 +188,7 @@ ModelSettings SettingsCoordinates::toSettings(const std::vector<double>& coordin
     for (std::size_t v = 1; v < ranges.size(); ++v)
     {
         const double ratio = std::exp2(std::clamp(coordinates[numFixedCoordinates + v - 1], -limit, limit));
-        settings.scaleFactors.push_back(rounded(ratio * (ranges[0] / ranges[v])));
+        settings.scaleFactors.push_back(roundedToThreeDigits(ratio * (ranges[0] / ranges[v])));
     }
     return settings;
 }

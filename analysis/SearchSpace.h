@@ -13,8 +13,8 @@ namespace fenn::analysis
 using estimation::ModelSettings;
 using estimation::SampleSet;
 
-/// The settings that tune may choose. Empty lists, equal bounds and a maxAnisotropy of 1 keep the setting of the start.
-/// A plain value.
+/// The settings that tune may choose. Empty lists, equal bounds and factors of 1 keep the setting of the start. A plain
+/// value.
 struct SearchSpace
 {
     std::vector<int> driftOrders{0, 1, 2};
@@ -24,6 +24,9 @@ struct SearchSpace
     double minNugget = 0.0;
     double maxNugget = 0.99;    // of a nugget of 1 alone a model says nothing
     double maxAnisotropy = 8.0; // largest factor between a variable's normalised range and the first one's
+    // Of an Anisotropy, which takes the place of scale factors: with more than 1, for two input variables, ratio and
+    // angle are searched, and maxAnisotropy must be 1.
+    double maxRatio = 1.0;
 };
 
 /// Up to 1000 samples global models and local ones of 16 and 32 nearest points; for more samples local ones only,
@@ -39,6 +42,9 @@ double calcSpacing(const SampleSet& samples);
 
 /// Throws std::invalid_argument for bounds that are reversed or outside what checkSettings takes.
 void checkSearchSpace(const SearchSpace& space);
+
+/// To 3 significant digits, in every locale, so that people can read settings and tell them apart.
+double roundedToThreeDigits(double value);
 
 /// The settings that a search varies smoothly, as coordinates of even scale: log2 of the range fraction, the square
 /// root of the nugget (small nuggets matter most) and, unless maxAnisotropy is 1, per input variable after the first

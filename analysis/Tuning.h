@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "analysis/AnisotropyCoordinates.h"
 #include "analysis/SearchSpace.h"
 #include "analysis/TrialScore.h"
 #include "estimation/ModelSettings.h"
@@ -32,15 +33,14 @@ struct TuningOptions
 };
 
 /// Settings that were tried on the tuning samples.
-struct Trial
+struct Trial : SettingsWithAnisotropy
 {
-    ModelSettings settings;
     bool hasDeviance = false; // what the criterion is: the deviance, otherwise the score
     double criterion = 0.0;   // lower is better; infinite on failure
-    // With what each chosen ratio of scales counts (SettingsCoordinates::countChosenScales), n being the number of
-    // tuning samples: the deviance plus ln n, the score times exp(ln n / 2n). G. Schwarz, "Estimating the dimension of
-    // a model", Annals of Statistics 6 (1978); -2 ln of the likelihood is n ln of the mean squared error for
-    // independent errors.
+    // With what each chosen ratio of scales counts (SettingsCoordinates::countChosenScales), and ratio and angle of an
+    // anisotropy, n being the number of tuning samples: the deviance plus ln n, the score times exp(ln n / 2n). G.
+    // Schwarz, "Estimating the dimension of a model", Annals of Statistics 6 (1978); -2 ln of the likelihood is n ln of
+    // the mean squared error for independent errors.
     double penalisedCriterion = 0.0;
     double score = std::numeric_limits<double>::quiet_NaN(); // cross-validated; NaN where it was not called for
     bool isBestSoFar = false;                                // of the trials of its kind, when it was made
@@ -64,8 +64,8 @@ using TrialCallback = std::function<bool(const Trial& trial, std::size_t numDone
 
 /// Searches settings by an objective on the samples that are not held out. For the first drift order a coarse grid
 /// over range fraction and nugget, equal scales, and the simplex method from two places; for the others the same about
-/// the grid's best place, and from one; then, for the order that cross-validation prefers, the scales, and the other
-/// numbers of nearest points. A pure function of its arguments.
+/// the grid's best place, and from one; then, for the order that cross-validation prefers, the scales or the
+/// anisotropy, and the other numbers of nearest points. A pure function of its arguments.
 ///
 /// Within one drift order the lowest penalised criterion wins, the first of equals. What a criterion cannot compare, or
 /// not reliably, is left to cross-validation, and must be worth it: a higher order, and nearest points instead of all,
@@ -75,7 +75,9 @@ using TrialCallback = std::function<bool(const Trial& trial, std::size_t numDone
 /// No trial sees the held-out samples, so that their scores are not flattered by the search. Without held-out samples
 /// the search uses all.
 ///
-/// start: the settings to start from; its duplicate tolerance is kept. See startWithin. maxTrials is reached at most.
+/// start: the settings to start from; its duplicate tolerance is kept. See startWithin. Where an anisotropy is searched
+/// all other trials have scale factors of 1. maxTrials is reached at most.
+///
 /// Throws std::invalid_argument for settings, a range fraction of 0 to start from, search space, a held-out fraction
 /// outside [0, 1), no trials, or a number of folds that crossValidate would refuse for the samples left. A trial whose
 /// model fails has an infinite criterion; the search goes on.

@@ -34,6 +34,9 @@ namespace
 /// Small beside any measurement's error, and large enough for any system.
 constexpr double leastNuggetOfReplicates = 0.001;
 
+// What the parser hands over for an option without its value.
+constexpr const char* withoutValue = "";
+
 constexpr const char* settingNames = "drift, range, nugget, nearest and scale";
 
 fenn::analysis::Objective parseObjective(const std::string& text)
@@ -61,7 +64,17 @@ void writeWhole(const std::string& path, const std::string& text)
 
 TuneCommand::TuneCommand(CLI::App& command)
 {
-    addModelOptions(command, options);
+    addModelOptions(command, options,
+                    [this](const std::string& key, const std::string& text)
+                    { return takesAnisotropySearch(key, text); });
+    command.get_option("--anisotropy")
+        ->expected(0, 1)
+        ->type_name("[search|RATIO,ANGLE]")
+        ->description(
+            "For two inputs of one unit, in place of --scale: search the ratio and the angle of a longer range, from "
+            "equal scales on; with RATIO,ANGLE keep these. Values stay alike farther along ANGLE, in degrees "
+            "anticlockwise from the axis of the first input, RATIO times as far as across it. The word search may be "
+            "left out before another option. Default: none. Examples: --anisotropy search, --anisotropy 2.5,30");
     addEstimatorOptions(command, options.estimator);
     command
         .add_option("-o,--output", outputPath,
@@ -124,11 +137,42 @@ TuneCommand::TuneCommand(CLI::App& command)
         "-o grid.csv");
 }
 
+bool TuneCommand::takesAnisotropySearch(const std::string& key, const std::string& text)
+{
+    if (key != "anisotropy")
+        return false;
+    if (trimBlanks(text) != "search" && text != withoutValue)
+    {
+        if (text.find(',') == std::string::npos)
+            throw UsageError("--anisotropy: needs search or RATIO,ANGLE, not " + quoteForMessage(text));
+        return false;
+    }
+    searchesAnisotropy = true;
+    options.settings.anisotropy.reset();
+    options.settings.scaleFactors = {1.0, 1.0};
+    return true;
+}
+
+void TuneCommand::checkAnisotropySearch() const
+{
+    if (!searchesAnisotropy)
+        return;
+    if (options.inputNames.size() != 2)
+        throw UsageError("--anisotropy search: has an angle with two inputs only, but there " +
+                         std::string(options.inputNames.size() == 1 ? "is " : "are ") +
+                         countOf(options.inputNames.size(), "input"));
+    if (std::find(fixedSettings.begin(), fixedSettings.end(), "scale") != fixedSettings.end())
+        throw UsageError(
+            "--anisotropy search: takes the place of scales, which --fix scale keeps; leave one of them out");
+}
+
 fenn::analysis::SearchSpace TuneCommand::chooseSpace(const fenn::estimation::SampleSet& samples) const
 {
     fenn::analysis::SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
     const double rangeFraction = withRangeFraction(samples, options.settings).rangeFraction;
-    if (options.settings.anisotropy) // it takes the place of scale factors
+    if (searchesAnisotropy)
+        space.maxRatio = space.maxAnisotropy;
+    if (searchesAnisotropy || options.settings.anisotropy) // it takes the place of scale factors
         space.maxAnisotropy = 1.0;
     for (const std::string& name : fixedSettings)
     {
@@ -238,6 +282,7 @@ double TuneCommand::chooseLeastNugget(const SampleTable& samples, Report& report
 void TuneCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
+    checkAnisotropySearch();
     checkModelOptions(options);
     const SampleTable read = readSamples(options);
     report.samplesRead(read);
@@ -245,10 +290,13 @@ void TuneCommand::run(std::ostream& out, Console& console) const
     const SampleTable samples = inModelForm(read, options.settings);
 
     const fenn::analysis::TuningResult result = search(samples, chooseLeastNugget(samples, report), console);
-    report.rangeUsed(samples, options.settings.withModel(result.trials[result.winner].settings), options.units);
+    const fenn::analysis::Trial& best = result.trials[result.winner];
+    Settings winner = options.settings.withModel(best.settings);
+    if (searchesAnisotropy)
+        winner.anisotropy = best.anisotropy;
+    report.rangeUsed(inModelForm(read, winner), winner, options.units);
     if (!trialsPath.empty())
-        writeWhole(trialsPath, csvOfTrials(result));
-    Settings winner = options.settings.withModel(result.trials[result.winner].settings);
+        writeWhole(trialsPath, csvOfTrials(result, searchesAnisotropy));
     if (!result.wasCancelled) // whoever stopped the search does not wait for more
         winner = withSills(winner, read, console, report);
     if (!outputPath.empty())

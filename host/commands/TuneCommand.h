@@ -32,6 +32,10 @@ public:
     void run(std::ostream& out, Console& console) const override;
 
 private:
+    /// Takes the text of --anisotropy that asks for a search. Whether it does.
+    bool takesAnisotropySearch(const std::string& key, const std::string& text);
+
+    void checkAnisotropySearch() const;
     double chooseLeastNugget(const SampleTable& samples, Report& report) const;
     fenn::analysis::SearchSpace chooseSpace(const fenn::estimation::SampleSet& samples) const;
     fenn::analysis::TuningOptions chooseOptions(const SampleTable& samples) const;
@@ -43,6 +47,7 @@ private:
     ModelOptions options; // the search starts from the model's
     fenn::analysis::TuningOptions tuning;
     std::vector<std::string> fixedSettings;
+    bool searchesAnisotropy = false;
     CLI::Option* foldsOption = nullptr;
     std::string outputPath; // empty: none
     std::string trialsPath; // likewise

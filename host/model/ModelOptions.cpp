@@ -41,7 +41,7 @@ std::vector<std::string> parseNames(const std::string& option, const std::string
     return names;
 }
 
-void addModelOptions(CLI::App& command, ModelOptions& options)
+void addModelOptions(CLI::App& command, ModelOptions& options, const TakesText& takesText)
 {
     options.estimator.mustTellPointsApart = true;
     command
@@ -77,8 +77,10 @@ void addModelOptions(CLI::App& command, ModelOptions& options)
         const std::string name = std::string("--") + setting.key;
         addOption(
             command, name, setting.typeName,
-            [&options, &setting, name, typed](const std::string& text)
+            [&options, &setting, name, typed, takesText](const std::string& text)
             {
+                if (takesText && takesText(setting.key, text))
+                    return;
                 typed->apply(setting, name, text);
                 options.estimator.mustTellPointsApart = !options.settings.keepsDuplicates;
             },

@@ -1,6 +1,7 @@
 #ifndef FENN_HOST_MODEL_MODELOPTIONS_H
 #define FENN_HOST_MODEL_MODELOPTIONS_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,11 +30,14 @@ struct ModelOptions
     std::string units; // of the inputs, for people; empty: not said
 };
 
+/// Whether a subcommand takes a text of the option --KEY itself, which has a meaning to it alone.
+using TakesText = std::function<bool(const std::string& key, const std::string& text)>;
+
 /// Adds SAMPLES, the options of the model and those that say how files are read to a subcommand; options must live
 /// until the command line has been parsed. An option wins over the file of --config. Malformed values end parsing with
 /// UsageError, or within that file with InputError. The estimator must tell points apart unless --duplicates keep says
-/// otherwise.
-void addModelOptions(CLI::App& command, ModelOptions& options);
+/// otherwise. takesText: asked first about the text of each setting on the command line.
+void addModelOptions(CLI::App& command, ModelOptions& options, const TakesText& takesText = {});
 
 /// Adds --units; units must live until the command line has been parsed.
 void addUnitsOption(CLI::App& command, std::string& units);

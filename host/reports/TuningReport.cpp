@@ -24,6 +24,12 @@ std::string scaleText(const fenn::estimation::ModelSettings& settings)
     return text;
 }
 
+/// "2.5,30"
+std::string anisotropyText(const fenn::analysis::Anisotropy& anisotropy)
+{
+    return formatNumber(anisotropy.getRatio()) + "," + formatNumber(anisotropy.getAngle());
+}
+
 std::string sillText(const std::vector<SillChoice>& sills)
 {
     std::string text;
@@ -128,7 +134,7 @@ std::string describeSearch(const fenn::analysis::SearchSpace& space, const fenn:
                            : nameOf(options.objective) + std::string(" in cross-validation");
     text += "; drift " + listOf(orders) + ", " + boundsOf("range", space.minRangeFraction, space.maxRangeFraction) +
             ", " + boundsOf("nugget", space.minNugget, space.maxNugget);
-    text += space.maxAnisotropy > 1.0 ? ", scales" : "";
+    text += space.maxRatio > 1.0 ? ", anisotropy" : space.maxAnisotropy > 1.0 ? ", scales" : "";
     text += nearest.empty() ? "" : ", nearest " + listOf(nearest);
     return text;
 }
@@ -142,8 +148,7 @@ std::string optionsFor(const Settings& settings)
     if (settings.numNearestPoints > 0)
         text += " --nearest " + std::to_string(settings.numNearestPoints);
     if (settings.anisotropy) // which has the place of the scale factors
-        text += " --anisotropy " + formatNumber(settings.anisotropy->getRatio()) + "," +
-                formatNumber(settings.anisotropy->getAngle());
+        text += " --anisotropy " + anisotropyText(*settings.anisotropy);
     else if (!settings.scaleFactors.empty())
         text += " --scale " + scaleText(settings);
     if (settings.duplicateTolerance >= 0.0)
@@ -164,15 +169,19 @@ void TrialTable::add(const fenn::analysis::Trial& trial)
     std::snprintf(line, sizeof line, "%5zu  %5d  %7.4g  %7.4g  %7s  %11.5f%s  ", ++numTrials, settings.driftOrder,
                   settings.rangeFraction, settings.nugget, nearestText(settings.numNearestPoints).c_str(),
                   trial.criterion, trial.isBestSoFar ? "*" : " ");
-    stream << line << (settings.scaleFactors.empty() ? "automatic" : scaleText(settings));
+    stream << line
+           << (trial.anisotropy                ? "anisotropy " + anisotropyText(*trial.anisotropy)
+               : settings.scaleFactors.empty() ? "automatic"
+                                               : scaleText(settings));
     if (!trial.failure.empty())
         stream << "  failed: " << trial.failure;
     stream << '\n' << std::flush;
 }
 
-std::string csvOfTrials(const fenn::analysis::TuningResult& result)
+std::string csvOfTrials(const fenn::analysis::TuningResult& result, bool hasAnisotropy)
 {
-    std::string text = "trial,drift,range,nugget,nearest,scale,deviance,score,winner,failure\n";
+    std::string text = std::string("trial,drift,range,nugget,nearest,scale,") + (hasAnisotropy ? "anisotropy," : "") +
+                       "deviance,score,winner,failure\n";
     for (std::size_t i = 0; i < result.trials.size(); ++i)
     {
         const fenn::analysis::Trial& trial = result.trials[i];
@@ -183,6 +192,11 @@ std::string csvOfTrials(const fenn::analysis::TuningResult& result)
         text += "," + std::to_string(trial.settings.numNearestPoints) + ",";
         appendCsvField(text, scaleText(trial.settings));
         text += ',';
+        if (hasAnisotropy)
+        {
+            appendCsvField(text, trial.anisotropy ? anisotropyText(*trial.anisotropy) : "");
+            text += ',';
+        }
         if (trial.hasDeviance)
             appendNumber(text, trial.criterion);
         text += ',';

@@ -33,8 +33,9 @@ private:
     std::size_t numTrials = 0;
 };
 
-/// The trials as CSV text, the winner marked. A deviance or a score that was not computed is left empty.
-std::string csvOfTrials(const fenn::analysis::TuningResult& result);
+/// The trials as CSV text, the winner marked. A deviance or a score that was not computed is left empty. With a column
+/// of ratios and angles where they were searched.
+std::string csvOfTrials(const fenn::analysis::TuningResult& result, bool hasAnisotropy);
 
 /// Scores of start and winner, their errors per output, and the winner's options. Of a search that was cancelled the
 /// winner alone.

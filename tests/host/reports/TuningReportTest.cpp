@@ -130,9 +130,30 @@ TEST(TuningReportTest, TheCsvOfTrialsMarksTheWinner)
     result.trials[0].hasDeviance = true;
     result.trials[0].score = std::numeric_limits<double>::quiet_NaN();
 
-    EXPECT_EQ(krige::csvOfTrials(result), "trial,drift,range,nugget,nearest,scale,deviance,score,winner,failure\n"
-                                          "1,0,1,0,0,\"\",0.5,,0,\"\"\n"
-                                          "2,1,1,0,8,\"1,2\",,0.25,1,\"\"\n");
+    EXPECT_EQ(krige::csvOfTrials(result, false),
+              "trial,drift,range,nugget,nearest,scale,deviance,score,winner,failure\n"
+              "1,0,1,0,0,\"\",0.5,,0,\"\"\n"
+              "2,1,1,0,8,\"1,2\",,0.25,1,\"\"\n");
+}
+
+TEST(TuningReportTest, ASearchedAnisotropyIsShown)
+{
+    TuningResult result = twoTrials();
+    result.trials[0].settings.scaleFactors = {1.0, 1.0};
+    result.trials[1].settings.scaleFactors = {1.0, 1.0};
+    result.trials[1].anisotropy = fenn::analysis::Anisotropy(2.5, 30.5);
+    std::ostringstream out;
+    krige::TrialTable(out).add(result.trials[1]);
+    fenn::analysis::SearchSpace space;
+    space.maxAnisotropy = 1.0;
+    space.maxRatio = 8.0;
+
+    EXPECT_EQ(krige::csvOfTrials(result, true),
+              "trial,drift,range,nugget,nearest,scale,anisotropy,deviance,score,winner,failure\n"
+              "1,0,1,0,0,\"1,1\",\"\",,0.5,0,\"\"\n"
+              "2,1,1,0,0,\"1,1\",\"2.5,30.5\",,0.25,1,\"\"\n");
+    EXPECT_THAT(out.str(), EndsWith("   anisotropy 2.5,30.5\n"));
+    EXPECT_THAT(krige::describeSearch(space, {}, 100), HasSubstr(", nugget 0 to 0.99, anisotropy, nearest all"));
 }
 
 TEST(TuningReportTest, WithoutHeldOutSamplesOnlyTheCrossValidatedScoresArePrinted)

@@ -109,3 +109,77 @@ EOF
     expect_status 2
     expect_stderr '--anisotropy: has an angle with two inputs only, but there is 1 input'
 }
+
+# search ARGUMENTS...: for the ratio and the angle of the rainfall example.
+search()
+{
+    krige tune "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall "$@"
+}
+
+test_TuneSearchesRatioAndAngle()
+{
+    search --anisotropy search --trials trials.csv -o best.toml
+    expect_status 0
+    expect_stderr ', nugget 0 to 0.99, anisotropy, nearest all, 16 and 32'
+    awk -F '[][, ]+' '$1 == "anisotropy" { ratio = $3; angle = $4 }
+        END { exit !(ratio > 2 && ratio <= 8 && angle > 30 && angle < 70) }' best.toml || { cat best.toml; fail 'not that of the valleys'; }
+    ! grep -q '^scale' best.toml || fail 'scales beside it'
+    ratio=$(sed -n 's/^anisotropy = \[\([^,]*\), \(.*\)\]/\1,\2/p' best.toml)
+    expect_stdout " --anisotropy $ratio --sill"
+    head -n 1 trials.csv | grep -qx 'trial,drift,range,nugget,nearest,scale,anisotropy,deviance,score,winner,failure' ||
+        fail 'no column for it'
+    grep -q '"1,1",""' trials.csv || fail 'equal scales are not tried'
+    [ "$(awk -F, '$(NF - 1) == 1' trials.csv | grep -c "\"$ratio\"")" -eq 1 ] || fail 'not the winner of the trials'
+
+    krige predict "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall --config best.toml --grid 4x4 -o file.csv
+    expect_status 0
+    # shellcheck disable=SC2046
+    krige predict "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall \
+        $(search --anisotropy search --quiet; sed -n 's/^winner, trial .*: //p' "$scratch/log/out") --grid 4x4 -o options.csv
+    expect_status 0
+    cmp file.csv options.csv || fail 'the winner is not repeated'
+}
+
+test_ASearchNeedsNoWordBeforeAnotherOption()
+{
+    search --anisotropy search --quiet --max-trials 60
+    cp "$scratch/log/out" word
+    search --anisotropy --quiet --max-trials 60
+    expect_status 0
+    cmp word "$scratch/log/out" || fail 'another search'
+    printf 'scale = [1, 3]\nrange = 1\n' >scaled.toml
+    search --config scaled.toml --anisotropy --quiet --max-trials 60
+    expect_status 0
+    cmp word "$scratch/log/out" || fail 'it does not start from equal scales'
+}
+
+test_AGivenAnisotropyIsKeptByTune()
+{
+    search --anisotropy 2,30 --max-trials 20 -o best.toml
+    expect_status 0
+    grep -qx 'anisotropy = \[2, 30\]' best.toml || { cat best.toml; fail 'not kept'; }
+    search --config best.toml --max-trials 20 -o again.toml
+    grep -qx 'anisotropy = \[2, 30\]' again.toml || { cat again.toml; fail 'not kept from a file'; }
+}
+
+test_WhatCannotBeSearchedIsAUsageError()
+{
+    search --anisotropy find
+    expect_status 2
+    expect_stderr "--anisotropy: needs search or RATIO,ANGLE, not 'find'"
+    search --anisotropy search --fix scale
+    expect_status 2
+    expect_stderr '--anisotropy search: takes the place of scales, which --fix scale keeps; leave one of them out'
+    search --anisotropy search --scale 1,1
+    expect_status 2
+    krige tune "$examples/quakes/samples.csv" --inputs long,lat,depth --outputs mag --anisotropy search
+    expect_status 2
+    expect_stderr '--anisotropy search: has an angle with two inputs only, but there are 3 inputs'
+    write_samples
+    predict --grid 2x2 --anisotropy search -o out.csv
+    expect_status 2
+    expect_stderr "--anisotropy: needs RATIO,ANGLE, not 'search'"
+    printf 'anisotropy = "search"\n' >search.toml
+    search --config search.toml
+    expect_status 1
+}

@@ -77,6 +77,10 @@ test_ValuesAreOffered()
     offers rmse
     offers mae
     offers crps
+    completed tune samples.csv --anisotropy ''
+    offers search
+    completed predict samples.csv --anisotropy ''
+    lacks search
     completed predict samples.csv --sill ''
     offers auto
     offers sample
