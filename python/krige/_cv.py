@@ -3,10 +3,12 @@
 from __future__ import annotations
 
 import numbers
+import warnings
 from typing import Any
 
 import numpy as np
 from sklearn.base import BaseEstimator, MetaEstimatorMixin, RegressorMixin, clone
+from sklearn.exceptions import FitFailedWarning
 from sklearn.utils.validation import check_is_fitted
 
 from krige import _compat, _core
@@ -124,11 +126,16 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
         Raises
         ------
         KrigingError
-            As ``KrigingRegressor.fit``, for the parameters of the search, and where every trial failed.
+            As ``KrigingRegressor.fit``, and for the parameters of the search.
+
+        Warns
+        -----
+        FitFailedWarning
+            Where every trial failed, mostly for too few samples; the best estimator is then that of the start.
         """
         start = KrigingRegressor() if self.estimator is None else clone(self.estimator)
         samples = check_samples(self, X, y, include, start)
-        parameters = check_parameters(start._model_parameters(), samples.X.shape[1], samples.n_outputs)
+        parameters = check_parameters(start.get_params(), samples.X.shape[1], samples.n_outputs)
         options = self._check_search(len(samples.X))
         context = Samples(samples.X, samples.y, samples.include, parameters, samples.input_names)
         least_nugget = self._choose_least_nugget(samples, parameters, context)
@@ -144,12 +151,14 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
                 tell_apart=parameters.tells_apart,
                 **options,
             )
-        winner = found["trials"][found["winner"]]
-        if winner["failure"]:
-            error = explain(winner["failure"], context)
-            raise type(error)(f"all {len(found['trials'])} trials failed, the best one so: {error}")
         self._keep(found)
         self.best_params_ = self.cv_results_["params"][self.best_index_]
+        failure = found["trials"][self.best_index_]["failure"]
+        if failure:  # what is left: the settings started from, if they make a model of all samples
+            why = explain(failure, context)
+            warnings.warn(
+                f"all {len(found['trials'])} trials failed, the first one so: {why}", FitFailedWarning, stacklevel=2
+            )
         self.best_estimator_ = start.set_params(**self.best_params_).fit(X, y, include)
         return self
 

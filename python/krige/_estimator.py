@@ -24,6 +24,23 @@ if TYPE_CHECKING:
     import xarray
 
 
+class _TransformParameter:
+    """The parameter `transform`, which an estimator without one does not show as an attribute.
+
+    DELIBERATE: scikit-learn takes whatever has an attribute `transform` for a transformer. What reads the parameter
+    goes through `get_params`. Test: test_estimator_keeps_the_conventions
+    """
+
+    def __get__(self, estimator: Any, owner: Any = None) -> Any:
+        value = None if estimator is None else estimator.__dict__.get("transform")
+        if value is None:
+            raise AttributeError("transform")
+        return value
+
+    def __set__(self, estimator: Any, value: Any) -> None:
+        estimator.__dict__["transform"] = value
+
+
 class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
     """Universal Kriging with a spherical semivariogram and a polynomial drift.
 
@@ -125,6 +142,8 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
     1.00 0.00, 0.76
     """
 
+    transform: Any = _TransformParameter()
+
     def __init__(
         self,
         *,
@@ -184,7 +203,7 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
             Where the model does not fit into memory.
         """
         samples = check_samples(self, X, y, include, self)
-        parameters = check_parameters(self._model_parameters(), samples.X.shape[1], samples.n_outputs)
+        parameters = check_parameters(self.get_params(), samples.X.shape[1], samples.n_outputs)
         model = Model(samples.X, samples.y, parameters, samples.include, samples.input_names)
         core = model.core
         self._set_fitted(samples, model)
@@ -194,8 +213,20 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
         self.ranges_ = np.asarray(core.ranges)
         return self
 
-    def _model_parameters(self) -> dict[str, Any]:
-        return {name: getattr(self, name) for name in _PARAMETERS}
+    def get_params(self, deep: bool = True) -> dict[str, Any]:
+        """The parameters of this estimator.
+
+        Parameters
+        ----------
+        deep : bool, default=True
+            Means nothing here: no parameter is an estimator.
+
+        Returns
+        -------
+        dict
+            Values by names.
+        """
+        return {name: self.__dict__[name] for name in self._get_param_names()}
 
     def _set_fitted(self, samples: CheckedSamples, model: Model) -> None:
         self.X_train_ = samples.X
@@ -511,7 +542,7 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
             if isinstance(self.scale, str):
                 raise KrigingError("scale='raw' has one factor per input; call fit first")
         n_outputs = 1 if isinstance(self.sill, (str, float, int)) else len(self.sill)
-        parameters = dict(self._model_parameters())
+        parameters = dict(self.get_params())
         in_units = isinstance(self.range_fraction, str) and self.scale is None and self.anisotropy is None
         if in_units and not hasattr(self, "n_features_in_"):
             n_inputs = 1
@@ -519,24 +550,6 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
         if path is not None:
             Path(path).write_text(text, encoding="utf-8")
         return text
-
-
-_PARAMETERS = (
-    "drift_order",
-    "range_fraction",
-    "nugget",
-    "n_neighbors",
-    "scale",
-    "duplicates",
-    "duplicate_tolerance",
-    "anisotropy",
-    "transform",
-    "clamp",
-    "missing",
-    "sill",
-    "exact",
-    "n_jobs",
-)
 
 
 class CheckedSamples:
@@ -590,7 +603,7 @@ def check_samples(estimator: Any, X: Any, y: Any, include: Any, rules: KrigingRe
     n_outputs = 1 if outputs.ndim == 1 else outputs.shape[1]
     if output_names is None or len(output_names) != n_outputs:
         output_names = ["z"] if n_outputs == 1 else [f"z{w}" for w in range(n_outputs)]
-    _check_logarithms(rules.transform, outputs)
+    _check_logarithms(rules.get_params()["transform"], outputs)
     names = getattr(estimator, "feature_names_in_", None)
     return CheckedSamples(
         read_only(inputs),
