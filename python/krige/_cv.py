@@ -45,6 +45,8 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
         Settings to try at most.
     held_out : float, default=0.0
         Share of the samples that the search never sees, at least 0 and below 1.
+    search_anisotropy : bool, default=False
+        Of two inputs of one unit, search the ratio and the angle of a longer range in place of factors of `scale`.
 
     Attributes
     ----------
@@ -81,7 +83,7 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
     >>> X = np.random.RandomState(0).uniform(size=(40, 2))
     >>> search = KrigingRegressorCV(max_trials=10).fit(X, np.sin(5 * X[:, 0]) + X[:, 1])
     >>> sorted(search.best_params_)
-    ['drift_order', 'n_neighbors', 'nugget', 'range_fraction', 'scale']
+    ['anisotropy', 'drift_order', 'n_neighbors', 'nugget', 'range_fraction', 'scale']
     """
 
     def __init__(
@@ -95,6 +97,7 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
         seed: int = 1,
         max_trials: int = 300,
         held_out: float = 0.0,
+        search_anisotropy: bool = False,
     ) -> None:
         self.estimator = estimator
         self.fix = fix
@@ -104,6 +107,7 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
         self.seed = seed
         self.max_trials = max_trials
         self.held_out = held_out
+        self.search_anisotropy = search_anisotropy
 
     @property
     def missing(self) -> str:  # type: ignore[override]
@@ -134,9 +138,13 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
             Where every trial failed, mostly for too few samples; the best estimator is then that of the start.
         """
         start = KrigingRegressor() if self.estimator is None else clone(self.estimator)
+        if not isinstance(start, KrigingRegressor):
+            raise KrigingError(f"estimator must be None or a KrigingRegressor, not {show(start)}")
+        if self.search_anisotropy:
+            start.set_params(anisotropy=None, scale="raw")
         samples = check_samples(self, X, y, include, start)
         parameters = check_parameters(start.get_params(), samples.X.shape[1], samples.n_outputs)
-        options = self._check_search(len(samples.X))
+        options = self._check_search(*samples.X.shape)
         context = Samples(samples.X, samples.y, samples.include, parameters, samples.input_names)
         least_nugget = self._choose_least_nugget(samples, parameters, context)
         with explained(context):
@@ -151,7 +159,7 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
                 tell_apart=parameters.tells_apart,
                 **options,
             )
-        self._keep(found)
+        self._keep(found, parameters.anisotropy)
         self.best_params_ = self.cv_results_["params"][self.best_index_]
         failure = found["trials"][self.best_index_]["failure"]
         if failure:  # what is left: the settings started from, if they make a model of all samples
@@ -162,13 +170,19 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
         self.best_estimator_ = start.set_params(**self.best_params_).fit(X, y, include)
         return self
 
-    def _check_search(self, n_samples: int) -> dict[str, Any]:
+    def _check_search(self, n_samples: int, n_inputs: int) -> dict[str, Any]:
         fixed = [self.fix] if isinstance(self.fix, str) else list(self.fix)
         for name in fixed:
             if name not in _SEARCHED:
                 raise KrigingError(f"fix must hold names of {', '.join(_SEARCHED)}, not {show(name)}")
         if self.objective not in _OBJECTIVES:
             raise KrigingError(f"objective must be one of {', '.join(_OBJECTIVES)}, not {show(self.objective)}")
+        if not isinstance(self.search_anisotropy, (bool, np.bool_)):
+            raise KrigingError(f"search_anisotropy must be True or False, not {show(self.search_anisotropy)}")
+        if self.search_anisotropy and n_inputs != 2:
+            raise KrigingError(f"search_anisotropy: there is an angle with two inputs only, but there are {n_inputs}")
+        if self.search_anisotropy and "scale" in fixed:
+            raise KrigingError("search_anisotropy takes the place of scale, which fix keeps; leave one of them out")
         is_share = isinstance(self.held_out, numbers.Real) and 0.0 <= self.held_out < 1.0
         if not is_share:
             raise KrigingError(f"held_out must be at least 0 and below 1, not {show(self.held_out)}")
@@ -194,6 +208,7 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
             "seed": self.seed,
             "max_trials": self.max_trials,
             "held_out": float(self.held_out),
+            "search_anisotropy": bool(self.search_anisotropy),
         }
 
     def _choose_least_nugget(self, samples: CheckedSamples, parameters: Parameters, context: Samples) -> float:
@@ -211,11 +226,11 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
             raise explain("Ill-conditioned matrix", context)
         return 0.0
 
-    def _keep(self, found: dict[str, Any]) -> None:
+    def _keep(self, found: dict[str, Any], given: tuple[float, float] | None) -> None:
         trials = found["trials"]
         self.best_index_ = int(found["winner"])
         self.cv_results_ = {
-            "params": [_params_of(trial["settings"]) for trial in trials],
+            "params": [_params_of(trial["settings"], given) for trial in trials],
             "criterion": np.array([trial["criterion"] for trial in trials]),
             "penalised_criterion": np.array([trial["penalised_criterion"] for trial in trials]),
             "score": np.array([trial["score"] for trial in trials]),
@@ -272,11 +287,14 @@ def check_parameters_without_nugget(parameters: Parameters) -> _core.Settings:
     return dataclasses.replace(parameters, nugget=0.0).to_settings()
 
 
-def _params_of(settings: _core.Settings) -> dict[str, Any]:
+def _params_of(settings: _core.Settings, given: tuple[float, float] | None) -> dict[str, Any]:
+    """Parameters of a trial. given: the anisotropy of all trials, which takes the place of scale as a found one does."""
+    anisotropy = given or settings.anisotropy
     return {
         "drift_order": settings.drift_order,
         "range_fraction": settings.range_fraction,
         "nugget": settings.nugget,
         "n_neighbors": settings.n_neighbors or None,
-        "scale": tuple(settings.scale_factors) or None,
+        "scale": tuple(settings.scale_factors) or None if anisotropy is None else None,
+        "anisotropy": anisotropy,
     }

@@ -14,6 +14,7 @@ from krige._errors import KrigingError
 
 _MAX_DRIFT_ORDER = 4
 _LARGEST_RANGE_FRACTION = 10.0  # a line across the box long before: a larger one is meant in the inputs' units
+_MOST_THREADS = 4096  # as of the program: more is a slip of the finger
 _INFINITY = math.inf
 
 
@@ -220,4 +221,4 @@ def _check_jobs(value: Any) -> int:
         raise KrigingError(f"n_jobs must be None or a whole number other than 0, not {show(value)}")
     import joblib
 
-    return int(joblib.effective_n_jobs(value))
+    return int(min(joblib.effective_n_jobs(int(value) if value is not None else None), _MOST_THREADS))

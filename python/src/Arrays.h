@@ -37,6 +37,11 @@ public:
         return numColumns;
     }
 
+    bool isTwoDimensional() const
+    {
+        return array.ndim() == 2;
+    }
+
     /// Replaces columns by those of rows first to first + count - 1.
     void read(std::size_t first, std::size_t count, Columns& columns) const;
 

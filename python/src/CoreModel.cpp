@@ -160,17 +160,22 @@ void CoreModel::predictInPieces(const Table& targets, ResultTables& results, dou
     }
 }
 
+Table CoreModel::readTargets(const py::object& inputs) const
+{
+    Table targets = Table::ofNumbers(inputs, "X");
+    const std::size_t numInputs = model->getSamples().getNumInputVars();
+    if (!targets.isTwoDimensional() || targets.getNumColumns() != numInputs)
+        throw py::value_error("X must have shape (n, " + std::to_string(numInputs) + ")");
+    return targets;
+}
+
 void CoreModel::predict(const py::object& inputs, const py::object& values, const py::object& variances,
                         const py::object& standardErrors, const py::object& lowerEnds, const py::object& upperEnds,
                         double coverage) const
 {
-    const Table targets = Table::ofNumbers(inputs, "X");
-    const std::size_t numInputs = model->getSamples().getNumInputVars();
-    const std::size_t numOutputs = model->getSamples().getNumOutputVars();
-    if (targets.getNumColumns() != numInputs)
-        throw py::value_error("X has " + std::to_string(targets.getNumColumns()) + " columns, but the model has " +
-                              std::to_string(numInputs) + " inputs");
+    const Table targets = readTargets(inputs);
     const std::size_t numRows = targets.getNumRows();
+    const std::size_t numOutputs = model->getSamples().getNumOutputVars();
     const auto tableOf = [&](const py::object& object, const char* name, std::size_t numColumns) -> std::optional<Table>
     {
         if (object.is_none())
@@ -186,16 +191,19 @@ void CoreModel::predict(const py::object& inputs, const py::object& values, cons
 
 py::object CoreModel::estimate(const py::object& inputs, const py::object& values, const py::object& variances) const
 {
-    py::object results = values;
-    if (results.is_none())
-    {
-        const auto numRows = py::len(inputs);
-        const std::size_t numOutputs = model->getSamples().getNumOutputVars();
-        results = numOutputs == 1 ? py::object(py::array_t<double>(static_cast<py::ssize_t>(numRows)))
-                                  : py::object(py::array_t<double>({numRows, numOutputs}));
-    }
-    predict(inputs, results, variances, py::none(), py::none(), py::none(), 0.0);
-    return results;
+    const Table targets = readTargets(inputs);
+    const std::size_t numRows = targets.getNumRows();
+    const std::size_t numOutputs = model->getSamples().getNumOutputVars();
+    py::object made = values;
+    if (values.is_none())
+        made = numOutputs == 1 ? py::object(py::array_t<double>(static_cast<py::ssize_t>(numRows)))
+                               : py::object(py::array_t<double>({numRows, numOutputs}));
+    ResultTables results{Table::ofResults(made, "out", numRows, numOutputs), {}, {}, {}, {}};
+    if (!variances.is_none())
+        results.variances = Table::ofResults(variances, "variance_out", numRows, 1);
+    const py::gil_scoped_release unlocked;
+    predictInPieces(targets, results, 0.0);
+    return made;
 }
 
 } // namespace krige::python

@@ -65,6 +65,7 @@ public:
 private:
     struct ResultTables;
 
+    Table readTargets(const py::object& inputs) const;
     void predictInPieces(const Table& targets, ResultTables& results, double coverage) const;
     std::size_t choosePiece() const;
 

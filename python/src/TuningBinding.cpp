@@ -48,10 +48,12 @@ Objective objectiveOf(const std::string& name)
 
 /// The space that `krige tune` searches with these settings kept.
 SearchSpace spaceFor(const SampleSet& samples, const DataSettings& settings, const std::set<std::string>& kept,
-                     double leastNugget)
+                     double leastNugget, bool searchesAnisotropy)
 {
     SearchSpace space = fenn::analysis::defaultSearchSpace(samples);
-    if (kept.count("scale") > 0 || settings.anisotropy) // which takes the place of scale factors
+    if (searchesAnisotropy)
+        space.maxRatio = space.maxAnisotropy;
+    if (searchesAnisotropy || kept.count("scale") > 0 || settings.anisotropy) // which takes the place of scale factors
         space.maxAnisotropy = 1.0;
     if (kept.count("drift_order") > 0)
         space.driftOrders = {settings.driftOrder};
@@ -93,9 +95,11 @@ TuningResult search(const SampleSet& samples, const DataSettings& settings, cons
 
 py::dict toDict(const Trial& trial)
 {
-    return py::dict("settings"_a = DataSettings(trial.settings), "has_deviance"_a = trial.hasDeviance,
-                    "criterion"_a = trial.criterion, "penalised_criterion"_a = trial.penalisedCriterion,
-                    "score"_a = trial.score, "is_best_so_far"_a = trial.isBestSoFar, "failure"_a = trial.failure);
+    DataSettings settings(trial.settings);
+    settings.anisotropy = trial.anisotropy;
+    return py::dict("settings"_a = settings, "has_deviance"_a = trial.hasDeviance, "criterion"_a = trial.criterion,
+                    "penalised_criterion"_a = trial.penalisedCriterion, "score"_a = trial.score,
+                    "is_best_so_far"_a = trial.isBestSoFar, "failure"_a = trial.failure);
 }
 
 py::object toObject(const fenn::analysis::Assessment& assessment)
@@ -112,7 +116,7 @@ py::dict tuneDict(const py::object& inputs, const py::object& outputs, const Dat
                   const py::object& include, const std::set<std::string>& kept, double leastNugget,
                   const std::string& objective, std::optional<std::size_t> numFolds, std::size_t numRepeats,
                   std::uint64_t seed, std::size_t maxTrials, double heldOutFraction, int numThreads, bool isExact,
-                  bool mustTellPointsApart)
+                  bool mustTellPointsApart, bool searchesAnisotropy)
 {
     const SampleSet read = readSamples(inputs, outputs, include);
     TuningResult result;
@@ -129,7 +133,8 @@ py::dict tuneDict(const py::object& inputs, const py::object& outputs, const Dat
         options.maxTrials = maxTrials;
         options.objective = objectiveOf(objective);
         options.estimator = makeOptions(numThreads, isExact, mustTellPointsApart);
-        result = search(samples, settings, spaceFor(samples, settings, kept, leastNugget), leastNugget, options);
+        result = search(samples, settings, spaceFor(samples, settings, kept, leastNugget, searchesAnisotropy),
+                        leastNugget, options);
     }
     py::list trials;
     for (const Trial& trial : result.trials)
@@ -147,7 +152,7 @@ void bindTuning(py::module_& module)
 {
     module.def("tune", &tuneDict, "X"_a, "y"_a, "settings"_a, "include"_a = py::none(), py::kw_only(), "kept"_a,
                "least_nugget"_a, "objective"_a, "n_folds"_a, "n_repeats"_a, "seed"_a, "max_trials"_a, "held_out"_a,
-               "n_threads"_a, "exact"_a, "tell_apart"_a);
+               "n_threads"_a, "exact"_a, "tell_apart"_a, "search_anisotropy"_a = false);
 }
 
 } // namespace krige::python

@@ -119,6 +119,27 @@ def test_tuning(krige, data, tmp_path, objective):
         assert_same_bits(actual, expected)
 
 
+def test_tuning_of_an_anisotropy(krige, volcano, tmp_path):
+    settings = tmp_path / "best.toml"
+    krige("tune", volcano, "-o", settings, "--max-trials", 40, "--anisotropy", "search", "--fix", "drift,nearest")
+
+    search = KrigingRegressorCV(max_trials=40, search_anisotropy=True, fix=("drift_order", "n_neighbors"))
+    search.fit(volcano.X, volcano.y)
+
+    winner = KrigingRegressor.from_config(settings)
+    assert search.best_params_["anisotropy"] == winner.anisotropy
+    assert search.best_params_["range_fraction"] == winner.range_fraction
+
+
+def test_tuning_keeps_the_anisotropy_that_is_given(volcano):
+    start = KrigingRegressor(anisotropy=(2.0, 30.0))
+
+    search = KrigingRegressorCV(start, max_trials=3).fit(volcano.X, volcano.y)
+
+    assert search.best_estimator_.anisotropy == (2.0, 30.0)
+    assert search.best_estimator_.scale is None
+
+
 def test_settings_files_are_read_by_the_program(krige, volcano, tmp_path):
     model = KrigingRegressor(drift_order=2, range_fraction=1 / 3, nugget=0.1 + 0.2, n_neighbors=20, sill=12.5)
     model.to_config(tmp_path / "model.toml")
