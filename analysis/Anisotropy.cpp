@@ -57,7 +57,7 @@ SampleSet Anisotropy::apply(const SampleSet& samples) const
     std::vector<std::vector<double>> outputs;
     for (std::size_t w = 0; w < samples.getNumOutputVars(); ++w)
         outputs.push_back(samples.getOutput(w));
-    return {std::move(inputs), std::move(outputs)};
+    return {std::move(inputs), std::move(outputs), samples.getIncludeFlags()};
 }
 
 } // namespace fenn::analysis

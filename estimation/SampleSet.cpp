@@ -54,7 +54,8 @@ std::vector<double*> pointersInto(const Columns& columns)
 
 } // namespace
 
-SampleSet::SampleSet(Columns inputs_, Columns outputs_) : inputs(std::move(inputs_)), outputs(std::move(outputs_))
+SampleSet::SampleSet(Columns inputs_, Columns outputs_, std::vector<bool> includeFlags_)
+    : inputs(std::move(inputs_)), outputs(std::move(outputs_)), includeFlags(std::move(includeFlags_))
 {
     if (inputs.empty())
         throw std::invalid_argument("samples need at least one input variable");
@@ -67,6 +68,9 @@ SampleSet::SampleSet(Columns inputs_, Columns outputs_) : inputs(std::move(input
         throw std::invalid_argument("there are more samples than a model can count");
     checkColumns(inputs, "input", numSamples);
     checkColumns(outputs, "output", numSamples);
+    if (!includeFlags.empty() && includeFlags.size() != numSamples)
+        throw std::invalid_argument("there are " + std::to_string(includeFlags.size()) + " include flags for " +
+                                    std::to_string(numSamples) + " samples");
 }
 
 std::size_t SampleSet::getNumSamples() const
@@ -94,9 +98,20 @@ const std::vector<double>& SampleSet::getOutput(std::size_t outputVar) const
     return outputs[outputVar];
 }
 
+const std::vector<bool>& SampleSet::getIncludeFlags() const
+{
+    return includeFlags;
+}
+
 SampleSet SampleSet::subset(const std::vector<std::size_t>& indices) const
 {
-    return {pick(inputs, indices), pick(outputs, indices)};
+    std::vector<bool> flags;
+    if (!includeFlags.empty())
+    {
+        for (const std::size_t i : indices)
+            flags.push_back(includeFlags.at(i));
+    }
+    return {pick(inputs, indices), pick(outputs, indices), std::move(flags)};
 }
 
 std::vector<double*> SampleSet::inputArrays() const

@@ -22,6 +22,12 @@ double acceptedVariance(double variance)
     return variance <= 0.0 ? 0.0 : variance; // no negative zero either
 }
 
+double comparableVariance(double variance)
+{
+    const double accepted = acceptedVariance(variance);
+    return accepted <= largestRounding ? 0.0 : accepted;
+}
+
 double standardErrorOf(double variance, double sill)
 {
     return std::sqrt(sill * acceptedVariance(variance));

@@ -9,6 +9,10 @@ namespace fenn::estimation
 /// it is NaN, and NaN stays NaN.
 double acceptedVariance(double variance);
 
+/// The accepted variance where an estimate is compared with a known value: up to 1e-12 it is rounding, and 0. The known
+/// value then lies where a sample does, and there is no error to compare.
+double comparableVariance(double variance);
+
 /// Standard error of an estimate as a prediction of a new observation, nugget included, in the output's units:
 /// sqrt(sill * acceptedVariance(variance)). sill: of the output, squared units, not negative. NaN where the accepted
 /// variance or the sill is.

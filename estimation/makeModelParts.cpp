@@ -13,7 +13,8 @@ std::shared_ptr<const ModelParts> makeModelParts(const SampleSet& samples, const
     checkSettings(resolved, samples.getNumInputVars()); // the fraction may have overflown
     return std::make_shared<const ModelParts>(samples.inputArrays(), samples.outputArrays(),
                                               static_cast<int>(samples.getNumSamples()), resolved.duplicateTolerance,
-                                              resolved.scaleFactors, resolved.rangeFraction, resolved.nugget);
+                                              resolved.scaleFactors, resolved.rangeFraction, resolved.nugget,
+                                              samples.getIncludeFlags());
 }
 
 } // namespace fenn::estimation

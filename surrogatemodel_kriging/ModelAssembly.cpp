@@ -96,7 +96,8 @@ AssembledParts assembleParts(const ModelArguments& arguments, const std::vector<
                              std::vector<MergedGroup>* groups)
 {
     // A negative number of points counts none, as in the data block.
-    const std::vector<bool> includeFlags(static_cast<std::size_t>(std::max(arguments.numPoints, 0)), true);
+    const std::vector<bool> all(static_cast<std::size_t>(std::max(arguments.numPoints, 0)), true);
+    const std::vector<bool>& includeFlags = arguments.includeFlags ? *arguments.includeFlags : all;
     AssembledParts parts;
     parts.dataBlock = std::make_unique<SurrogateModelDataBlock>(arguments.numPoints, arguments.inputValueArrays,
                                                                 arguments.outputValueArrays, includeFlags, normalizers,

@@ -39,6 +39,7 @@ struct ModelArguments
     double duplicateTolerance;
     double rangeFraction;
     double nugget;
+    const std::vector<bool>* includeFlags = nullptr; // one per sample; null: every sample is included
 };
 
 struct AssembledParts

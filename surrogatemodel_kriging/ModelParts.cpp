@@ -9,14 +9,14 @@ namespace fenn
 
 ModelParts::ModelParts(const std::vector<double*>& inputValueArrays, const std::vector<double*>& outputValueArrays,
                        int numPoints, double duplicateTolerance, const std::vector<double>& scaleFactors,
-                       double rangeFraction, double nugget)
+                       double rangeFraction, double nugget, const std::vector<bool>& includeFlags)
 {
     setUpNormalization(arraysToMeasure(inputValueArrays, numPoints), numPoints,
                        scaleFactorsOrAutomatic(scaleFactors, inputValueArrays.size()), minValues, maxValues,
                        normalizers);
-    AssembledParts parts =
-        assembleParts({inputValueArrays, outputValueArrays, numPoints, duplicateTolerance, rangeFraction, nugget},
-                      minValues, maxValues, normalizers, &mergedGroups);
+    AssembledParts parts = assembleParts({inputValueArrays, outputValueArrays, numPoints, duplicateTolerance,
+                                          rangeFraction, nugget, includeFlags.empty() ? nullptr : &includeFlags},
+                                         minValues, maxValues, normalizers, &mergedGroups);
     dataBlock = std::move(parts.dataBlock);
     semivariogram = std::move(parts.semivariogram);
     dataBlock->getAllUnblankedPts(points);

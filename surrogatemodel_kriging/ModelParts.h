@@ -22,10 +22,12 @@ namespace fenn
 class ModelParts
 {
 public:
-    /// Arguments as for the constructor of KrigingSurrogateModel. Throws its three scaling messages and std::bad_alloc.
+    /// Arguments as for the constructor of KrigingSurrogateModel. includeFlags: one per sample; the others count for
+    /// limits, normalizers and range, and are no points. Empty: every sample is included. Throws the three scaling
+    /// messages and std::bad_alloc.
     ModelParts(const std::vector<double*>& inputValueArrays, const std::vector<double*>& outputValueArrays,
                int numPoints, double duplicateTolerance, const std::vector<double>& scaleFactors, double rangeFraction,
-               double nugget);
+               double nugget, const std::vector<bool>& includeFlags = {});
     ModelParts(const ModelParts& other) = delete;
     ModelParts& operator=(const ModelParts& other) = delete;
     ~ModelParts();

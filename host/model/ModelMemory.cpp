@@ -1,15 +1,5 @@
 #include "host/model/ModelMemory.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <limits>
-#include <sstream>
-
-#include <sys/resource.h>
-
 #include "estimation/MergedSamples.h"
 #include "estimation/SystemSize.h"
 #include "host/text/HostErrors.h"
@@ -18,134 +8,28 @@
 namespace krige
 {
 
-namespace
-{
-
-constexpr double unlimited = std::numeric_limits<double>::infinity();
-
-/// The number after this key in a file of lines such as "MemAvailable:  123 kB"; NaN where there is none.
-double readEntry(const char* path, const std::string& key)
-{
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);)
-    {
-        std::istringstream words(line);
-        std::string word;
-        double value = 0.0;
-        if (words >> word >> value && word == key)
-            return value;
-    }
-    return std::numeric_limits<double>::quiet_NaN();
-}
-
-/// The number that is a file's content; NaN for "max" and for a file that cannot be read.
-double readNumber(const std::string& path)
-{
-    std::ifstream file(path);
-    double value = 0.0;
-    return file >> value ? value : std::numeric_limits<double>::quiet_NaN();
-}
-
-double bytesLeft(double limit, double used)
-{
-    if (std::isnan(limit) || std::isnan(used))
-        return unlimited;
-    return std::max(0.0, limit - used);
-}
-
-/// The group that this process is in: the path after the last colon of the line with these controllers.
-std::string findControlGroup(const std::string& controllers)
-{
-    std::ifstream file("/proc/self/cgroup");
-    for (std::string line; std::getline(file, line);)
-    {
-        const std::size_t first = line.find(':');
-        const std::size_t second = first == std::string::npos ? first : line.find(':', first + 1);
-        if (second != std::string::npos && line.substr(first + 1, second - first - 1) == controllers)
-            return line.substr(second + 1);
-    }
-    return {};
-}
-
-/// What the tightest of a group and those around it leaves. A container sees its own group as the root.
-double bytesLeftInGroup(const std::string& root, std::string group, const char* limitName, const char* usedName)
-{
-    double left = unlimited;
-    for (;;)
-    {
-        const std::string folder = root + group + "/";
-        left = std::min(left, bytesLeft(readNumber(folder + limitName), readNumber(folder + usedName)));
-        if (group.empty() || group == "/")
-            return left;
-        group.resize(group.rfind('/'));
-    }
-}
-
-double bytesLeftInControlGroups()
-{
-    return std::min(bytesLeftInGroup("/sys/fs/cgroup", findControlGroup(""), "memory.max", "memory.current"),
-                    bytesLeftInGroup("/sys/fs/cgroup/memory", findControlGroup("memory"), "memory.limit_in_bytes",
-                                     "memory.usage_in_bytes"));
-}
-
-double bytesLeftOfAddressSpace()
-{
-    rlimit limit = {};
-    if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
-        return unlimited;
-    constexpr double kibibyte = 1024.0;
-    return bytesLeft(static_cast<double>(limit.rlim_cur), readEntry("/proc/self/status", "VmSize:") * kibibyte);
-}
-
-} // namespace
-
-double findAvailableBytes()
-{
-    constexpr double kibibyte = 1024.0;
-    const double ofMachine = bytesLeft(readEntry("/proc/meminfo", "MemAvailable:") * kibibyte, 0.0);
-    return std::min({ofMachine, bytesLeftInControlGroups(), bytesLeftOfAddressSpace()});
-}
-
 void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
                       double availableBytes, bool isExact)
 {
     const std::size_t numInputVars = samples.inputs.size();
-    auto numPoints = static_cast<std::size_t>(samples.getNumSamples());
-    if (fenn::estimation::calcSystemBytes(numPoints, numInputVars, settings.driftOrder) <= availableBytes)
+    const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
+    if (fenn::estimation::calcSystemBytes(numSamples, numInputVars, settings.driftOrder) <= availableBytes)
         return;
-    if (settings.duplicateTolerance >= 0.0)
-        numPoints = fenn::estimation::findMergedSamples(samples.inputs, settings.duplicateTolerance).numPoints;
-    const bool local = !fenn::estimation::usesAllPoints(settings, numPoints);
-    const std::size_t numInSystem = local ? static_cast<std::size_t>(settings.numNearestPoints) : numPoints;
-    const double bytes = local || isExact
-                             ? fenn::estimation::calcSystemBytes(numInSystem, numInputVars, settings.driftOrder)
-                             : fenn::estimation::calcCovarianceBytes(numInSystem, numInputVars, settings.driftOrder);
-    if (bytes <= availableBytes)
+    const fenn::estimation::MemoryForecast forecast =
+        fenn::estimation::forecastMemory(samples.inputs, settings, isExact);
+    if (forecast.bytes <= availableBytes)
         return;
-    const std::string figures = " takes " + formatBytes(bytes) + " of memory and there are " +
+    const std::string figures = " takes " + formatBytes(forecast.bytes) + " of memory and there are " +
                                 formatBytes(availableBytes) + " left (targets are streamed and need next to none); ";
-    if (local)
+    if (!forecast.isGlobal)
         throw InputError(samples.path + ": a system of " + std::to_string(settings.numNearestPoints) +
                          " nearest samples" + figures + "lower --nearest");
     const std::size_t numPlaces = fenn::estimation::findMergedSamples(samples.inputs, 0.0).numPoints;
-    throw InputError(samples.path + ": a model over all " + countOf(numPoints, "point") + figures +
+    throw InputError(samples.path + ": a model over all " + countOf(forecast.numPoints, "point") + figures +
                      "add --nearest 32 to work on the nearest samples" +
-                     (numPlaces < numPoints ? ", or --duplicates merge, which leaves " + countOf(numPlaces, "point")
-                                            : std::string()));
-}
-
-std::string formatBytes(double bytes)
-{
-    const char* const units[] = {"bytes", "kB", "MB", "GB", "TB", "PB", "EB"};
-    std::size_t unit = 0;
-    while (bytes >= 999.5 && unit + 1 < std::size(units)) // rounded it would have four figures
-    {
-        bytes /= 1000.0;
-        ++unit;
-    }
-    char text[32];
-    static_cast<void>(std::snprintf(text, sizeof text, "%.3g ", bytes));
-    return std::string(text) + units[unit];
+                     (numPlaces < forecast.numPoints
+                          ? ", or --duplicates merge, which leaves " + countOf(numPlaces, "point")
+                          : std::string()));
 }
 
 } // namespace krige

@@ -4,8 +4,6 @@
 
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
-#include "surrogatemodel_kriging/ModelParts.h"
-#include "surrogatemodel_kriging/SurrogateModelDataBlock.h"
 
 namespace krige
 {
@@ -35,40 +33,6 @@ bool isSampleVariance(const OutputSill& sill)
 }
 
 } // namespace
-
-std::vector<OutputSill> applyChoices(const std::vector<SillChoice>& choices,
-                                     const std::vector<fenn::analysis::Sill>& estimated)
-{
-    std::vector<OutputSill> sills;
-    for (std::size_t output = 0; output < estimated.size(); ++output)
-    {
-        const SillChoice choice = chooseSill(choices, output);
-        const fenn::analysis::Sill& sill = estimated[output];
-        const double value = choice.rule == Rule::Given    ? choice.value
-                             : choice.rule == Rule::Sample ? sill.sampleVariance
-                                                           : sill.value;
-        sills.push_back({value, sill.sampleVariance, choice.rule, sill.method, sill.numUsed});
-    }
-    return sills;
-}
-
-std::vector<OutputSill> calcOutputSills(const fenn::estimation::Estimator& estimator,
-                                        const fenn::estimation::ModelSettings& settings,
-                                        const std::vector<SillChoice>& choices, int numThreads,
-                                        const fenn::analysis::Progress& progress)
-{
-    const SurrogateModelDataBlock& block = estimator.getParts().getDataBlock();
-    std::vector<fenn::analysis::Sill> sills(static_cast<std::size_t>(block.getNumOutputVars()));
-    bool needEstimates = false;
-    for (std::size_t output = 0; output < sills.size(); ++output)
-    {
-        sills[output].sampleVariance = block.getOutputVarSampleVariance(static_cast<int>(output));
-        needEstimates = needEstimates || chooseSill(choices, output).rule == Rule::Automatic;
-    }
-    if (needEstimates)
-        sills = fenn::analysis::estimateSills(estimator, settings, numThreads, progress);
-    return applyChoices(choices, sills);
-}
 
 std::string describeSill(const OutputSill& sill)
 {

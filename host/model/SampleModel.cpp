@@ -1,7 +1,6 @@
 #include "host/model/SampleModel.h"
 
 #include "estimation/Estimates.h"
-#include "estimation/Estimator.h"
 #include "estimation/chooseEstimator.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/DataForm.h"
@@ -19,8 +18,7 @@ SampleModel::SampleModel(const SampleTable& samples_, const Settings& settings_,
     : formed(hasDataForm(settings_) ? std::optional<SampleTable>(inModelForm(samples_, settings_)) : std::nullopt),
       samples(formed ? *formed : samples_),
       settings(settings_),
-      numThreads(options.numThreads),
-      sampleSet(toSampleSet(samples))
+      numThreads(options.numThreads)
 {
     fenn::estimation::EstimatorOptions checked = options;
     checked.checkStandIn = [this](double)
@@ -28,7 +26,8 @@ SampleModel::SampleModel(const SampleTable& samples_, const Settings& settings_,
         checkModelMemory(samples, settings, findAvailableBytes());
     };
     runExplained(
-        samples, settings, "", [&] { estimator = fenn::estimation::chooseEstimator(sampleSet, settings, checked); },
+        samples, settings, "",
+        [&] { model = std::make_unique<fenn::analysis::DataModel>(toSampleSet(samples), settings, checked); },
         options.isExact);
 }
 
@@ -41,35 +40,22 @@ int SampleModel::getNumMergedSamples() const
 
 int SampleModel::getNumAveragedPoints() const
 {
-    return static_cast<int>(estimator->getParts().getMergedGroups().size());
+    return static_cast<int>(model->getEstimator().getParts().getMergedGroups().size());
 }
 
 int SampleModel::getNumPoints() const
 {
-    return static_cast<int>(estimator->getParts().getPoints().size());
+    return static_cast<int>(model->getEstimator().getParts().getPoints().size());
 }
 
 bool SampleModel::isGlobal() const
 {
-    return estimator->isGlobal();
+    return model->getEstimator().isGlobal();
 }
 
 std::size_t SampleModel::estimate(const std::vector<std::vector<double>>& targets,
                                   std::vector<std::vector<double>>& results, std::vector<double>* variances,
                                   std::vector<double>* driftProducts) const
-{
-    if (settings.anisotropy)
-    {
-        std::vector<std::vector<double>> rotated = targets;
-        bringIntoModelForm(rotated, settings);
-        return estimateInModelForm(rotated, results, variances, driftProducts);
-    }
-    return estimateInModelForm(targets, results, variances, driftProducts);
-}
-
-std::size_t SampleModel::estimateInModelForm(const std::vector<std::vector<double>>& targets,
-                                             std::vector<std::vector<double>>& results, std::vector<double>* variances,
-                                             std::vector<double>* driftProducts) const
 {
     fenn::estimation::Estimates estimates;
     estimates.values.swap(results); // and back: the caller's memory is used again
@@ -80,8 +66,7 @@ std::size_t SampleModel::estimateInModelForm(const std::vector<std::vector<doubl
     std::size_t numWithoutEstimate = 0;
     try
     {
-        numWithoutEstimate = fenn::estimation::estimateAt(*estimator, targets,
-                                                          {variances != nullptr, driftProducts != nullptr}, estimates);
+        numWithoutEstimate = model->estimate(targets, {variances != nullptr, driftProducts != nullptr}, estimates);
     }
     catch (const SurrogateModelInterface::Error& error)
     {
@@ -97,17 +82,17 @@ std::size_t SampleModel::estimateInModelForm(const std::vector<std::vector<doubl
 
 double SampleModel::calcReciprocalCondition() const
 {
-    return estimator->calcReciprocalCondition();
+    return model->getEstimator().calcReciprocalCondition();
 }
 
 const fenn::ModelParts& SampleModel::getParts() const
 {
-    return estimator->getParts();
+    return model->getEstimator().getParts();
 }
 
 fenn::estimation::EngineReport SampleModel::getEngineReport() const
 {
-    return estimator->getReport();
+    return model->getReport();
 }
 
 std::vector<OutputSill> SampleModel::calcSills(const std::vector<SillChoice>& choices,
@@ -115,8 +100,8 @@ std::vector<OutputSill> SampleModel::calcSills(const std::vector<SillChoice>& ch
 {
     std::vector<OutputSill> sills;
     runExplained(
-        samples, settings, "", [&] { sills = calcOutputSills(*estimator, settings, choices, numThreads, progress); },
-        false);
+        samples, settings, "",
+        [&] { sills = calcOutputSills(model->getEstimator(), settings, choices, numThreads, progress); }, false);
     return sills;
 }
 

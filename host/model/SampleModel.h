@@ -6,9 +6,9 @@
 #include <optional>
 #include <vector>
 
+#include "analysis/DataModel.h"
 #include "analysis/Progress.h"
 #include "estimation/Estimator.h"
-#include "estimation/SampleSet.h"
 #include "estimation/chooseEstimator.h"
 #include "host/model/OutputSill.h"
 #include "host/model/SampleTable.h"
@@ -62,16 +62,11 @@ public:
                                       const fenn::analysis::Progress& progress = {}) const;
 
 private:
-    std::size_t estimateInModelForm(const std::vector<std::vector<double>>& targets,
-                                    std::vector<std::vector<double>>& results, std::vector<double>* variances,
-                                    std::vector<double>* driftProducts) const;
-
     std::optional<SampleTable> formed; // where the model takes another form of the samples
     const SampleTable& samples;        // in the form of the model
     Settings settings;
     int numThreads;
-    fenn::estimation::SampleSet sampleSet; // what the estimator refers to
-    std::unique_ptr<fenn::estimation::Estimator> estimator;
+    std::unique_ptr<fenn::analysis::DataModel> model;
 };
 
 } // namespace krige

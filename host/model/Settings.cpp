@@ -12,10 +12,8 @@ Settings Settings::withModel(const fenn::estimation::ModelSettings& model) const
 
 bool operator==(const Settings& a, const Settings& b)
 {
-    return static_cast<const fenn::estimation::ModelSettings&>(a) ==
-               static_cast<const fenn::estimation::ModelSettings&>(b) &&
-           a.sills == b.sills && a.keepsDuplicates == b.keepsDuplicates && a.anisotropy == b.anisotropy &&
-           a.units == b.units;
+    return static_cast<const fenn::analysis::DataSettings&>(a) == static_cast<const fenn::analysis::DataSettings&>(b) &&
+           a.keepsDuplicates == b.keepsDuplicates;
 }
 
 } // namespace krige

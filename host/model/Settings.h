@@ -1,11 +1,7 @@
 #ifndef FENN_HOST_MODEL_SETTINGS_H
 #define FENN_HOST_MODEL_SETTINGS_H
 
-#include <optional>
-#include <vector>
-
-#include "analysis/Anisotropy.h"
-#include "analysis/OutputTransform.h"
+#include "analysis/DataSettings.h"
 #include "estimation/ModelSettings.h"
 #include "host/model/SillChoice.h"
 
@@ -14,17 +10,12 @@ namespace krige
 
 /// What a settings file holds and the options of the same names say: the settings of the model itself, and those by
 /// which the program turns its answers into the data's units. A plain value.
-struct Settings : fenn::estimation::ModelSettings
+struct Settings : fenn::analysis::DataSettings
 {
     Settings() = default;
 
     /// The rest as without options: any settings of a model are settings of the program.
-    Settings(const fenn::estimation::ModelSettings& model) : fenn::estimation::ModelSettings(model) {}
-
-    std::vector<SillChoice> sills; // per output, or one word for all; empty: automatic
-    // The model is one of the inputs that it rotates and stretches; the scale factors are 1 then.
-    std::optional<fenn::analysis::Anisotropy> anisotropy;
-    fenn::analysis::OutputUnits units;
+    Settings(const fenn::estimation::ModelSettings& model) : fenn::analysis::DataSettings(model) {}
 
     /// Whether to go on with samples that a model cannot tell apart, where they are not merged.
     bool keepsDuplicates = false;

@@ -38,11 +38,6 @@ SillChoice parseChoice(const std::string& name, const std::string& text)
 
 } // namespace
 
-bool operator==(const SillChoice& a, const SillChoice& b)
-{
-    return a.rule == b.rule && a.value == b.value;
-}
-
 std::vector<SillChoice> parseSillChoices(const std::string& name, const std::string& text)
 {
     std::vector<SillChoice> choices;
@@ -72,11 +67,6 @@ void checkSillChoices(const std::vector<SillChoice>& choices, std::size_t numOut
     if (!choices.empty() && !isOneWord && choices.size() != numOutputs)
         throw UsageError("--sill: " + countOf(choices.size(), "value") + " for " + countOf(numOutputs, "output") +
                          "; give one each");
-}
-
-SillChoice chooseSill(const std::vector<SillChoice>& choices, std::size_t output)
-{
-    return choices.empty() ? SillChoice() : choices[choices.size() == 1 ? 0 : output];
 }
 
 } // namespace krige

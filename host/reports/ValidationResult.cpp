@@ -16,15 +16,6 @@ namespace krige
 namespace
 {
 
-/// Up to here a variance is rounding: a known value then lies where a sample does, and there is no error to compare.
-constexpr double largestRounding = 1e-12;
-
-double varianceToCompare(double variance)
-{
-    const double accepted = fenn::estimation::acceptedVariance(variance);
-    return accepted <= largestRounding ? 0.0 : accepted;
-}
-
 /// With one decimal: few validations have more than a thousand points.
 std::string formatPercentage(double fraction)
 {
@@ -39,7 +30,8 @@ std::vector<double> ValidationResult::calcStandardErrors(std::size_t output) con
 {
     std::vector<double> errors;
     for (std::size_t i = 0; i < variances.size(); ++i)
-        errors.push_back(fenn::estimation::standardErrorOf(varianceToCompare(variances[i]), sills[output][i]));
+        errors.push_back(
+            fenn::estimation::standardErrorOf(fenn::estimation::comparableVariance(variances[i]), sills[output][i]));
     return errors;
 }
 
@@ -153,7 +145,7 @@ std::string csvOfPoints(const ValidationResult& result, const std::vector<Valida
             append(result.estimates[w][i] - result.truths[w][i]);
             append(figures[w].standardErrors[i]);
         }
-        append(varianceToCompare(result.variances[i]));
+        append(fenn::estimation::comparableVariance(result.variances[i]));
         text += '\n';
     }
     return text;

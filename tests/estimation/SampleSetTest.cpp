@@ -31,6 +31,23 @@ TEST(SampleSetTest, SubsetTakesTheSamplesInTheOrderAskedFor)
     EXPECT_THROW(samples.subset({3}), std::out_of_range);
 }
 
+TEST(SampleSetTest, SubsetsKeepWhetherTheirSamplesAreIncluded)
+{
+    const SampleSet samples({{1.0, 2.0, 3.0}}, {{10.0, 20.0, 30.0}}, {true, false, true});
+
+    EXPECT_EQ(samples.subset({1, 2}).getIncludeFlags(), (std::vector<bool>{false, true}));
+    EXPECT_TRUE(SampleSet({{1.0}}, {{2.0}}).subset({0}).getIncludeFlags().empty());
+}
+
+TEST(SampleSetTest, RefusesAnotherNumberOfIncludeFlags)
+{
+    EXPECT_EQ(fenn::test::messageOf<std::invalid_argument>(
+                  [] {
+                      SampleSet({{1.0, 2.0}}, {{3.0, 4.0}}, {true});
+                  }),
+              "there are 1 include flags for 2 samples");
+}
+
 TEST(SampleSetTest, ArraysPointIntoTheSetAndSurviveAMove)
 {
     SampleSet samples({{1.0, 2.0}, {3.0, 4.0}}, {{5.0, 6.0}});

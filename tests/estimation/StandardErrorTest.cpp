@@ -13,6 +13,13 @@ using fenn::estimation::standardErrorOf;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
+TEST(StandardErrorTest, AVarianceThatIsRoundingIsNothingToCompareWith)
+{
+    EXPECT_EQ(fenn::estimation::comparableVariance(1e-12), 0.0);
+    EXPECT_EQ(fenn::estimation::comparableVariance(1.1e-12), 1.1e-12);
+    EXPECT_TRUE(std::isnan(fenn::estimation::comparableVariance(-1e-11)));
+}
+
 TEST(StandardErrorTest, VarianceTimesSillIsItsSquare)
 {
     EXPECT_EQ(standardErrorOf(0.25, 9.0), 1.5);

@@ -28,6 +28,22 @@ TEST(MakeModelPartsTest, EverySettingReachesItsPart)
     EXPECT_LT(parts->getSemivariogram().evaluate({4.9, 4.9}), 1.0);
 }
 
+TEST(MakeModelPartsTest, SamplesThatAreNotIncludedCountForLimitsAndRangeAndAreNoPoints)
+{
+    const std::vector<std::vector<double>> inputs{{0.0, 1.0, 1.0, 10.0}};
+    const std::vector<std::vector<double>> outputs{{1.0, 3.0, 5.0, 2.0}};
+    const SampleSet samples(inputs, outputs, {true, true, false, false});
+    const SampleSet all(inputs, outputs);
+
+    const auto parts = makeModelParts(samples, {0.0, {}, 0, 0.5, 0.0, 0});
+
+    EXPECT_EQ(parts->getPoints(), (std::vector<SourcePointRef>{{0, 0}, {0, 1}}));
+    EXPECT_TRUE(parts->getMergedGroups().empty()); // the repeat is not included
+    EXPECT_EQ(parts->getMaxValues(), std::vector<double>{10.0});
+    EXPECT_EQ(parts->getSemivariogram().evaluate({3.0}),
+              makeModelParts(all, {0.0, {}, 0, 0.5, 0.0, 0})->getSemivariogram().evaluate({3.0}));
+}
+
 TEST(MakeModelPartsTest, WhatOnlyASystemWouldRefuseIsTaken)
 {
     const SampleSet coincident({{0.0, 1.0, 1.0}}, {{1.0, 3.0, 2.0}});

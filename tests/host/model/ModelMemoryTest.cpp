@@ -80,16 +80,3 @@ TEST(ModelMemoryTest, ALocalModelTakesOneSmallSystem)
     EXPECT_THAT(messageOf<InputError>([&] { checkModelMemory(samples, settings, 1000.0); }),
                 HasSubstr("a system of 50 nearest samples takes"));
 }
-
-TEST(ModelMemoryTest, ThisMachineHasSomeMemoryLeft)
-{
-    EXPECT_GT(krige::findAvailableBytes(), 1e6);
-}
-
-TEST(ModelMemoryTest, BytesAreRoundedToThreeFigures)
-{
-    EXPECT_EQ(krige::formatBytes(12), "12 bytes");
-    EXPECT_EQ(krige::formatBytes(1234), "1.23 kB");
-    EXPECT_EQ(krige::formatBytes(999.7e6), "1 GB");
-    EXPECT_EQ(krige::formatBytes(1.28e12), "1.28 TB");
-}
