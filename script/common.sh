@@ -3,7 +3,7 @@
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # Debian packages, by the groups of script/bootstrap.
-build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev"
+build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev libpng-dev zlib1g-dev"
 test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db help2man parallel python3 make pkg-config"
 benchmark_packages="libbenchmark-dev libopenblas-dev gnuplot-nox python3"
 peer_packages="python3 python3-scipy python3-openturns r-cran-gstat r-base-core"
