@@ -278,7 +278,7 @@ void ReportCommand::run(std::ostream& /*out*/, Console& console) const
     report.samplesRead(samples);
     report.formUsed(options.settings);
     if (foldsOption->count() > 0)
-        checkFolds(numFolds, samples);
+        checkFolds(numFolds, samples, "lower it");
     const GridSpec grid = chooseGrid(samples);
     std::vector<MapView> views = chooseViews(grid, samples);
     OutputFile output(outputPath);

@@ -123,7 +123,7 @@ ValidateCommand::ValidateCommand(CLI::App& command)
 ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Console& console, Report& report) const
 {
     if (foldsOption->count() > 0)
-        checkFolds(numFolds, samples);
+        checkFolds(numFolds, samples, "lower it, or use --leave-one-out");
     FoldValidation validation = validateInFolds(samples, options.settings, options.estimator, numFolds, seed, console);
     console.getReport() << "method: " << validation.method << '\n';
     report.sillsOfFolds(samples.outputNames, validation.sillsOfFolds);

@@ -247,8 +247,10 @@ std::string Chart::colourBar() const
                hexOf(bar->colours.colourAt(index)) + "\"/>";
     }
     svg += "\n";
+    std::size_t longest = 1;
     for (const Axis::Mark& mark : axis.getMarks())
     {
+        longest = std::max(longest, mark.label.size());
         const double y = top + height * (1.0 - axis.shareOf(mark.value));
         svg += lineFrom(x + barWidth, y, x + barWidth + 4.0, y, "mark") +
                textAt(x + barWidth + 7.0, y + 4.0, mark.label, "start") + "\n";
@@ -262,7 +264,8 @@ std::string Chart::colourBar() const
         triangle(top, top - 9.0, ColourScale::numColours - 1);
     if (bar->isExceededBelow)
         triangle(top + height, top + height + 9.0, 0);
-    const double titleX = pictureWidth - 4.0;
+    const double titleX =
+        std::min(x + barWidth + 24.0 + widthOfLetter * static_cast<double>(longest), pictureWidth - 4.0);
     const std::string turned = " transform=\"rotate(-90 " + number(titleX) + " " + number(top + 0.5 * height) + ")\"";
     return svg +
            textAt(titleX, top + 0.5 * height, titleWithOffset(bar->title, axis.getOffset()), "middle title", turned) +

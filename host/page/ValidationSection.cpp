@@ -195,9 +195,9 @@ std::string validationSection(const ValidationResult& result, const std::vector<
                             "logarithms.");
     for (std::size_t w = 0; w < figures.size(); ++w)
     {
-        html += sideBySide({scatterOf(result, w),
-                            result.inputs.size() == 1 ? errorsAlong(result, w, units) : mapOfErrors(result, w, units),
-                            calibrationOf(result, w, figures[w])});
+        const bool isLine = result.inputs.size() == 1;
+        html += sideBySide({scatterOf(result, w), calibrationOf(result, w, figures[w]),
+                            isLine ? errorsAlong(result, w, units) : mapOfErrors(result, w, units)});
         html += worstOf(result, w, figures[w]);
     }
     if (result.lines.size() > mostDots)

@@ -58,7 +58,7 @@ std::string variogramSection(const std::vector<VariogramView>& views, const LagU
     std::vector<std::string> figures;
     for (const VariogramView& view : views)
         figures.push_back(figureOfView(view, unit));
-    std::string html = sideBySide(figures) + paragraphOf(views.front().pairs);
+    std::string html = sideBySide(figures) + preformatted(views.front().pairs);
     if (driftOrder > 0)
         html += paragraphOf("The dots are of the values as they are, a trend among them. The model has its drift for "
                             "that, so that its line may lie below them.");

@@ -17,7 +17,7 @@ struct VariogramView
     std::string outputName; // as the model takes it
     std::vector<fenn::analysis::LagBin> bins;
     VariogramCurve curve;
-    std::string pairs; // what was compared: a sentence
+    std::string pairs; // what was compared, as lines of a report
 };
 
 /// driftOrder: of the model. without: why there is none, instead of views.

@@ -13,12 +13,12 @@
 namespace krige
 {
 
-void checkFolds(std::size_t numFolds, const SampleTable& samples)
+void checkFolds(std::size_t numFolds, const SampleTable& samples, const std::string& wayOut)
 {
     const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
     if (numFolds > numSamples)
         throw UsageError("--folds: " + std::to_string(numFolds) + " folds need as many samples, but " + samples.path +
-                         " has " + std::to_string(numSamples) + "; lower it, or use --leave-one-out");
+                         " has " + std::to_string(numSamples) + "; " + wayOut);
 }
 
 ValidationResult resultFor(const SampleTable& samples)

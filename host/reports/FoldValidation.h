@@ -24,8 +24,8 @@ struct FoldValidation
     std::string method;                                // "10 folds of 100 samples, seed 1"
 };
 
-/// Throws UsageError unless there are as many samples as the option --folds asks for.
-void checkFolds(std::size_t numFolds, const SampleTable& samples);
+/// Throws UsageError, with the way out, unless there are as many samples as the option --folds asks for.
+void checkFolds(std::size_t numFolds, const SampleTable& samples, const std::string& wayOut);
 
 /// A ValidationResult of these samples without points.
 ValidationResult resultFor(const SampleTable& samples);
