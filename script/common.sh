@@ -12,6 +12,7 @@ fuzz_packages="clang libclang-rt-14-dev llvm"
 coverage_packages="gcovr"
 mutation_packages="ccache git python3"
 package_packages="dpkg-dev debhelper fakeroot lintian mmdebstrap"
+browser_packages="chromium fonts-dejavu-core poppler-utils python3"
 lint_packages="clang-format clang-tidy"
 arm_packages="g++-aarch64-linux-gnu qemu-user libhwy-dev:arm64 qtbase5-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64"
 

@@ -242,7 +242,7 @@ std::string Chart::colourBar() const
     {
         const auto index = static_cast<std::size_t>((i + 0.5) / numSteps * ColourScale::numColours);
         const double y = top + height * (numSteps - 1 - i) / numSteps;
-        svg += "<rect" + attribute("x", x) + attribute("y", y) + attribute("width", barWidth) +
+        svg += "<rect class=\"step\"" + attribute("x", x) + attribute("y", y) + attribute("width", barWidth) +
                attribute("height", height / numSteps + (i > 0 ? 0.6 : 0.0)) + " fill=\"" +
                hexOf(bar->colours.colourAt(index)) + "\"/>";
     }

@@ -32,20 +32,20 @@ TEST(AxisTest, MarksStandAtRoundValues)
 
 TEST(AxisTest, LongLabelsAreWhatIsAboveAnOffset)
 {
-    const Axis axis(5634120.5, 5634180.0, 4);
+    const Axis axis(56341205.0, 56341280.0, 4);
 
-    EXPECT_EQ(axis.getOffset(), "5634000");
-    EXPECT_EQ(labelsOf(axis), (Labels{"140", "160", "180"}));
-    EXPECT_DOUBLE_EQ(axis.getMarks()[0].value, 5634140.0);
+    EXPECT_EQ(axis.getOffset(), "56340000");
+    EXPECT_EQ(labelsOf(axis), (Labels{"1220", "1240", "1260", "1280"}));
+    EXPECT_DOUBLE_EQ(axis.getMarks()[0].value, 56341220.0);
     EXPECT_EQ(Axis(179000.0, 181500.0, 5).getOffset(), "");
 }
 
 TEST(AxisTest, OffsetsOfNegativeValuesLeavePositiveLabels)
 {
-    const Axis axis(-5634180.0, -5634120.5, 4);
+    const Axis axis(-56341280.0, -56341205.0, 4);
 
-    EXPECT_EQ(axis.getOffset(), "-5636000");
-    EXPECT_EQ(labelsOf(axis), (Labels{"1820", "1840", "1860"}));
+    EXPECT_EQ(axis.getOffset(), "-56350000");
+    EXPECT_EQ(labelsOf(axis), (Labels{"8720", "8740", "8760", "8780"}));
 }
 
 TEST(AxisTest, HugeAndTinyValuesAreWrittenWithPowers)

@@ -1,5 +1,7 @@
 #include "host/page/Chart.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <limits>
 
 #include <gmock/gmock.h>
@@ -8,6 +10,7 @@ using krige::Chart;
 using krige::ChartFrame;
 using krige::ColourBar;
 using krige::ColourScale;
+using krige::hexOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -25,7 +28,7 @@ ColourBar bar()
     return {ColourScale(ColourScale::Kind::Values, 0.0, 1.0), "value"};
 }
 
-const double nan = std::numeric_limits<double>::quiet_NaN();
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
 
@@ -47,7 +50,7 @@ TEST(ChartTest, DotsStandWhereTheirValuesAre)
     double width = 0.0;
     double height = 0.0;
     ASSERT_EQ(std::sscanf(place.c_str(), "%lf %lf %lf %lf", &left, &top, &width, &height), 4);
-    chart.addDots({0.0, 10.0, 5.0, nan}, {0.0, 10.0, nan, 1.0}, "site");
+    chart.addDots({0.0, 10.0, 5.0, notANumber}, {0.0, 10.0, notANumber, 1.0}, "site");
     char expected[80];
     std::snprintf(expected, sizeof expected, "d=\"M%g %gh0M%g %gh0\"", left, top + height, left + width, top);
 
@@ -57,7 +60,7 @@ TEST(ChartTest, DotsStandWhereTheirValuesAre)
 TEST(ChartTest, ALineBreaksWhereAValueIsMissing)
 {
     Chart chart(frame());
-    chart.addLine({0.0, 1.0, 2.0, 3.0, 4.0}, {1.0, 1.0, nan, 1.0, 1.0}, "curve");
+    chart.addLine({0.0, 1.0, 2.0, 3.0, 4.0}, {1.0, 1.0, notANumber, 1.0, 1.0}, "curve");
     const std::string svg = chart.toSvg("");
     const std::size_t begin = svg.find("<path class=\"curve\" d=\"");
     ASSERT_NE(begin, std::string::npos);
@@ -70,7 +73,7 @@ TEST(ChartTest, ALineBreaksWhereAValueIsMissing)
 TEST(ChartTest, ABandBreaksLikewise)
 {
     Chart chart(frame());
-    chart.addBand({0.0, 1.0, 2.0, 3.0}, {1.0, 1.0, nan, 1.0}, {2.0, 2.0, 2.0, 2.0}, "band");
+    chart.addBand({0.0, 1.0, 2.0, 3.0}, {1.0, 1.0, notANumber, 1.0}, {2.0, 2.0, 2.0, 2.0}, "band");
     const std::string svg = chart.toSvg("");
 
     EXPECT_EQ(std::count(svg.begin(), svg.end(), 'Z'), 2);
@@ -79,7 +82,7 @@ TEST(ChartTest, ABandBreaksLikewise)
 TEST(ChartTest, ColoursOfDotsAreThoseOfTheBar)
 {
     Chart chart(frame(), bar());
-    chart.addColouredDots({1.0, 2.0, 3.0}, {1.0, 2.0, 3.0}, {0.0, 1.0, nan});
+    chart.addColouredDots({1.0, 2.0, 3.0}, {1.0, 2.0, 3.0}, {0.0, 1.0, notANumber});
     const std::string svg = chart.toSvg("");
 
     EXPECT_THAT(svg, HasSubstr("stroke=\"" + hexOf(bar().colours.colourAt(4)) + "\""));

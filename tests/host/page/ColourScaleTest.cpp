@@ -13,7 +13,7 @@ using krige::scaleOverValues;
 namespace
 {
 
-const double nan = std::numeric_limits<double>::quiet_NaN();
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
 
@@ -33,7 +33,7 @@ TEST(ColourScaleTest, WhatIsBeyondTakesTheColourOfTheEndAndNanNone)
 
     EXPECT_EQ(scale.indexOf(-5.0), 0u);
     EXPECT_EQ(scale.indexOf(INFINITY), 254u);
-    EXPECT_EQ(scale.indexOf(nan), ColourScale::numColours);
+    EXPECT_EQ(scale.indexOf(notANumber), ColourScale::numColours);
 }
 
 TEST(ColourScaleTest, EqualLimitsGiveTheMiddle)
@@ -68,20 +68,20 @@ TEST(ColourScaleTest, ErrorsPartFromALightMiddle)
 
 TEST(ColourScaleTest, LimitsComeFromFiniteValues)
 {
-    const ColourScale scale = scaleOverValues({nan, 2.0, -INFINITY, 5.0});
+    const ColourScale scale = scaleOverValues({notANumber, 2.0, -INFINITY, 5.0});
     EXPECT_EQ(scale.getLow(), 2.0);
     EXPECT_EQ(scale.getHigh(), 5.0);
-    EXPECT_EQ(scaleOverValues({nan}).getHigh(), 1.0);
+    EXPECT_EQ(scaleOverValues({notANumber}).getHigh(), 1.0);
 }
 
 TEST(ColourScaleTest, AnErrorBeyondAllOthersDoesNotTakeTheColours)
 {
     std::vector<double> errors(101, -1.0);
     errors[7] = 1000.0;
-    errors[8] = nan;
+    errors[8] = notANumber;
     const ColourScale scale = scaleOverErrors(errors);
 
     EXPECT_EQ(scale.getHigh(), 1.0);
     EXPECT_EQ(scale.getLow(), -1.0);
-    EXPECT_EQ(scaleOverErrors({nan}).getHigh(), 1.0);
+    EXPECT_EQ(scaleOverErrors({notANumber}).getHigh(), 1.0);
 }

@@ -15,7 +15,7 @@ using krige::GridCode;
 namespace
 {
 
-const double nan = std::numeric_limits<double>::quiet_NaN();
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 std::string bytesOf(const std::string& base64)
 {
@@ -59,7 +59,7 @@ std::vector<double> decoded(const GridCode& code, std::size_t numColumns, std::s
             sum += static_cast<unsigned char>(bytes[i]) + 256U * static_cast<unsigned char>(bytes[count + i]);
             codes[i] = static_cast<std::uint16_t>(sum + (row > 0 ? codes[i - numColumns] : 0U));
             const double digits = static_cast<double>(code.base) + codes[i] - 1.0;
-            values[i] = codes[i] == 0        ? nan
+            values[i] = codes[i] == 0        ? notANumber
                         : code.exponent <= 0 ? digits / std::pow(10.0, -code.exponent)
                                              : digits * std::pow(10.0, code.exponent);
         }
@@ -83,7 +83,7 @@ TEST(GridCodeTest, StepsAreFineWhateverTheSpan)
     for (const double span : {1e-9, 0.3, 65533.0, 65534.0, 7e5, 3e18, 1e300})
     {
         SCOPED_TRACE(span);
-        std::vector<double> values = fenn::test::randomValues(1, 77, 5).front();
+        std::vector<double> values = fenn::test::randomValues(1, 77, 0.0, 1.0, 5).front();
         for (double& value : values)
             value *= span;
         values[3] = 0.0;
@@ -100,13 +100,13 @@ TEST(GridCodeTest, StepsAreFineWhateverTheSpan)
 
 TEST(GridCodeTest, WhereThereIsNoValueThereIsNoCode)
 {
-    const std::vector<double> shown = decoded(encodeGrid({1.0, nan, INFINITY, 3.0}, 2), 2, 2);
+    const std::vector<double> shown = decoded(encodeGrid({1.0, notANumber, INFINITY, 3.0}, 2), 2, 2);
 
     EXPECT_EQ(shown[0], 1.0);
     EXPECT_TRUE(std::isnan(shown[1]));
     EXPECT_TRUE(std::isnan(shown[2]));
     EXPECT_EQ(shown[3], 3.0);
-    EXPECT_TRUE(std::isnan(decoded(encodeGrid({nan, nan}, 2), 2, 1)[1]));
+    EXPECT_TRUE(std::isnan(decoded(encodeGrid({notANumber, notANumber}, 2), 2, 1)[1]));
 }
 
 TEST(GridCodeTest, EqualValuesKeepSixDigits)
