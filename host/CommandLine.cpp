@@ -13,6 +13,7 @@
 
 #include "host/commands/InfoCommand.h"
 #include "host/commands/PredictCommand.h"
+#include "host/commands/ReportCommand.h"
 #include "host/commands/TuneCommand.h"
 #include "host/commands/ValidateCommand.h"
 #include "host/commands/VariogramCommand.h"
@@ -52,6 +53,7 @@ constexpr Subcommand subcommands[] = {
     {"validate", "Cross-validate, or compare estimates with known values", make<ValidateCommand>, true},
     {"tune", "Search for the settings that estimate best", make<TuneCommand>, true},
     {"variogram", "Compare the empirical semivariogram with the model's", make<VariogramCommand>, true},
+    {"report", "Write a page about samples and their model: data, validation, maps", make<ReportCommand>, true},
     {"info", "Describe a sample file, and the memory and time that a model takes", make<InfoCommand>, false},
 };
 

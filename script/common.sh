@@ -3,7 +3,7 @@
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # Debian packages, by the groups of script/bootstrap.
-build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev zlib1g-dev"
+build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev libpng-dev zlib1g-dev"
 test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db help2man parallel python3 make pkg-config"
 python_packages="python3-dev pybind11-dev python3-numpy python3-sklearn python3-joblib python3-pandas python3-xarray \
 python3-dask python3-distributed python3-matplotlib python3-pytest python3-hypothesis python3-build python3-setuptools \
@@ -15,6 +15,7 @@ fuzz_packages="clang libclang-rt-14-dev llvm"
 coverage_packages="gcovr"
 mutation_packages="ccache git python3"
 package_packages="dpkg-dev debhelper fakeroot lintian mmdebstrap"
+browser_packages="chromium fonts-dejavu-core poppler-utils python3"
 lint_packages="clang-format clang-tidy"
 arm_packages="g++-aarch64-linux-gnu qemu-user libhwy-dev:arm64 qtbase5-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64"
 

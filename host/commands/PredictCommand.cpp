@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "host/files/InputFile.h"
+#include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/DataForm.h"
 #include "host/model/SampleModel.h"
@@ -26,17 +27,6 @@ namespace krige
 
 namespace
 {
-
-/// Also through links, and under another name.
-void checkIsNotOutput(const char* option, const std::string& outputPath, const std::string& inputPath)
-{
-    if (isStandardStream(outputPath)) // the stream that is read, where it is "-" too, is another one
-        return;
-    std::error_code error;
-    if (outputPath == inputPath || std::filesystem::equivalent(outputPath, inputPath, error))
-        throw UsageError(std::string(option) + ": " + quoteForMessage(outputPath) +
-                         " is the file that is read; name another one");
-}
 
 bool isVtk(const std::string& path)
 {
@@ -196,8 +186,8 @@ void PredictCommand::checkUsage() const
     {
         if (inputPath.empty())
             continue;
-        checkIsNotOutput("--output", outputPath, inputPath);
-        checkIsNotOutput("--duplicates-report", duplicatesPath, inputPath);
+        checkIsNotInput("--output", outputPath, inputPath);
+        checkIsNotInput("--duplicates-report", duplicatesPath, inputPath);
     }
 }
 

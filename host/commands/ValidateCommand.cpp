@@ -6,9 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "analysis/CrossValidation.h"
 #include "analysis/LeaveOneOut.h"
-#include "analysis/Places.h"
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
@@ -20,6 +18,7 @@
 #include "host/model/SuspiciousValues.h"
 #include "host/pictures/Gnuplot.h"
 #include "host/pictures/ValidationPicture.h"
+#include "host/reports/FoldValidation.h"
 #include "host/reports/Report.h"
 #include "host/targets/TargetSource.h"
 #include "host/targets/TargetSupport.h"
@@ -31,14 +30,6 @@ namespace krige
 
 namespace
 {
-
-ValidationResult resultFor(const SampleTable& samples)
-{
-    ValidationResult result;
-    result.inputNames = samples.inputNames;
-    result.outputNames = samples.outputNames;
-    return result;
-}
 
 std::vector<std::vector<double>> rowsOf(const std::vector<std::vector<double>>& columns, std::size_t first,
                                         std::size_t count)
@@ -131,54 +122,12 @@ ValidateCommand::ValidateCommand(CLI::App& command)
 
 ValidationResult ValidateCommand::crossValidate(const SampleTable& samples, Console& console, Report& report) const
 {
-    const SampleTable formed = inModelForm(samples, options.settings);
-    const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
-    if (foldsOption->count() > 0 && numFolds > numSamples)
-        throw UsageError("--folds: " + std::to_string(numFolds) + " folds need as many samples, but " + samples.path +
-                         " has " + std::to_string(numSamples) + "; lower it, or use --leave-one-out");
-    const std::size_t numPlaces =
-        fenn::analysis::findPlaces(toSampleSet(formed), options.settings.duplicateTolerance).numPlaces;
-    const std::size_t folds = std::min(numFolds, numPlaces);
-    if (folds < 2)
-        throw InputError(samples.path + ": cross-validation needs samples at two places at least");
-
-    ValidationResult result = resultFor(samples);
-    std::vector<std::vector<OutputSill>> sillsOfFolds; // per fold, per output
-    std::vector<double> driftProducts;
-    runExplained(formed, options.settings, "without one of " + std::to_string(folds) + " folds: ",
-                 [&]
-                 {
-                     const fenn::estimation::SampleSet sampleSet = toSampleSet(formed);
-                     const std::unique_ptr<ProgressLine> line = console.startProgress("folds");
-                     fenn::analysis::Estimates estimates = fenn::analysis::crossValidate(
-                         sampleSet, options.settings, folds, seed, reportTo(*line), options.estimator,
-                         [&](std::size_t, const fenn::estimation::Estimator& estimator)
-                         {
-                             sillsOfFolds.push_back(calcOutputSills(estimator, options.settings, options.settings.sills,
-                                                                    options.estimator.numThreads));
-                         });
-                     result.estimates = std::move(estimates.values);
-                     result.variances = std::move(estimates.variances);
-                     driftProducts = std::move(estimates.driftProducts);
-                 });
-    const std::vector<std::size_t> foldOfSample =
-        fenn::analysis::assignFoldsToPlaces(toSampleSet(formed), options.settings.duplicateTolerance, folds, seed);
-    result.sills.assign(samples.outputs.size(), std::vector<double>(numSamples));
-    for (std::size_t w = 0; w < samples.outputs.size(); ++w)
-    {
-        for (std::size_t i = 0; i < numSamples; ++i)
-            result.sills[w][i] = sillsOfFolds[foldOfSample[i]][w].value;
-    }
-    result.inputs = samples.inputs;
-    result.truths = formed.outputs;
-    for (const std::size_t line : samples.lines)
-        result.lines.push_back(std::to_string(line));
-    result.bringIntoUnits(options.settings.units, driftProducts);
-    result.truths = samples.outputs; // as they stand in the file, to the bit
-    console.getReport() << "method: " << folds << " folds of " << numSamples << " samples, seed " << seed
-                        << (numPlaces < numSamples ? ", those of one place in one fold" : "") << '\n';
-    report.sillsOfFolds(samples.outputNames, sillsOfFolds);
-    return result;
+    if (foldsOption->count() > 0)
+        checkFolds(numFolds, samples, "lower it, or use --leave-one-out");
+    FoldValidation validation = validateInFolds(samples, options.settings, options.estimator, numFolds, seed, console);
+    console.getReport() << "method: " << validation.method << '\n';
+    report.sillsOfFolds(samples.outputNames, validation.sillsOfFolds);
+    return std::move(validation.result);
 }
 
 ValidationResult ValidateCommand::leaveOneOut(const SampleTable& samples, Console& console, Report& report) const

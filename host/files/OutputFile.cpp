@@ -16,6 +16,7 @@
 
 #include "host/files/InputFile.h"
 #include "host/text/HostErrors.h"
+#include "host/text/NumberText.h"
 
 namespace krige
 {
@@ -260,6 +261,16 @@ void OutputFile::closeAndRemove()
     ::unlink(temporaryPath.c_str());
     temporaryFiles[slot].store(nullptr);
     slot = -1;
+}
+
+void checkIsNotInput(const char* option, const std::string& outputPath, const std::string& inputPath)
+{
+    if (isStandardStream(outputPath))
+        return;
+    std::error_code error;
+    if (outputPath == inputPath || std::filesystem::equivalent(outputPath, inputPath, error))
+        throw UsageError(std::string(option) + ": " + quoteForMessage(outputPath) +
+                         " is the file that is read; name another one");
 }
 
 } // namespace krige

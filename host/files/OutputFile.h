@@ -57,6 +57,10 @@ private:
     int slot = -1;                      // in the signal handler's list
 };
 
+/// Throws UsageError that begins with option where outputPath is the file that is read, also through links and under
+/// another name. Standard output is never standard input.
+void checkIsNotInput(const char* option, const std::string& outputPath, const std::string& inputPath);
+
 } // namespace krige
 
 #endif

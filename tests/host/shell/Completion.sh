@@ -29,7 +29,7 @@ lacks()
 test_SubcommandsAreOffered()
 {
     completed ''
-    for subcommand in predict validate tune variogram info; do offers "$subcommand"; done
+    for subcommand in predict validate tune variogram report info; do offers "$subcommand"; done
     completed va
     offers validate
     offers variogram

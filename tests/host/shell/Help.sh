@@ -13,7 +13,7 @@ options()
 
 test_EverySubcommandIsListed()
 {
-    [ "$(subcommands | sort | tr '\n' ' ')" = 'info predict tune validate variogram ' ] || fail "$(subcommands)"
+    [ "$(subcommands | sort | tr '\n' ' ')" = 'info predict report tune validate variogram ' ] || fail "$(subcommands)"
 }
 
 test_EveryOptionHasADefaultOrIsNeededAndAnExample()
