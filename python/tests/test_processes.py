@@ -149,7 +149,7 @@ def test_the_lock_is_released_while_the_library_works():
     done.set()
     thread.join()
 
-    assert len(ticks) > 10
+    assert len(ticks) > 2  # 0 or 1 where the lock is held
 
 
 INTERRUPTED = {
