@@ -294,6 +294,11 @@ std::vector<double> valuesAt(const std::vector<double>& values, const std::vecto
     return chosen;
 }
 
+std::string styleOfDots(std::size_t count)
+{
+    return count > 300 ? "accent" : "accent large";
+}
+
 std::vector<std::size_t> thinned(std::size_t count, std::size_t most)
 {
     std::vector<std::size_t> indices;

@@ -87,6 +87,9 @@ constexpr std::size_t mostDots = 5000;
 /// The values at these indices.
 std::vector<double> valuesAt(const std::vector<double>& values, const std::vector<std::size_t>& indices);
 
+/// Class of dots of one colour: large where there are few.
+std::string styleOfDots(std::size_t count);
+
 /// At most so many of the indices 0 to count - 1, evenly chosen.
 std::vector<std::size_t> thinned(std::size_t count, std::size_t most);
 

@@ -69,7 +69,8 @@ std::string lineOfSamples(const SampleTable& samples, const std::string& units, 
     const Axis y = axisOver(samples.outputs[output], 0.05, 2);
     Chart chart({x.getLow(), x.getHigh(), y.getLow(), y.getHigh(), nameWithUnits(samples.inputNames[0], units),
                  samples.outputNames[output], 0.6});
-    chart.addDots(valuesAt(samples.inputs[0], drawn), valuesAt(samples.outputs[output], drawn), "accent");
+    chart.addDots(valuesAt(samples.inputs[0], drawn), valuesAt(samples.outputs[output], drawn),
+                  styleOfDots(drawn.size()));
     return figureOf(samples.outputNames[output] + " over " + samples.inputNames[0],
                     chart.toSvg("Samples of " + samples.outputNames[output]));
 }

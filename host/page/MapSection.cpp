@@ -57,21 +57,28 @@ std::vector<std::size_t> samplesNear(const MapData& data, const MapView& view)
     return drawn;
 }
 
-/// Samples that lie within the picture.
-void addSamples(Chart& chart, const MapData& data, const MapView& view, const ChartFrame& frame, const Values& heights)
+/// Where samples near to a view lie within its picture: x, then heights.
+std::vector<Values> placesOfSamples(const MapData& data, const MapView& view, const ChartFrame& frame,
+                                    const Values& heights)
 {
-    Values x;
-    Values y;
+    std::vector<Values> places(2);
     for (const std::size_t i : samplesNear(data, view))
     {
-        const double xOfSample = data.samples.inputs[view.x][i];
-        if (xOfSample < frame.xLow || xOfSample > frame.xHigh || heights[i] < frame.yLow || heights[i] > frame.yHigh)
+        const double x = data.samples.inputs[view.x][i];
+        if (x < frame.xLow || x > frame.xHigh || heights[i] < frame.yLow || heights[i] > frame.yHigh)
             continue;
-        x.push_back(xOfSample);
-        y.push_back(heights[i]);
+        places[0].push_back(x);
+        places[1].push_back(heights[i]);
     }
-    chart.addDots(x, y, x.size() > 300 ? "ring-light small" : "ring-light");
-    chart.addDots(x, y, x.size() > 300 ? "site small" : "site");
+    return places;
+}
+
+/// A dark dot within a light ring stands out from every colour of the map.
+void addSites(Chart& chart, const std::vector<Values>& places)
+{
+    const std::string size = places[0].size() > 300 ? " small" : "";
+    chart.addDots(places[0], places[1], "ring-light" + size);
+    chart.addDots(places[0], places[1], "site" + size);
 }
 
 /// Half a step of an axis: a node of a raster is the middle of its cell.
@@ -169,7 +176,7 @@ std::string layersOf(const MapData& data, const MapView& view, std::size_t outpu
                 fenn::analysis::ConvexHull(data.samples.inputs[view.x], data.samples.inputs[y]).calcOutline();
             chart.addLine(outline[0], outline[1], "hull");
         }
-        addSamples(chart, data, view, frame, data.samples.inputs[y]);
+        addSites(chart, placesOfSamples(data, view, frame, data.samples.inputs[y]));
         plotPlace = chart.getPlotPlace();
         const std::string id = "map" + std::to_string(number) + (isEstimate ? "-estimate" : "-error");
         buttons += "<input type=\"radio\" name=\"map" + std::to_string(number) + "\" id=\"" + id + "\"" +
@@ -211,7 +218,8 @@ std::string profileOf(const MapData& data, const MapView& view, std::size_t outp
     Chart chart(frame);
     chart.addBand(x, lows, highs, "band");
     chart.addLine(x, valuesAt(estimates, drawn), "curve");
-    addSamples(chart, data, view, frame, data.samples.outputs[output]);
+    const std::vector<Values> places = placesOfSamples(data, view, frame, data.samples.outputs[output]);
+    chart.addDots(places[0], places[1], styleOfDots(places[0].size()));
     return "<div class=\"layers\"" + placeAttributes(data, view, chart.getPlotPlace()) + ">\n<div class=\"layer\"" +
            codeAttributes("estimate", estimates, view) + ">\n" + chart.toSvg("Profile of " + outputName, picked) +
            "</div>\n<div class=\"layer unseen\"" +

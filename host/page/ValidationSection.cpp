@@ -72,7 +72,7 @@ std::string scatterOf(const ValidationResult& result, std::size_t w)
     Chart chart({low, high, low, high, "measured " + name, "estimated " + name, 1.0});
     chart.addLine({low, high}, {low, high}, "guide");
     const std::vector<std::size_t> drawn = thinned(result.lines.size(), mostDots);
-    chart.addDots(valuesAt(result.truths[w], drawn), valuesAt(result.estimates[w], drawn), "accent");
+    chart.addDots(valuesAt(result.truths[w], drawn), valuesAt(result.estimates[w], drawn), styleOfDots(drawn.size()));
     return figureOf("Estimated over measured " + name + ": on the dashed line both are equal",
                     chart.toSvg("Scatter of estimated over measured " + name));
 }
@@ -86,7 +86,7 @@ std::string errorsAlong(const ValidationResult& result, std::size_t w, const std
     Chart chart({x.getLow(), x.getHigh(), std::min(y.getLow(), 0.0), std::max(y.getHigh(), 0.0),
                  nameWithUnits(result.inputNames[0], units), "error of " + result.outputNames[w], 0.65});
     chart.addLine({x.getLow(), x.getHigh()}, {0.0, 0.0}, "guide");
-    chart.addDots(valuesAt(result.inputs[0], drawn), valuesAt(errors, drawn), "accent");
+    chart.addDots(valuesAt(result.inputs[0], drawn), valuesAt(errors, drawn), styleOfDots(drawn.size()));
     return figureOf("Errors, estimated less measured, over " + result.inputNames[0],
                     chart.toSvg("Errors of " + result.outputNames[w]));
 }
