@@ -63,14 +63,14 @@ void addLine(Picture& picture, Panel panel, const LineContent& content, PointSty
     const MapPlaces& samples = content.samples;
     if (!samples.x.empty() && points != PointStyle::None)
     {
-        const std::string size = formatNumber(samples.x.size() > 1000 ? 0.4 : samples.x.size() > 200 ? 0.6 : 0.8);
-        panel.plots += ", " + picture.addData({samples.x, samples.y}) + " using 1:2 with points pt 7 ps " + size +
+        const std::string size = pointSize(samples.x.size() > 1000 ? 0.4 : samples.x.size() > 200 ? 0.6 : 0.8);
+        panel.plots += ", " + picture.addData({samples.x, samples.y}) + " using 1:2 with points pt 7 " + size +
                        " lc rgb '#000000' title 'samples'";
         addHeights(samples.y);
     }
     if (!content.targets.x.empty())
         panel.plots += ", " + picture.addData({content.targets.x, content.targets.y}) +
-                       " using 1:2 with points pt 12 ps 1.3 lw 1.3 lc rgb '#a03c00' title 'targets'";
+                       " using 1:2 with points pt 12 " + pointSize(1.3) + " lw 1.3 lc rgb '#a03c00' title 'targets'";
     panel.x.range = rangeAround({content.nodes.front(), content.nodes.back()}, 0.0);
     panel.y.range = rangeAround(heights, 0.05);
     if (points == PointStyle::Values)

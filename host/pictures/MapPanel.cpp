@@ -177,9 +177,9 @@ private:
         if (targets.x.empty())
             return;
         const std::string data = picture.addData({targets.x, targets.y, targets.values});
-        const std::string size = formatNumber(targets.x.size() > 500 ? 0.8 : 1.3);
-        add(data + " using 1:2:3 with points pt 13 ps " + size + " palette notitle");
-        const std::string rim = data + " using 1:2 with points pt 12 ps " + size;
+        const std::string size = pointSize(targets.x.size() > 500 ? 0.8 : 1.3);
+        add(data + " using 1:2:3 with points pt 13 " + size + " palette notitle");
+        const std::string rim = data + " using 1:2 with points pt 12 " + size;
         add(rim + " lw 3 lc rgb '#ffffff' notitle");
         add(rim + " lw 1 lc rgb '#000000' notitle");
     }
@@ -228,9 +228,9 @@ bool haveOneScale(const AxisRange& x, const AxisRange& y)
 
 std::string dotsOf(const std::string& data, std::size_t count)
 {
-    const std::string size = formatNumber(count > 1000 ? 0.4 : count > 200 ? 0.7 : 1.0);
-    return data + " using 1:2 with points pt 7 ps " + size + " lc rgb '#ffffff' notitle, " + data +
-           " using 1:2 with points pt 7 ps 0.6*" + size + " lc rgb '#000000' notitle";
+    const double size = count > 1000 ? 0.4 : count > 200 ? 0.7 : 1.0;
+    return data + " using 1:2 with points pt 7 " + pointSize(size) + " lc rgb '#ffffff' notitle, " + data +
+           " using 1:2 with points pt 7 " + pointSize(0.6 * size) + " lc rgb '#000000' notitle";
 }
 
 PointLabel labelOf(double x, double y, double value)

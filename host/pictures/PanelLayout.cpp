@@ -96,16 +96,24 @@ void PanelLayout::setMargins()
         top += textHeight + gap;
 }
 
-std::string PanelLayout::axisCommands() const
+std::string PanelLayout::axisCommands(const Rectangle& plot, double pictureWidth, double pictureHeight) const
 {
-    const auto axis = [](const char* name, const PanelAxis& of, const Ticks& ticks)
+    const auto axis = [](const char* letter, const PanelAxis& of, const Ticks& ticks)
     {
-        const std::string letter = name;
-        return "set " + letter + "range " + of.range.text() + "\nset " + letter + "tics out nomirror " + listOf(ticks) +
-               (ticks.areUpright ? " rotate by 90 right" : "") + "\nset " + letter + "label " +
-               quoteForGnuplot(axisTitle(of.name, of.unit, ticks)) + "\n";
+        return "set " + std::string(letter) + "range " + of.range.text() + "\nset " + letter + "tics out nomirror " +
+               listOf(ticks) + (ticks.areUpright ? " rotate by 90 right" : "") + "\n";
     };
+    // Labels of our own: every terminal of gnuplot has its own distance from the axis for them.
+    const auto title = [&](int number, const PanelAxis& of, const Ticks& ticks, double px, double py)
+    {
+        return "set label " + std::to_string(number) + " " + quoteForGnuplot(axisTitle(of.name, of.unit, ticks)) +
+               " at screen " + share(px, pictureWidth) + ",screen " + share(py, pictureHeight) + " center";
+    };
+    const double below = bottom - edge - textHeight / 2;
+    const double beside = left - edge - textHeight / 2;
     return axis("x", panel.x, x) + axis("y", panel.y, y) +
+           title(4, panel.x, x, plot.left + plot.width / 2, plot.bottom - below) + "\n" +
+           title(5, panel.y, y, plot.left - beside, plot.bottom + plot.height / 2) + " rotate by 90\n" +
            (panel.hasGrid ? "set grid xtics ytics lt 1 lc rgb '#e4e4e4' lw 0.7\n" : "");
 }
 
@@ -145,7 +153,8 @@ std::string PanelLayout::commands(const Rectangle& cell, double pictureWidth, do
     std::string text = "set lmargin at screen " + share(plot.left, pictureWidth) + "\nset rmargin at screen " +
                        share(plot.left + plot.width, pictureWidth) + "\nset bmargin at screen " +
                        share(plot.bottom, pictureHeight) + "\nset tmargin at screen " +
-                       share(plot.bottom + plot.height, pictureHeight) + "\n" + axisCommands();
+                       share(plot.bottom + plot.height, pictureHeight) + "\n" +
+                       axisCommands(plot, pictureWidth, pictureHeight);
     const double middle = plot.left + plot.width / 2;
     const double end = plot.bottom + plot.height;
     if (panel.colours)

@@ -45,7 +45,7 @@ public:
 
 private:
     void setMargins();
-    std::string axisCommands() const;
+    std::string axisCommands(const Rectangle& plot, double pictureWidth, double pictureHeight) const;
     std::string colourCommands(const Rectangle& plot, double pictureWidth, double pictureHeight) const;
 
     const Panel& panel;

@@ -75,6 +75,11 @@ Picture::Picture(std::size_t panelsPerRow_, std::string title_, PictureSize size
 {
 }
 
+std::string pointSize(double size)
+{
+    return "ps " + formatNumber(size) + "*dot";
+}
+
 std::string Picture::addData(const std::vector<std::vector<double>>& columns)
 {
     const std::string name = "$data" + std::to_string(++numDataBlocks);
@@ -185,34 +190,35 @@ std::string Picture::buildPanels(Canvas& canvas) const
 
 std::string Picture::terminalLine(const std::string& ending, const Canvas& canvas)
 {
-    // The sizes in each terminal's own units that give the same picture.
-    struct Fonts
+    // In each terminal's own units, so that all of them give the same picture.
+    struct Sizes
     {
-        int usual;
-        int small;
-        int large;
+        int usualFont;
+        int smallFont;
+        int largeFont;
+        double point;
     };
-    const auto fontsOf = [](const Fonts& fonts)
+    constexpr double pixelsPerInch = 96.0;
+    const bool isSvg = ending == ".svg";
+    const bool isPdf = ending == ".pdf";
+    const Sizes sizes = isSvg ? Sizes{16, 13, 20, 0.55} : isPdf ? Sizes{9, 7, 12, 1.0} : Sizes{12, 10, 15, 1.0};
+    const auto font = [](int size)
     {
-        return "smallFont = 'sans," + std::to_string(fonts.small) + "'\nlargeFont = 'sans," +
-               std::to_string(fonts.large) + "'\n";
+        return "'sans," + std::to_string(size) + "'";
+    };
+    const auto length = [&](double side)
+    {
+        const double pixels = std::round(side * canvas.scale);
+        return isPdf ? formatNumber(pixels / pixelsPerInch) + "in" : formatNumber(pixels);
     };
     const std::string scale = formatNumber(canvas.scale);
-    const std::string scaled = " fontscale " + scale + " linewidth " + scale;
-    const std::string pixels = formatNumber(std::round(canvas.width * canvas.scale)) + "," +
-                               formatNumber(std::round(canvas.height * canvas.scale)) + "\n";
-    if (ending == ".svg")
-        return fontsOf({16, 13, 20}) + "set terminal svg noenhanced standalone font 'sans,16'" + scaled +
-               " background '#ffffff' size " + pixels;
-    if (ending == ".pdf")
-    {
-        constexpr double pixelsPerInch = 96.0;
-        return fontsOf({9, 7, 12}) + "set terminal pdfcairo noenhanced font 'sans,9'" + scaled + " pointscale " +
-               scale + " size " + formatNumber(canvas.width * canvas.scale / pixelsPerInch) + "in," +
-               formatNumber(canvas.height * canvas.scale / pixelsPerInch) + "in\n";
-    }
-    return fontsOf({12, 10, 15}) + "set terminal pngcairo noenhanced font 'sans,12'" + scaled + " pointscale " + scale +
-           " size " + pixels;
+    return "smallFont = " + font(sizes.smallFont) + "\nlargeFont = " + font(sizes.largeFont) +
+           "\ndot = " + formatNumber(sizes.point * canvas.scale) + "\nset terminal " +
+           (isSvg   ? "svg standalone background '#ffffff'"
+            : isPdf ? "pdfcairo"
+                    : "pngcairo") +
+           " noenhanced font " + font(sizes.usualFont) + " fontscale " + scale + " linewidth " + scale + " size " +
+           length(canvas.width) + "," + length(canvas.height) + "\n";
 }
 
 std::string Picture::buildScript(const std::string& path, const std::string& ending) const

@@ -20,6 +20,9 @@ struct PictureSize
 /// Reads `WxH`, each 200 to 10000. Throws UsageError that begins with option.
 PictureSize parsePictureSize(const std::string& option, const std::string& text);
 
+/// `ps ...`: the size of marks, alike in every kind of file.
+std::string pointSize(double size);
+
 /// A picture as a gnuplot script with its data inline: panels side by side, in rows.
 ///
 /// Nothing of a file reaches gnuplot as a command: names pass through quoteForGnuplot, data blocks hold numbers only,

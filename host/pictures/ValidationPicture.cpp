@@ -24,9 +24,9 @@ constexpr const char* equalityLine = "x with lines lc rgb '#666666' dt 2 lw 1.5"
 /// Dots that show where many of them lie, and each of them where few do.
 std::string dots(const std::string& data, std::size_t numPoints)
 {
-    const std::string size = formatNumber(numPoints > 2000 ? 0.4 : 0.8);
-    return data + " using 1:2 with points pt 7 ps " + size + " lc rgb '#cc21918c' notitle, " + data +
-           " using 1:2 with points pt 6 ps " + size + " lc rgb '#21918c' notitle";
+    const std::string size = pointSize(numPoints > 2000 ? 0.4 : 0.8);
+    return data + " using 1:2 with points pt 7 " + size + " lc rgb '#cc21918c' notitle, " + data +
+           " using 1:2 with points pt 6 " + size + " lc rgb '#21918c' notitle";
 }
 
 /// Three significant digits.
@@ -189,13 +189,13 @@ private:
     /// The sign of an error is the way a triangle points, for in grey both ends of the colours are alike.
     std::string triangles(const std::vector<std::vector<double>>& places, int filled, const char* name)
     {
-        const std::string size = formatNumber(places[0].size() > 500 ? 0.8 : 1.4);
+        const std::string size = pointSize(places[0].size() > 500 ? 0.8 : 1.4);
         const auto points = [&](int type)
         {
-            return " with points pt " + std::to_string(type) + " ps " + size;
+            return " with points pt " + std::to_string(type) + " " + size;
         };
-        std::string text =
-            "NaN with points pt " + std::to_string(filled - 1) + " ps 1.4 lc rgb '#333333' title '" + name + "'";
+        std::string text = "NaN with points pt " + std::to_string(filled - 1) + " " + pointSize(1.4) +
+                           " lc rgb '#333333' title '" + name + "'";
         if (places[0].empty())
             return text;
         const std::string data = picture.addData(places);

@@ -85,8 +85,8 @@ void drawVariogram(const PictureOptions& options, const QuantityName& semivarian
         std::vector<double> sorted = points[1];
         std::sort(sorted.begin(), sorted.end());
         heights.push_back(sorted[sorted.size() * 19 / 20]);
-        dots =
-            picture.addData(points) + " using 1:2 with points pt 7 ps 0.2 lc rgb '#999999' title 'pairs at one lag', ";
+        dots = picture.addData(points) + " using 1:2 with points pt 7 " + pointSize(0.2) +
+               " lc rgb '#999999' title 'pairs at one lag', ";
     }
     const double highest = *std::max_element(heights.begin(), heights.end());
     std::vector<double> lags = curve.lags;
@@ -107,9 +107,8 @@ void drawVariogram(const PictureOptions& options, const QuantityName& semivarian
                       formatNumber(curve.sill) + dashed;
     panel.plots = dots + line + " using 1:2 with lines lw 2.5 lc rgb '#440154' title 'model'";
     if (!bins.empty())
-        panel.plots += ", " + picture.addData(binned) +
-                       " using 1:2 with points pt 7 ps 1.4 lc rgb '#21918c' title 'bins and numbers of pairs'" +
-                       countLabels(picture, bins, unit);
+        panel.plots += ", " + picture.addData(binned) + " using 1:2 with points pt 7 " + pointSize(1.4) +
+                       " lc rgb '#21918c' title 'bins and numbers of pairs'" + countLabels(picture, bins, unit);
     picture.addPanel(panel);
     picture.save(options.path);
 }
