@@ -84,12 +84,18 @@ private:
         const std::string style = coloured.size() <= mostLargeCells ? " pixels" : "";
         const std::size_t numAcross = content.nodes.xNodes.size();
         std::vector<double> veil;
-        for (const Reach reach : content.reaches)
-            veil.push_back(reach == Reach::OutOfReach ? 255.0 : 0.0);
+        for (std::size_t i = 0; i < content.reaches.size(); ++i)
+            veil.push_back(isShown(i, Reach::OutOfReach) ? 255.0 : 0.0);
         if (std::any_of(veil.begin(), veil.end(), [](double alpha) { return alpha > 0.0; }))
             add(picture.addMatrix(veil, numAcross) + placesOf(content.nodes) + "(190):(190):(190):3 with rgbalpha" +
                 style + " notitle");
         add(picture.addMatrix(coloured, numAcross) + placesOf(content.nodes) + "3 with image" + style + " notitle");
+    }
+
+    /// A place without a value is white, wherever it lies.
+    bool isShown(std::size_t node, Reach reach) const
+    {
+        return content.reaches[node] == reach && std::isfinite(content.values[node]);
     }
 
     /// Diagonals over the extrapolated cells, as far apart in pixels whatever the axes.
@@ -109,7 +115,7 @@ private:
                 return false;
             const auto i = static_cast<std::size_t>(across / width * static_cast<double>(nodes.xNodes.size()));
             const auto j = static_cast<std::size_t>(up / height * static_cast<double>(nodes.yNodes.size()));
-            return content.reaches[j * nodes.xNodes.size() + i] == Reach::Extrapolated;
+            return isShown(j * nodes.xNodes.size() + i, Reach::Extrapolated);
         };
         std::vector<std::vector<double>> strokes(4); // from, then by how much
         for (double start = spacing / 2 - height; start < width; start += spacing)

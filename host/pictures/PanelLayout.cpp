@@ -84,10 +84,10 @@ void PanelLayout::setMargins()
     const double halfLabel = x.areUpright || x.ticks.empty() ? textHeight / 2 : widthOfText(x.ticks.back().label) / 2;
     left = 2 * edge + textHeight + gap + widestOf(y) + tickLength + gap;
     right = edge + halfLabel;
-    bottom = 2 * edge + textHeight + (x.areUpright ? widestOf(x) : textHeight) + tickLength + gap;
+    bottom = 2 * edge + gap + textHeight + (x.areUpright ? widestOf(x) : textHeight) + tickLength + gap;
     top = 2 * edge;
     if (panel.colours)
-        right = std::max(right, boxGap + boxWidth + tickLength + gap + widestOf(colours) + gap + textHeight + edge);
+        right = std::max(right, boxGap + boxWidth + tickLength + 2 * gap + widestOf(colours) + gap + textHeight + edge);
     if (panel.colours && panel.colours->isPassedAbove)
         top = std::max(top, triangleHeight + edge);
     if (panel.hasKeyAbove)
@@ -100,8 +100,8 @@ std::string PanelLayout::axisCommands(const Rectangle& plot, double pictureWidth
 {
     const auto axis = [](const char* letter, const PanelAxis& of, const Ticks& ticks)
     {
-        return "set " + std::string(letter) + "range " + of.range.text() + "\nset " + letter + "tics out nomirror " +
-               listOf(ticks) + (ticks.areUpright ? " rotate by 90 right" : "") + "\n";
+        return "set " + std::string(letter) + "range " + of.range.text() + "\nset " + letter +
+               "tics out nomirror scale tick " + listOf(ticks) + (ticks.areUpright ? " rotate by 90 right" : "") + "\n";
     };
     // Labels of our own: every terminal of gnuplot has its own distance from the axis for them.
     const auto title = [&](int number, const PanelAxis& of, const Ticks& ticks, double px, double py)
@@ -125,11 +125,11 @@ std::string PanelLayout::colourCommands(const Rectangle& plot, double pictureWid
     {
         return "screen " + share(px, pictureWidth) + ",screen " + share(py, pictureHeight);
     };
-    std::string text = paletteCommand(scale.palette) + "set cbrange " + scale.limits.text() + "\nset cbtics out " +
-                       listOf(colours) + "\nset colorbox vertical user origin " + place(boxLeft, plot.bottom) +
-                       " size " + place(boxWidth, plot.height) + "\n";
+    std::string text = paletteCommand(scale.palette) + "set cbrange " + scale.limits.text() +
+                       "\nset cbtics out scale tick " + listOf(colours) + "\nset colorbox vertical user origin " +
+                       place(boxLeft, plot.bottom) + " size " + place(boxWidth, plot.height) + "\n";
     text += "set label 1 " + quoteForGnuplot(axisTitle(scale.name, scale.unit, colours)) + " at " +
-            place(boxLeft + boxWidth + tickLength + gap + widestOf(colours) + gap + textHeight / 2,
+            place(boxLeft + boxWidth + tickLength + 2 * gap + widestOf(colours) + gap + textHeight / 2,
                   plot.bottom + plot.height / 2) +
             " center rotate by 90\n";
     const auto triangle = [&](int number, double base, double height, const std::string& colour)

@@ -197,11 +197,14 @@ std::string Picture::terminalLine(const std::string& ending, const Canvas& canva
         int smallFont;
         int largeFont;
         double point;
+        double tick;
     };
     constexpr double pixelsPerInch = 96.0;
     const bool isSvg = ending == ".svg";
     const bool isPdf = ending == ".pdf";
-    const Sizes sizes = isSvg ? Sizes{16, 13, 20, 0.55} : isPdf ? Sizes{9, 7, 12, 1.0} : Sizes{12, 10, 15, 1.0};
+    const Sizes sizes = isSvg   ? Sizes{16, 13, 20, 0.55, 0.6}
+                        : isPdf ? Sizes{9, 7, 12, 1.0, 1.0}
+                                : Sizes{12, 10, 15, 1.0, 1.0};
     const auto font = [](int size)
     {
         return "'sans," + std::to_string(size) + "'";
@@ -213,7 +216,8 @@ std::string Picture::terminalLine(const std::string& ending, const Canvas& canva
     };
     const std::string scale = formatNumber(canvas.scale);
     return "smallFont = " + font(sizes.smallFont) + "\nlargeFont = " + font(sizes.largeFont) +
-           "\ndot = " + formatNumber(sizes.point * canvas.scale) + "\nset terminal " +
+           "\ndot = " + formatNumber(sizes.point * canvas.scale) + "\ntick = " + formatNumber(sizes.tick) +
+           "\nset terminal " +
            (isSvg   ? "svg standalone background '#ffffff'"
             : isPdf ? "pdfcairo"
                     : "pngcairo") +
