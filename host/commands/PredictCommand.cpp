@@ -145,6 +145,8 @@ void PredictCommand::checkUsage() const
         throw UsageError("--output: needs the name of a file");
     if (limits.isWithinHull && options.inputNames.size() != 2)
         throw UsageError("--hull: a convex hull is that of two inputs; use --max-distance");
+    if (plot.withContours && options.inputNames.size() == 1)
+        throw UsageError("--contours: lines of equal values need a map, of two inputs or more");
     if (isGrid() && !keptNames.empty())
         throw UsageError("--keep: a grid has no columns to keep; it goes with --at");
     std::set<std::string> seen;

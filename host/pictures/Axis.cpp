@@ -110,7 +110,7 @@ Ticks makeTicks(const AxisRange& range, const Step& step)
     constexpr double mostTicks = 1000.0;
     Ticks ticks;
     const double size = step.getValue();
-    const double first = std::ceil(range.low / size - slack);
+    const double first = std::ceil(range.low / size - slack) + 0.0; // no negative zero
     const double last = std::floor(range.high / size + slack);
     if (last - first > mostTicks)
         return ticks;

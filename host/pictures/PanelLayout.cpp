@@ -100,8 +100,8 @@ std::string PanelLayout::axisCommands(const Rectangle& plot, double pictureWidth
 {
     const auto axis = [](const char* letter, const PanelAxis& of, const Ticks& ticks)
     {
-        return "set " + std::string(letter) + "range " + of.range.text() + "\nset " + letter +
-               "tics out nomirror scale tick " + listOf(ticks) + (ticks.areUpright ? " rotate by 90 right" : "") + "\n";
+        return "set " + std::string(letter) + "range " + of.range.text() + "\nset " + letter + "tics out nomirror " +
+               listOf(ticks) + (ticks.areUpright ? " rotate by 90 right" : "") + " scale tick\n";
     };
     // Labels of our own: every terminal of gnuplot has its own distance from the axis for them.
     const auto title = [&](int number, const PanelAxis& of, const Ticks& ticks, double px, double py)
@@ -125,8 +125,8 @@ std::string PanelLayout::colourCommands(const Rectangle& plot, double pictureWid
     {
         return "screen " + share(px, pictureWidth) + ",screen " + share(py, pictureHeight);
     };
-    std::string text = paletteCommand(scale.palette) + "set cbrange " + scale.limits.text() +
-                       "\nset cbtics out scale tick " + listOf(colours) + "\nset colorbox vertical user origin " +
+    std::string text = paletteCommand(scale.palette) + "set cbrange " + scale.limits.text() + "\nset cbtics out " +
+                       listOf(colours) + " scale tick\nset colorbox vertical user origin " +
                        place(boxLeft, plot.bottom) + " size " + place(boxWidth, plot.height) + "\n";
     text += "set label 1 " + quoteForGnuplot(axisTitle(scale.name, scale.unit, colours)) + " at " +
             place(boxLeft + boxWidth + tickLength + 2 * gap + widestOf(colours) + gap + textHeight / 2,

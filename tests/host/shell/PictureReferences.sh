@@ -10,7 +10,7 @@ expect_picture()
     expect_status 0
     command -v gnuplot >/dev/null || skip 'no gnuplot here'
     command -v python3 >/dev/null || skip 'no python3 here'
-    sed '/^set terminal/s/fontscale [0-9.]*/fontscale 0.01/' "$1.gp" >textless.gp
+    sed '/^set terminal/s/fontscale [0-9.]*/fontscale 0.05/' "$1.gp" >textless.gp
     gnuplot -d textless.gp 2>"$scratch/log/err" || fail 'gnuplot refuses it'
     if [ -n "${UPDATE_PICTURES:-}" ]; then
         python3 "$compare" --update "$1.png" "$references/$1.png" || fail 'no reference written'
@@ -49,8 +49,8 @@ test_ContoursAndValuesLookAsBefore()
 
 test_BothBesideEachOtherLookAsBefore()
 {
-    rainfall predict --grid x=-250000:250000:101,y=-180000:180000:73 --range 60000u --plot-both --points none \
-        -o out.csv --plot-size 800x340 --plot both.gp
+    rainfall predict --grid x=-300000:300000:121,y=-250000:250000:101 --plot-both --points none -o out.csv \
+        --plot-size 800x340 --plot both.gp
     expect_picture both
 }
 
@@ -108,7 +108,7 @@ test_AnotherPictureIsToldFromTheReference()
     command -v python3 >/dev/null || skip 'no python3 here'
     krige predict "$examples/volcano/samples.csv" --inputs x,y --outputs elevation --grid 87x61 \
         --points values -o out.csv --plot-size 500x360 --plot contours.gp
-    sed '/^set terminal/s/fontscale [0-9.]*/fontscale 0.01/' contours.gp >textless.gp
+    sed '/^set terminal/s/fontscale [0-9.]*/fontscale 0.05/' contours.gp >textless.gp
     gnuplot -d textless.gp 2>"$scratch/log/err" || fail 'gnuplot refuses it'
     ! python3 "$compare" contours.png "$references/contours.png" >"$scratch/log/out" 2>&1 || fail 'contours are not missed'
 }

@@ -151,7 +151,7 @@ test_TicksOfMetresDoNotTouchEachOther()
     from=$(sed -n 's/^set lmargin at screen //p' narrow.gp)
     to=$(sed -n 's/^set rmargin at screen //p' narrow.gp)
     range=$(sed -n 's/^set xrange \[\(.*\):\(.*\)\]/\1 \2/p' narrow.gp)
-    sed -n 's/^set xtics out nomirror scale tick (\(.*\))$/\1/p' narrow.gp | tr ',' '\n' | sed "s/.*' //" >ticks
+    sed -n 's/^set xtics out nomirror (\(.*\)) scale tick$/\1/p' narrow.gp | tr ',' '\n' | sed "s/.*' //" >ticks
     [ "$(wc -l <ticks)" -ge 2 ] || fail 'no ticks'
     awk -v width="$width" -v from="$from" -v to="$to" -v range="$range" '
         BEGIN { split(range, end, " ") }
@@ -219,6 +219,15 @@ test_WhatNoPictureCanBeIsRefusedBeforeTheWork()
         # One option and its value: shellcheck disable=SC2086
         refused "${option%% *} requires --plot" $option
     done
+}
+
+test_ContoursNeedAMap()
+{
+    printf 'x,z\n0,1\n1,3\n3,2\n' >samples.csv
+    krige predict samples.csv --inputs x --outputs z --grid 50 -o out.csv --plot line.gp --contours
+    expect_status 2
+    expect_stderr '--contours: lines of equal values need a map, of two inputs or more'
+    expect_files samples.csv
 }
 
 test_AnotherEndingIsAUsageError()
