@@ -79,9 +79,8 @@ private:
 
     void drawCells()
     {
-        // Viewers smooth an image of few pixels: large cells are drawn one by one.
-        constexpr std::size_t mostLargeCells = 4000;
-        const std::string style = coloured.size() <= mostLargeCells ? " pixels" : "";
+        constexpr std::size_t mostLargeCells = 10000;
+        const std::string style = coloured.size() <= mostLargeCells ? " @largeCells" : "";
         const std::size_t numAcross = content.nodes.xNodes.size();
         std::vector<double> veil;
         for (std::size_t i = 0; i < content.reaches.size(); ++i)

@@ -215,9 +215,11 @@ std::string Picture::terminalLine(const std::string& ending, const Canvas& canva
         return isPdf ? formatNumber(pixels / pixelsPerInch) + "in" : formatNumber(pixels);
     };
     const std::string scale = formatNumber(canvas.scale);
-    return "smallFont = " + font(sizes.smallFont) + "\nlargeFont = " + font(sizes.largeFont) +
-           "\ndot = " + formatNumber(sizes.point * canvas.scale) + "\ntick = " + formatNumber(sizes.tick) +
-           "\nset terminal " +
+    // Viewers of .svg smooth an image of few pixels, so that large cells are drawn one by one there; elsewhere that
+    // would leave seams between them.
+    return "largeCells = '" + std::string(isSvg ? "pixels" : "") + "'\nsmallFont = " + font(sizes.smallFont) +
+           "\nlargeFont = " + font(sizes.largeFont) + "\ndot = " + formatNumber(sizes.point * canvas.scale) +
+           "\ntick = " + formatNumber(sizes.tick) + "\nset terminal " +
            (isSvg   ? "svg standalone background '#ffffff'"
             : isPdf ? "pdfcairo"
                     : "pngcairo") +

@@ -28,6 +28,9 @@ std::string pointSize(double size);
 /// Nothing of a file reaches gnuplot as a command: names pass through quoteForGnuplot, data blocks hold numbers only,
 /// and gnuplot is started without a shell and without the user's start-up files, with the script as a file.
 ///
+/// Panels may use variables of the script that hold what differs between kinds of files: the fonts smallFont and
+/// largeFont, dot (see pointSize), and @largeCells, behind `with image` of so few cells that each of them is seen.
+///
 /// Everything is laid out for a text of one size; a picture of another size is that one enlarged, text and lines alike.
 class Picture
 {

@@ -165,7 +165,7 @@ TEST(SurfacePictureTest, TheNodesOfAGridAreThoseThatWereEstimated)
 
     EXPECT_TRUE(model.asked.empty()); // nothing is estimated twice
     EXPECT_THAT(script, HasSubstr("<< END_OF_DATA\n0 2 4\n2 4 6\nEND_OF_DATA\n"));
-    EXPECT_THAT(script, HasSubstr("matrix using (0+2*$1):(0+2*$2):3 with image pixels"));
+    EXPECT_THAT(script, HasSubstr("matrix using (0+2*$1):(0+2*$2):3 with image @largeCells"));
     EXPECT_THAT(script, HasSubstr("set xrange [-1:5]")); // half a cell around the nodes
 }
 
@@ -312,5 +312,5 @@ TEST(SurfacePictureTest, WhereNoSampleIsWithinReachTheMapIsGrey)
 
     EXPECT_THAT(script, HasSubstr("<< END_OF_DATA\n0 0 255\n0 0 255\nEND_OF_DATA\n"));
     EXPECT_THAT(script, HasSubstr("<< END_OF_DATA\n0 4 nan\n2 6 nan\nEND_OF_DATA\n"));
-    EXPECT_THAT(script, HasSubstr("with rgbalpha pixels"));
+    EXPECT_THAT(script, HasSubstr("with rgbalpha @largeCells"));
 }

@@ -214,7 +214,7 @@ test_WhatNoPictureCanBeIsRefusedBeforeTheWork()
     refused "--points: must be none, dots or values, not 'all'" --plot p.gp --points all
     refused "--title: needs a text of one line, not ''" --plot p.gp --title ''
     refused '--output-units: 2 units for 1 output; give one each' --plot p.gp --output-units m,m
-    refused '--plot-both excludes --plot-column' --plot p.gp --plot-column stderr --plot-both
+    refused '--plot-column excludes --plot-both' --plot p.gp --plot-column stderr --plot-both
     for option in '--title Map' '--plot-size 300x300' '--plot-column lo' '--points dots' --contours --plot-both; do
         # One option and its value: shellcheck disable=SC2086
         refused "${option%% *} requires --plot" $option
