@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/pictures/Axis.h"
-#include "host/pictures/ColourScale.h"
+#include "host/pictures/ColourKey.h"
 
 namespace krige
 {
@@ -37,7 +37,7 @@ struct Panel
     bool isSquare = false;
     bool hasKeyAbove = false; // of lines and marks; without it the commands may place one inside
     bool hasGrid = false;
-    std::optional<ColourScale> colours;
+    std::optional<ColourKey> colours;
     std::string commands;           // ended by a line end each
     std::string plots;              // what follows the word plot
     std::vector<PointLabel> labels; // those that would cover an earlier one are left out

@@ -119,7 +119,7 @@ std::string PanelLayout::axisCommands(const Rectangle& plot, double pictureWidth
 
 std::string PanelLayout::colourCommands(const Rectangle& plot, double pictureWidth, double pictureHeight) const
 {
-    const ColourScale& scale = *panel.colours;
+    const ColourKey& scale = *panel.colours;
     const double boxLeft = plot.left + plot.width + boxGap;
     const auto place = [&](double px, double py)
     {

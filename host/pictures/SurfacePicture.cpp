@@ -142,7 +142,7 @@ private:
         panel.y = {{}, y.name, y.unit};
         const bool isUncertainty =
             columns[q].quantity == Quantity::StandardError || columns[q].quantity == Quantity::Variance;
-        panel.colours = ColourScale{};
+        panel.colours = ColourKey{};
         panel.colours->palette = isUncertainty ? uncertaintyPalette() : estimatePalette();
         panel.colours->name = shown.name;
         panel.colours->unit = shown.unit;

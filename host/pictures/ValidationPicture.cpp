@@ -166,7 +166,7 @@ private:
         panel.hasOneScale = haveOneScale(panel.x.range, panel.y.range);
         panel.hasKeyAbove = true;
         panel.commands.clear();
-        panel.colours = ColourScale{};
+        panel.colours = ColourKey{};
         panel.colours->palette = errorPalette();
         panel.colours->name = "error of " + output.name;
         panel.colours->unit = output.unit;

@@ -39,7 +39,7 @@ TEST(PanelLayoutTest, AxesOfOneScaleTakeNoMoreRoomThanTheyNeed)
 TEST(PanelLayoutTest, TextHasRoomInTheCell)
 {
     Panel panel = panelOf({0, 1}, {1e6, 5e6});
-    panel.colours = krige::ColourScale{krige::estimatePalette(), {100000, 900000}, false, false, "z", ""};
+    panel.colours = krige::ColourKey{krige::estimatePalette(), {100000, 900000}, false, false, "z", ""};
     const PanelLayout layout(panel, 760, 600);
 
     EXPECT_NEAR(layout.getNeededWidth(), 760.0, 1e-9);
@@ -77,7 +77,7 @@ TEST(PanelLayoutTest, TurnedLabelsAreSaidToGnuplot)
 TEST(PanelLayoutTest, ValuesBeyondTheColoursHaveATriangle)
 {
     Panel panel = panelOf({0, 1}, {0, 1});
-    panel.colours = krige::ColourScale{krige::estimatePalette(), {0, 1}, true, false, "z", ""};
+    panel.colours = krige::ColourKey{krige::estimatePalette(), {0, 1}, true, false, "z", ""};
     EXPECT_THAT(commandsOf(panel), HasSubstr("set object 2 polygon"));
     EXPECT_THAT(commandsOf(panel), Not(HasSubstr("set object 1 polygon")));
     panel.colours->isPassedAbove = true;

@@ -1,10 +1,10 @@
-#include "host/pictures/ColourScale.h"
+#include "host/pictures/ColourKey.h"
 
 #include <cmath>
 
 #include <gtest/gtest.h>
 
-using krige::ColourScale;
+using krige::ColourKey;
 using krige::Palette;
 
 namespace
@@ -32,7 +32,7 @@ double lightnessOf(const std::string& colour)
 
 TEST(ChooseLimitsTest, EvenlySpreadValuesKeepTheirEnds)
 {
-    ColourScale scale;
+    ColourKey scale;
     krige::chooseLimits(scale, upTo(1000), upTo(1000));
 
     EXPECT_EQ(scale.limits.low, 0.0);
@@ -45,7 +45,7 @@ TEST(ChooseLimitsTest, AFewExtremeValuesDoNotStretchTheColours)
 {
     std::vector<double> values = upTo(1000);
     values.push_back(1e6);
-    ColourScale scale;
+    ColourKey scale;
     krige::chooseLimits(scale, values, values);
 
     EXPECT_NEAR(scale.limits.high, 996.0, 1.0);
@@ -56,7 +56,7 @@ TEST(ChooseLimitsTest, AFewExtremeValuesDoNotStretchTheColours)
 
 TEST(ChooseLimitsTest, WhatIsDrawnBeyondTypicalValuesIsNoted)
 {
-    ColourScale scale;
+    ColourKey scale;
     krige::chooseLimits(scale, {1, 2, 3}, {0, 1, 2, 3, std::nan("")});
 
     EXPECT_EQ(scale.limits.text(), "[1:3]");
@@ -66,9 +66,9 @@ TEST(ChooseLimitsTest, WhatIsDrawnBeyondTypicalValuesIsNoted)
 
 TEST(ChooseLimitsTest, LimitsAreNeverEmpty)
 {
-    ColourScale alike;
+    ColourKey alike;
     krige::chooseLimits(alike, {20, 20}, {20, 20});
-    ColourScale none;
+    ColourKey none;
     krige::chooseLimits(none, {std::nan("")}, {});
 
     EXPECT_EQ(alike.limits.text(), "[19:21]");
@@ -77,7 +77,7 @@ TEST(ChooseLimitsTest, LimitsAreNeverEmpty)
 
 TEST(ChooseSymmetricLimitsTest, ZeroIsInTheMiddle)
 {
-    ColourScale scale;
+    ColourKey scale;
     krige::chooseSymmetricLimits(scale, {-3, 1, std::nan("")});
 
     EXPECT_EQ(scale.limits.text(), "[-3:3]");
@@ -85,7 +85,7 @@ TEST(ChooseSymmetricLimitsTest, ZeroIsInTheMiddle)
 
 TEST(ChooseSymmetricLimitsTest, ErrorsThatAreAllZeroHaveLimits)
 {
-    ColourScale scale;
+    ColourKey scale;
     krige::chooseSymmetricLimits(scale, {0, 0});
 
     EXPECT_LT(scale.limits.low, 0.0);

@@ -1,4 +1,4 @@
-#include "host/pictures/ColourScale.h"
+#include "host/pictures/ColourKey.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,14 +29,14 @@ double quantileOf(const std::vector<double>& sorted, double share)
     return sorted[below] * (1.0 - part) + next * part;
 }
 
-void notePassed(ColourScale& scale, const std::vector<double>& shown)
+void notePassed(ColourKey& key, const std::vector<double>& shown)
 {
     for (const double value : shown)
     {
         if (!std::isfinite(value))
             continue;
-        scale.isPassedBelow = scale.isPassedBelow || value < scale.limits.low;
-        scale.isPassedAbove = scale.isPassedAbove || value > scale.limits.high;
+        key.isPassedBelow = key.isPassedBelow || value < key.limits.low;
+        key.isPassedAbove = key.isPassedAbove || value > key.limits.high;
     }
 }
 
@@ -62,11 +62,11 @@ const Palette& errorPalette()
     return blueToRed;
 }
 
-void chooseLimits(ColourScale& scale, std::vector<double> typical, const std::vector<double>& shown)
+void chooseLimits(ColourKey& key, std::vector<double> typical, const std::vector<double>& shown)
 {
     dropOthers(typical);
     std::sort(typical.begin(), typical.end());
-    scale.limits = rangeAround(typical, 0.0);
+    key.limits = rangeAround(typical, 0.0);
     if (!typical.empty() && typical.front() < typical.back())
     {
         const double low = quantileOf(typical, lowQuantile);
@@ -75,22 +75,22 @@ void chooseLimits(ColourScale& scale, std::vector<double> typical, const std::ve
         const AxisRange narrower{typical.front() < low - tolerated ? low : typical.front(),
                                  typical.back() > high + tolerated ? high : typical.back()};
         if (narrower.low < narrower.high)
-            scale.limits = rangeAround({narrower.low, narrower.high}, 0.0);
+            key.limits = rangeAround({narrower.low, narrower.high}, 0.0);
     }
-    notePassed(scale, shown);
+    notePassed(key, shown);
 }
 
-void chooseSymmetricLimits(ColourScale& scale, const std::vector<double>& errors)
+void chooseSymmetricLimits(ColourKey& key, const std::vector<double>& errors)
 {
     std::vector<double> sizes;
     for (const double error : errors)
         sizes.push_back(std::fabs(error));
     sizes.push_back(0.0);
-    ColourScale ofSizes;
+    ColourKey ofSizes;
     chooseLimits(ofSizes, sizes, {});
     const double largest = ofSizes.limits.high > 0.0 ? ofSizes.limits.high : 1.0;
-    scale.limits = {-largest, largest};
-    notePassed(scale, errors);
+    key.limits = {-largest, largest};
+    notePassed(key, errors);
 }
 
 std::string paletteCommand(const Palette& palette)

@@ -1,5 +1,5 @@
-#ifndef FENN_HOST_PICTURES_COLOURSCALE_H
-#define FENN_HOST_PICTURES_COLOURSCALE_H
+#ifndef FENN_HOST_PICTURES_COLOURKEY_H
+#define FENN_HOST_PICTURES_COLOURKEY_H
 
 #include <string>
 #include <vector>
@@ -23,7 +23,7 @@ const Palette& uncertaintyPalette();
 const Palette& errorPalette();
 
 /// What colours stand for.
-struct ColourScale
+struct ColourKey
 {
     Palette palette;
     AxisRange limits;
@@ -36,10 +36,10 @@ struct ColourScale
 /// Limits that a few extreme values do not stretch: the quantiles of 0.5 and 99.5 % of typical, or its ends where these
 /// lie within a tenth of the span beyond. shown: everything that is drawn; what of it lies beyond is noted. Values that
 /// are not finite count for nothing.
-void chooseLimits(ColourScale& scale, std::vector<double> typical, const std::vector<double>& shown);
+void chooseLimits(ColourKey& key, std::vector<double> typical, const std::vector<double>& shown);
 
 /// As far below 0 as above, so that 0 is the middle of a diverging palette.
-void chooseSymmetricLimits(ColourScale& scale, const std::vector<double>& errors);
+void chooseSymmetricLimits(ColourKey& key, const std::vector<double>& errors);
 
 /// `set palette ...`.
 std::string paletteCommand(const Palette& palette);
