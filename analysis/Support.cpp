@@ -54,8 +54,11 @@ bool Support::isInsideBox(const double* target) const
 
 bool Support::isSupported(const double* target) const
 {
-    if (isInsideBox(target))
-        return true;
+    return isInsideBox(target) || isWithinRange(target);
+}
+
+bool Support::isWithinRange(const double* target) const
+{
     // No point is nearer than the box: most targets far out need no search.
     if (!(calcSquaredDistanceToBox(target) < rangeSquared))
         return false;

@@ -36,6 +36,9 @@ public:
     /// target: one raw coordinate per input variable. The faces belong to the box; false for NaN.
     bool isInsideBox(const double* target) const;
 
+    /// At a distance below the range from some point. False for coordinates that are not finite.
+    bool isWithinRange(const double* target) const;
+
     /// Inside the box, or at a distance below the range from some point. False for coordinates that are not finite.
     bool isSupported(const double* target) const;
 

@@ -13,7 +13,6 @@
 #include "host/model/DataForm.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
-#include "host/pictures/Gnuplot.h"
 #include "host/pictures/SurfacePicture.h"
 #include "host/reports/DuplicatesReport.h"
 #include "host/reports/Report.h"
@@ -34,18 +33,6 @@ bool isVtk(const std::string& path)
 }
 
 using Columns = std::vector<std::vector<double>>;
-
-/// What the picture shows: the grid's box, else the samples'.
-std::vector<PictureAxis> boxOf(const GridSpec& grid, const SampleTable& samples)
-{
-    std::vector<PictureAxis> box = boxOfSamples(samples);
-    for (const GridAxis& axis : grid.axes)
-    {
-        const auto input = std::find(samples.inputNames.begin(), samples.inputNames.end(), axis.name);
-        box[static_cast<std::size_t>(input - samples.inputNames.begin())] = {axis.low, axis.high};
-    }
-    return box;
-}
 
 } // namespace
 
@@ -122,13 +109,12 @@ PredictCommand::PredictCommand(CLI::App& command)
                     ".vtk; packed by gzip when it ends in .gz; - is standard output. Needed. Example: -o grid.csv")
         ->type_name("FILE")
         ->required();
-    command
-        .add_option("--plot", plotPath,
-                    "Picture of the estimates, .png or .svg, or its gnuplot script, .gp. Beyond the dashed line, the "
-                    "convex hull of the samples, estimates are extrapolated: colours span those within. Default: none. "
-                    "Example: "
-                    "--plot surface.png")
-        ->type_name("FILE");
+    addPictureOptions(command, plot,
+                      "Picture of the estimates: a map, maps of slices or, along one input, a line with its interval. "
+                      "Hatched where samples do not surround a place (beyond the dashed line, their convex hull), grey "
+                      "where none is within the range; colours span what samples surround, but for its extreme values, "
+                      "which a triangle stands for.");
+    addSurfaceOptions(command, plot);
     command.footer(
         "Examples:\n  krige predict samples.csv --inputs x,y --outputs z --grid 200x100 -o grid.csv\n"
         "  krige predict samples.csv.gz --inputs x,y --outputs z --variance --at targets.csv --keep id -o -");
@@ -159,6 +145,8 @@ void PredictCommand::checkUsage() const
         throw UsageError("--output: needs the name of a file");
     if (limits.isWithinHull && options.inputNames.size() != 2)
         throw UsageError("--hull: a convex hull is that of two inputs; use --max-distance");
+    if (plot.withContours && options.inputNames.size() == 1)
+        throw UsageError("--contours: lines of equal values need a map, of two inputs or more");
     if (isGrid() && !keptNames.empty())
         throw UsageError("--keep: a grid has no columns to keep; it goes with --at");
     std::set<std::string> seen;
@@ -228,6 +216,20 @@ std::unique_ptr<PredictionWriter> PredictCommand::makeWriter(OutputFile& output,
     return std::make_unique<CsvPredictions>(output, shard.isFirst() ? columnNames() : std::vector<std::string>());
 }
 
+std::unique_ptr<SurfacePicture> PredictCommand::makePicture(const SampleTable& samples, const GridSpec& grid) const
+{
+    const SurfaceUnits units{options.units, pictureCoverage(), options.settings.units.areLogarithms};
+    return std::make_unique<SurfacePicture>(samples, plot, units, predictionColumns(), isGrid() ? &grid : nullptr,
+                                            isGrid() ? shard.numBefore(grid.numNodes) : 0);
+}
+
+/// Of the intervals that the picture shows, in percent.
+double PredictCommand::pictureCoverage() const
+{
+    constexpr double usual = 95.0;
+    return request.coverage > 0.0 ? request.coverage : usual;
+}
+
 void PredictCommand::run(std::ostream& /*out*/, Console& console) const
 {
     Report report(console.getReport());
@@ -235,8 +237,7 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     GridSpec grid;
     if (isGrid())
         grid = parseGridSpec(gridText, options.inputNames);
-    if (!plotPath.empty())
-        checkPicturePath(plotPath);
+    checkPictureOptions(plot, options.outputNames.size());
     if (isVtk(outputPath)) // x is the first input there, whichever axis was named first
         grid = inOrderOfInputs(grid, options.inputNames);
 
@@ -262,8 +263,11 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     }
 
     const std::vector<PredictionColumn> columns = predictionColumns();
+    const std::unique_ptr<SurfacePicture> picture = plot.path.empty() ? nullptr : makePicture(samples, grid);
+    const bool needsSills =
+        needVariances(columns) || options.settings.units.areLogarithms || limits.maxStandardError.has_value();
     std::vector<double> sills;
-    if (needVariances(columns) || options.settings.units.areLogarithms || limits.maxStandardError)
+    if (needsSills || (picture && needVariances(picture->getColumns())))
     {
         const std::unique_ptr<ProgressLine> line = console.startProgress("points for the sill");
         const std::vector<OutputSill> used = model.calcSills(options.settings.sills, reportTo(*line));
@@ -271,7 +275,8 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
         for (const OutputSill& sill : used)
             sills.push_back(sill.value);
     }
-    Predictor predictor(model, columns, sills, request.coverage, options.settings.units);
+    Predictor predictor(model, columns, needsSills ? sills : std::vector<double>(), request.coverage,
+                        options.settings.units);
     TargetSupport support(samples, model, options.settings, limits);
     support.addMasks(predictor, true);
     std::uint64_t numTargets = 0;
@@ -285,6 +290,8 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
         predictor.predict(targets, values);
         support.count(targets);
         writer->write(targets, values, *targetSource);
+        if (picture)
+            picture->collect(targets, values);
         numTargets += targets.front().size();
         line->update(numTargets, shard.size(grid.numNodes)); // of a file unknown: 0
     }
@@ -293,12 +300,16 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     report.variancesRejected(predictor.getNumWithoutVariance(), numTargets);
     report.supported(support);
     report.finished(numTargets, predictor.getNumWithoutEstimate(), predictor.getLibrarySeconds());
-    if (!plotPath.empty())
+    if (picture)
     {
-        Predictor surface(model, choosePredictionColumns(options.outputNames, {}), sills, 0.0, options.settings.units);
-        support.addMasks(surface, false);
-        drawSurface(plotPath, samples, boxOf(grid, samples), options.units,
-                    [&surface](const Columns& at, Columns& estimates) { surface.predict(at, estimates); });
+        Predictor ofPicture(model, picture->getColumns(), sills, pictureCoverage(), options.settings.units);
+        support.addMasks(ofPicture, false);
+        report.pictureThinned(picture->describeThinning());
+        picture->draw({[&](const Columns& at, Columns& shown) { ofPicture.predict(at, shown); },
+                       [&](const Columns& at)
+                       {
+                           return support.findWithinRange(at);
+                       }});
     }
     output.commit();
 }

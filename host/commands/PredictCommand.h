@@ -7,6 +7,7 @@
 
 #include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
+#include "host/pictures/PictureOptions.h"
 #include "host/targets/GridSpec.h"
 #include "host/targets/PredictionColumns.h"
 #include "host/targets/PredictionWriter.h"
@@ -18,6 +19,7 @@ namespace krige
 {
 
 class Console;
+class SurfacePicture;
 
 /// `krige predict`: estimates at the targets of a file or a grid, written as CSV: the inputs in the order of --inputs,
 /// one column per output, on request the variance and one standard error per output, then kept columns. Grids also as
@@ -37,6 +39,8 @@ private:
     std::unique_ptr<TargetSource> openTargets(const GridSpec& grid) const;
     bool canReadTargetsTwice() const;
     void checkAreSupported(TargetSupport& support, const GridSpec& grid) const;
+    std::unique_ptr<SurfacePicture> makePicture(const SampleTable& samples, const GridSpec& grid) const;
+    double pictureCoverage() const;
     std::unique_ptr<PredictionWriter> makeWriter(OutputFile& output, const GridSpec& grid) const;
 
     bool isGrid() const
@@ -54,7 +58,7 @@ private:
     Shard shard;
     std::string duplicatesPath; // empty: no report
     std::string outputPath;
-    std::string plotPath; // empty: none
+    SurfaceOptions plot;
 };
 
 } // namespace krige

@@ -16,7 +16,6 @@
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
 #include "host/model/SuspiciousValues.h"
-#include "host/pictures/Gnuplot.h"
 #include "host/pictures/ValidationPicture.h"
 #include "host/reports/FoldValidation.h"
 #include "host/reports/Report.h"
@@ -102,12 +101,9 @@ ValidateCommand::ValidateCommand(CLI::App& command)
                     "CSV file to write: every point with its estimates, errors and standard errors. Default: none. "
                     "Example: -o points.csv; with -o - the tables go to standard error")
         ->type_name("FILE");
-    command
-        .add_option("--plot", plotPath,
-                    "Picture of estimated against measured values, of errors against standard errors, and of what "
-                    "intervals hold against what they are to hold; .png or .svg, or its gnuplot script, .gp. Default: "
-                    "none. Example: --plot fit.png")
-        ->type_name("FILE");
+    addPictureOptions(command, plot,
+                      "Picture of estimated against measured values, of errors against standard errors, of what "
+                      "intervals hold against what they are to hold, and of the errors at their places:");
     command.footer(
         "Prints per output: RMSE, MAE, bias (mean of estimate minus measured value), R2, MSSE (mean squared "
         "error over its variance, sill and nugget included; 1 when the standard errors are right), the worst "
@@ -218,8 +214,7 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
     checkModelOptions(options);
-    if (!plotPath.empty())
-        checkPicturePath(plotPath);
+    checkPictureOptions(plot, options.outputNames.size());
     const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
     report.formUsed(options.settings);
@@ -243,8 +238,8 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
     report.variancesRejected(numWithoutVariance, result.lines.size());
     if (!pointsPath.empty())
         writePoints(result, figures);
-    if (!plotPath.empty())
-        drawValidation(plotPath, result, figures);
+    if (!plot.path.empty())
+        drawValidation(plot, options.units, result, figures);
     std::ostream& tables = isStandardStream(pointsPath) ? console.getReport() : out;
     printErrors(tables, result, figures);
     printWorstPoints(tables, result, figures);

@@ -10,6 +10,7 @@
 #include "host/commands/Command.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleTable.h"
+#include "host/pictures/PictureOptions.h"
 #include "host/reports/ValidationResult.h"
 #include "host/text/Console.h"
 
@@ -47,7 +48,7 @@ private:
     std::uint64_t seed = 1;
     std::size_t numWorst = 5;
     std::string pointsPath; // empty: none
-    std::string plotPath;   // likewise
+    PictureOptions plot;
 };
 
 } // namespace krige

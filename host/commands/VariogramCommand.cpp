@@ -13,7 +13,6 @@
 #include "host/model/DataForm.h"
 #include "host/model/SettingsFile.h"
 #include "host/model/VariogramModel.h"
-#include "host/pictures/Gnuplot.h"
 #include "host/pictures/VariogramPicture.h"
 #include "host/reports/Report.h"
 #include "host/reports/VariogramReport.h"
@@ -140,11 +139,7 @@ void VariogramCommand::addFileOptions(CLI::App& command)
                     "--config, otherwise the table. Default: the table goes to standard output; with --fit -o - it "
                     "goes to standard error. Examples: -o variogram.csv, --fit -o best.toml")
         ->type_name("FILE");
-    command
-        .add_option("--plot", plotPath,
-                    "Picture of the semivariogram and the model, .png or .svg, or its gnuplot script, .gp. Default: "
-                    "none. Example: --plot variogram.png")
-        ->type_name("FILE");
+    addPictureOptions(command, plot, "Picture of the semivariogram and the model:");
 }
 
 void VariogramCommand::checkUsage() const
@@ -159,8 +154,7 @@ void VariogramCommand::checkUsage() const
                          "one of them out");
     if (isFitted && isEveryLag())
         throw UsageError("--fit: needs bins; leave out --lags all");
-    if (!plotPath.empty())
-        checkPicturePath(plotPath);
+    checkPictureOptions(plot, options.outputNames.size());
 }
 
 fenn::analysis::BinningOptions VariogramCommand::chooseBins(const fenn::ModelParts& parts,
@@ -242,14 +236,18 @@ void VariogramCommand::show(const SampleTable& samples, Report& report, std::ost
     writeTable(out, reportLines, csvOfBins(table.bins, unit));
     if (isFitted && !outputPath.empty())
         writeWhole(outputPath, settingsFileText(settings));
-    if (plotPath.empty())
+    if (plot.path.empty())
         return;
     const VariogramCurve curve = curveOfModel(*parts, bins.maxLag, *bins.sill);
-    const std::string name = nameWithDirection(samples.outputNames[0], bins);
+    const QuantityName output = nameQuantity(samples.outputNames[0], plot.unitOf(0));
+    const bool areLogarithms = settings.units.areLogarithms;
+    const QuantityName semivariance{"semivariance of " +
+                                        nameWithDirection((areLogarithms ? "ln " : "") + output.name, bins),
+                                    areLogarithms ? std::string() : squareOf(output.unit)};
     if (isEveryLag())
-        drawVariogram(plotPath, name, unit, table.bins, fenn::analysis::binSemivariogram(*parts, bins).bins, curve);
+        drawVariogram(plot, semivariance, unit, table.bins, fenn::analysis::binSemivariogram(*parts, bins).bins, curve);
     else
-        drawVariogram(plotPath, name, unit, {}, table.bins, curve);
+        drawVariogram(plot, semivariance, unit, {}, table.bins, curve);
 }
 
 } // namespace krige

@@ -12,6 +12,7 @@
 #include "host/model/LagUnit.h"
 #include "host/model/ModelOptions.h"
 #include "host/model/SampleTable.h"
+#include "host/pictures/PictureOptions.h"
 #include "host/text/Console.h"
 
 namespace fenn
@@ -57,7 +58,7 @@ private:
     double tolerance = 22.5;
     bool isFitted = false;
     std::string outputPath; // of the table or, with a fit, of the settings; empty: standard output or none
-    std::string plotPath;   // empty: none
+    PictureOptions plot;
 };
 
 } // namespace krige

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <memory>
 #include <system_error>
 
@@ -13,7 +11,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "host/files/OutputFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -21,9 +18,6 @@ extern char** environ; // NOLINT(readability-redundant-declaration): not every s
 
 namespace krige
 {
-
-const char* const viridisPalette = "set palette defined (0 '#440154', 1 '#472d7b', 2 '#3b528b', 3 '#2c728e', "
-                                   "4 '#21918c', 5 '#28ae80', 6 '#5ec962', 7 '#addc30', 8 '#fde725')\n";
 
 namespace
 {
@@ -77,7 +71,34 @@ std::string readAll(std::FILE* file)
     return text;
 }
 
-/// What gnuplot writes to its standard output for a script.
+/// Length of the UTF-8 character at the front of text, 0 where there is none.
+std::size_t characterLength(std::string_view text)
+{
+    const auto byteAt = [&](std::size_t i)
+    {
+        return static_cast<unsigned char>(text[i]);
+    };
+    const unsigned char first = byteAt(0);
+    if (first < 0x80)
+        return 1;
+    const std::size_t length = first >= 0xf5 ? 0 : first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : first >= 0xc2 ? 2 : 0;
+    if (length == 0 || text.size() < length)
+        return 0;
+    for (std::size_t i = 1; i < length; ++i)
+    {
+        if ((byteAt(i) & 0xc0) != 0x80)
+            return 0;
+    }
+    const unsigned char second = byteAt(1);
+    const bool isOverlong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
+    const bool isNoCharacter = (first == 0xed && second >= 0xa0) || (first == 0xf4 && second >= 0x90) ||
+                               (first == 0xc2 && second < 0xa0) || // a control character
+                               (first == 0xef && second == 0xbf && byteAt(2) >= 0xbe);
+    return isOverlong || isNoCharacter ? 0 : length;
+}
+
+} // namespace
+
 std::string runGnuplot(const std::string& path, const std::string& script)
 {
     const File input = openNameless();
@@ -119,116 +140,18 @@ std::string runGnuplot(const std::string& path, const std::string& script)
     return picture;
 }
 
-/// Length of the UTF-8 character at the front of text, 0 where there is none.
-std::size_t characterLength(std::string_view text)
-{
-    const auto byteAt = [&](std::size_t i)
-    {
-        return static_cast<unsigned char>(text[i]);
-    };
-    const unsigned char first = byteAt(0);
-    if (first < 0x80)
-        return 1;
-    const std::size_t length = first >= 0xf5 ? 0 : first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : first >= 0xc2 ? 2 : 0;
-    if (length == 0 || text.size() < length)
-        return 0;
-    for (std::size_t i = 1; i < length; ++i)
-    {
-        if ((byteAt(i) & 0xc0) != 0x80)
-            return 0;
-    }
-    const unsigned char second = byteAt(1);
-    const bool isOverlong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
-    const bool isNoCharacter = (first == 0xed && second >= 0xa0) || (first == 0xf4 && second >= 0x90) ||
-                               (first == 0xc2 && second < 0xa0) || // a control character
-                               (first == 0xef && second == 0xbf && byteAt(2) >= 0xbe);
-    return isOverlong || isNoCharacter ? 0 : length;
-}
-
-} // namespace
-
-Picture::Picture(std::size_t panelsPerRow_, int panelWidth_, int panelHeight_)
-    : panelsPerRow(panelsPerRow_), panelWidth(panelWidth_), panelHeight(panelHeight_)
-{
-}
-
-std::string Picture::addData(const std::vector<std::vector<double>>& columns)
-{
-    const std::string name = "$data" + std::to_string(++numDataBlocks);
-    dataBlocks += name + " << END_OF_DATA\n";
-    for (std::size_t i = 0; i < columns.front().size(); ++i)
-    {
-        for (const std::vector<double>& column : columns)
-        {
-            appendNumber(dataBlocks, column[i]);
-            dataBlocks += ' ';
-        }
-        dataBlocks.back() = '\n';
-    }
-    dataBlocks += "END_OF_DATA\n";
-    return name;
-}
-
-void Picture::addPanel(std::string commands)
-{
-    panels.push_back(std::move(commands));
-}
-
-std::size_t Picture::countColumns() const
-{
-    if (panelsPerRow > 0)
-        return std::min(panelsPerRow, panels.size());
-    return static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(panels.size()))));
-}
-
-std::size_t Picture::countRows() const
-{
-    return (panels.size() + countColumns() - 1) / countColumns();
-}
-
-std::string Picture::buildScript(const std::string& terminalLines) const
-{
-    std::string script = "# Made by krige. Draw it with: gnuplot FILE\n" + dataBlocks + "set encoding utf8\n" +
-                         terminalLines + "set datafile missing 'nan'\n";
-    if (panels.size() > 1)
-        script += "set multiplot layout " + std::to_string(countRows()) + "," + std::to_string(countColumns()) + "\n";
-    for (const std::string& panel : panels)
-        script += "reset\nset tics out nomirror\n" + panel;
-    if (panels.size() > 1)
-        script += "unset multiplot\n";
-    return script + "unset output\n";
-}
-
-void Picture::save(const std::string& path) const
-{
-    const std::string size = " size " + std::to_string(static_cast<int>(countColumns()) * panelWidth) + "," +
-                             std::to_string(static_cast<int>(countRows()) * panelHeight);
-    const std::string png = "set terminal pngcairo noenhanced font 'sans,13'" + size + "\n";
-    const std::string svg = "set terminal svg noenhanced standalone font 'sans,13' background '#ffffff'" + size + "\n";
-
-    std::string content;
-    if (endsWith(path, ".gp"))
-        content = buildScript(png + "set output " + quoteForGnuplot(path.substr(0, path.size() - 3) + ".png") + "\n");
-    else
-        content = runGnuplot(path, buildScript(endsWith(path, ".svg") ? svg : png));
-    OutputFile file(path);
-    file.write(content);
-    file.commit();
-}
-
 void checkPicturePath(const std::string& path)
 {
     const bool isScript = endsWith(path, ".gp");
-    if (!isScript && !endsWith(path, ".png") && !endsWith(path, ".svg"))
+    if (!isScript && !endsWith(path, ".png") && !endsWith(path, ".svg") && !endsWith(path, ".pdf"))
         throw UsageError("--plot: " + quoteForMessage(path) +
-                         " must end in .png or .svg for a picture, or in .gp for its gnuplot script");
+                         " must end in .png, .svg or .pdf for a picture, or in .gp for its gnuplot script");
     if (!isScript && !isOnPath("gnuplot"))
         throwMissingGnuplot(path);
 }
 
-std::string quoteForGnuplot(std::string_view text)
+std::string quoteForGnuplot(std::string_view text, std::size_t mostCharacters)
 {
-    constexpr std::size_t mostCharacters = 100;
     std::string quoted = "'";
     std::size_t numCharacters = 0;
     while (!text.empty())
@@ -246,26 +169,6 @@ std::string quoteForGnuplot(std::string_view text)
         text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return quoted + "'";
-}
-
-std::string plotRange(const std::vector<double>& values, double margin)
-{
-    double low = std::numeric_limits<double>::infinity();
-    double high = -low;
-    for (const double value : values)
-    {
-        if (!std::isfinite(value))
-            continue;
-        low = std::min(low, value);
-        high = std::max(high, value);
-    }
-    if (low > high)
-        return "[0:1]";
-    const double extent = high / 2 - low / 2; // half of it: the whole may overflow
-    // Below a few thousand spacings of doubles gnuplot cannot place tics.
-    const double least = 1e-9 * std::max(std::fabs(low), std::fabs(high));
-    const double added = extent > least ? 2 * margin * extent : std::max(0.05 * std::fabs(low), 1e-6);
-    return "[" + formatNumber(low - added) + ":" + formatNumber(high + added) + "]";
 }
 
 } // namespace krige

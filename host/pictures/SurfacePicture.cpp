@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <numeric>
+#include <utility>
 
 #include "analysis/ConvexHull.h"
-#include "host/pictures/Gnuplot.h"
+#include "host/pictures/LinePanel.h"
+#include "host/pictures/QuantityName.h"
+#include "host/pictures/SurfaceColumns.h"
 #include "host/reports/RangeText.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
@@ -19,8 +20,8 @@ namespace
 
 using Columns = std::vector<std::vector<double>>;
 
-constexpr std::size_t numNodesOfLine = 500;
-constexpr std::size_t numNodesPerSide = 121; // finer than the eye asks for, and 15000 estimates are soon made
+constexpr std::uint64_t numNodesOfLine = 500;
+constexpr std::uint64_t numNodesAcross = 161; // of a map that no grid was asked for
 constexpr std::size_t mostPanels = 16;
 constexpr std::size_t mostSamplesDrawn = 5000;
 constexpr double sliceHalfThickness = 0.1; // of the box
@@ -33,176 +34,222 @@ double meanOf(const std::vector<double>& values)
     return mean;
 }
 
-double nodeOf(const PictureAxis& axis, std::size_t i, std::size_t count)
+std::vector<double> meansOf(const Columns& inputs)
 {
-    const double share = static_cast<double>(i) / static_cast<double>(count - 1);
-    return axis.low * (1.0 - share) + axis.high * share;
+    std::vector<double> means;
+    for (const std::vector<double>& input : inputs)
+        means.push_back(meanOf(input));
+    return means;
 }
 
-std::string rangeOf(const PictureAxis& axis)
+AxisRange spanOf(const std::vector<double>& values)
 {
-    return plotRange({axis.low, axis.high}, 0.0);
+    const auto [low, high] = std::minmax_element(values.begin(), values.end());
+    return {*low, *high};
 }
 
-/// Axes of one unit, as far as their lengths tell, are drawn to one scale.
-std::string aspectLine(const PictureAxis& x, const PictureAxis& y)
+std::vector<double> pick(const std::vector<double>& values, const std::vector<std::size_t>& indices)
 {
-    const double ratio = (y.high - y.low) / (x.high - x.low);
-    return ratio > 1.0 / 3.0 && ratio < 3.0 ? "set size ratio -1\n" : "set size ratio 0.8\n";
+    std::vector<double> picked;
+    for (const std::size_t i : indices)
+        picked.push_back(values[i]);
+    return picked;
 }
 
-/// The inputs that a panel varies; the same one twice on a line.
-struct Slice
+std::size_t findColumn(const std::vector<PredictionColumn>& columns, const PredictionColumn& wanted)
 {
-    std::size_t x = 0;
-    std::size_t y = 1;
-};
+    const auto found = std::find_if(columns.begin(), columns.end(),
+                                    [&](const PredictionColumn& column)
+                                    { return column.quantity == wanted.quantity && column.output == wanted.output; });
+    return static_cast<std::size_t>(found - columns.begin());
+}
+
+/// Nodes over the box of samples and targets.
+GridSpec makeGrid(const SampleTable& samples, const Columns& targets)
+{
+    std::size_t numVarying = 0;
+    GridSpec grid;
+    for (std::size_t v = 0; v < samples.inputs.size(); ++v)
+    {
+        AxisRange span = spanOf(samples.inputs[v]);
+        for (std::size_t t = 0; !targets.empty() && t < targets[v].size(); ++t)
+        {
+            if (std::isfinite(targets[v][t]))
+                span = {std::min(span.low, targets[v][t]), std::max(span.high, targets[v][t])};
+        }
+        numVarying += span.low < span.high ? 1 : 0;
+        grid.axes.push_back({samples.inputNames[v], span.low, span.high, 1});
+    }
+    for (GridAxis& axis : grid.axes)
+    {
+        if (axis.low < axis.high)
+            axis.count = numVarying == 1 ? numNodesOfLine : numNodesAcross;
+    }
+    return grid;
+}
 
 class SurfaceDrawing
 {
 public:
-    SurfaceDrawing(const SampleTable& samples_, const std::vector<PictureAxis>& box_, const std::string& units_,
-                   const Estimator& estimate_)
-        : samples(samples_), box(box_), units(units_), estimate(estimate_), sampleBox(boxOfSamples(samples_))
+    SurfaceDrawing(const SampleTable& samples_, const SurfaceOptions& options_, const SurfaceUnits& units_,
+                   const std::vector<PredictionColumn>& columns_, const Columns& targets_, const SurfaceModel& model_)
+        : samples(samples_), options(options_), units(units_), columns(columns_), targets(targets_), model(model_)
     {
-        for (std::size_t v = 0; v < box.size(); ++v)
-        {
-            fixedValues.push_back(std::clamp(meanOf(samples.inputs[v]), box[v].low, box[v].high));
-            if (box[v].low < box[v].high)
-                varying.push_back(v);
-        }
-        if (varying.empty())
-            varying.push_back(0);
+        for (const std::vector<double>& input : samples.inputs)
+            sampleBox.push_back(spanOf(input));
+        if (!targets.empty() && !targets.front().empty())
+            model.predict(targets, targetValues);
     }
 
-    void addAll(Picture& picture) const
+    void addPanel(Picture& picture, const PanelNodes& nodes, const Columns& values) const
     {
-        if (varying.size() == 1)
-            addLines(picture, varying[0]);
-        for (std::size_t i = 0; i < varying.size(); ++i)
+        const Columns places = nodes.calcTargets();
+        const std::vector<Reach> reaches = findReaches(nodes, places);
+        for (std::size_t q = 0; q < columns.size() && picture.getNumPanels() < mostPanels; ++q)
         {
-            for (std::size_t j = i + 1; j < varying.size() && picture.getNumPanels() < mostPanels; ++j)
-                addSlice(picture, {varying[i], varying[j]});
+            if (nodes.isLine())
+            {
+                addLineOf(picture, nodes, values, q, reaches);
+                if (hasBand(q))
+                    q += 2; // its ends
+            }
+            else
+                addMapOf(picture, nodes, values, q, reaches);
         }
     }
 
 private:
-    void addLines(Picture& picture, std::size_t x) const
+    /// The estimate of a line is followed by the ends of its interval.
+    bool hasBand(std::size_t q) const
     {
-        Columns targets = fixedTargets(numNodesOfLine);
-        for (std::size_t i = 0; i < numNodesOfLine; ++i)
-            targets[x][i] = nodeOf(box[x], i, numNodesOfLine);
-        Columns results;
-        estimate(targets, results);
-        const std::vector<std::size_t> drawn = samplesNear({x, x});
-        for (std::size_t w = 0; w < samples.outputs.size() && w < mostPanels; ++w)
-        {
-            const std::string line = picture.addData({targets[x], results[w]});
-            std::vector<double> heights = results[w];
-            std::string commands = "set grid lc rgb '#dddddd'\nset key outside top center horizontal\nset xlabel " +
-                                   axisLabel(x) + "\n" + titleLine({x, x}, w) + "set ylabel " +
-                                   quoteForGnuplot(samples.outputNames[w]) + "\nset xrange " + rangeOf(box[x]) + "\n";
-            std::string dots;
-            if (!drawn.empty())
-            {
-                const Columns points{pick(samples.inputs[x], drawn), pick(samples.outputs[w], drawn)};
-                heights.insert(heights.end(), points[1].begin(), points[1].end());
-                dots = ", " + picture.addData(points) + " using 1:2 with points pt 7 ps " + pointSize(drawn.size()) +
-                       " lc rgb '#000000' title 'samples'";
-            }
-            commands += "set yrange " + plotRange(heights, 0.05) + "\nplot " + line +
-                        " using 1:2 with lines lw 2.5 lc rgb '#21918c' title 'estimate'" + dots + "\n";
-            picture.addPanel(commands);
-        }
+        return columns[q].quantity == Quantity::Estimate && q + 2 < columns.size() &&
+               columns[q + 1].quantity == Quantity::LowerEnd;
     }
 
-    void addSlice(Picture& picture, const Slice& slice) const
+    Panel startPanel(const PanelNodes& nodes, std::size_t q) const
     {
-        Columns targets = fixedTargets(numNodesPerSide * numNodesPerSide);
-        for (std::size_t j = 0; j < numNodesPerSide; ++j)
+        Panel panel;
+        panel.title = describePlace(nodes);
+        const QuantityName x = nameQuantity(samples.inputNames[nodes.x], units.ofInputs);
+        panel.x = {{}, x.name, x.unit};
+        const QuantityName shown = nameOf(q);
+        if (nodes.isLine())
         {
-            for (std::size_t i = 0; i < numNodesPerSide; ++i)
-            {
-                targets[slice.x][j * numNodesPerSide + i] = nodeOf(box[slice.x], i, numNodesPerSide);
-                targets[slice.y][j * numNodesPerSide + i] = nodeOf(box[slice.y], j, numNodesPerSide);
-            }
+            panel.y = {{}, shown.name, shown.unit};
+            return panel;
         }
-        Columns results;
-        estimate(targets, results);
-
-        const bool isSlice = box.size() > 2; // where samples surround a place in more inputs is not asked
-        const fenn::analysis::ConvexHull hull(samples.inputs[slice.x], samples.inputs[slice.y]);
-        std::vector<std::size_t> surrounded; // nodes with samples around them
-        for (std::size_t i = 0; i < targets[slice.x].size(); ++i)
-        {
-            if (isSlice || hull.contains(targets[slice.x][i], targets[slice.y][i]))
-                surrounded.push_back(i);
-        }
-        const std::vector<std::size_t> drawn = samplesNear(slice);
-        std::string dots;
-        if (surrounded.size() < targets[slice.x].size())
-            dots = ", " + picture.addData(hull.calcOutline()) +
-                   " using 1:2 with lines dt (8, 6) lw 1.5 lc rgb '#ffffff' notitle";
-        if (!drawn.empty())
-        {
-            const std::string data =
-                picture.addData({pick(samples.inputs[slice.x], drawn), pick(samples.inputs[slice.y], drawn)});
-            const std::string size = pointSize(drawn.size());
-            // A dark dot within a light ring stands out from every colour of the map.
-            dots += ", " + data + " using 1:2 with points pt 7 ps " + size + " lc rgb '#ffffff' notitle, " + data +
-                    " using 1:2 with points pt 7 ps 0.6*" + size + " lc rgb '#000000' notitle";
-        }
-        for (std::size_t w = 0; w < samples.outputs.size() && picture.getNumPanels() < mostPanels; ++w)
-        {
-            // What is extrapolated does not take the colours: a trend soon leaves the range of the samples.
-            std::vector<double> coloured = pick(results[w], surrounded);
-            if (std::none_of(coloured.begin(), coloured.end(), [](double value) { return std::isfinite(value); }))
-                coloured = results[w];
-            const std::string surface = picture.addData({targets[slice.x], targets[slice.y], results[w]});
-            picture.addPanel(viridisPalette + aspectLine(box[slice.x], box[slice.y]) + "unset key\n" +
-                             titleLine(slice, w) + "set xlabel " + axisLabel(slice.x) + "\nset ylabel " +
-                             axisLabel(slice.y) + "\nset cblabel " + quoteForGnuplot(samples.outputNames[w]) +
-                             "\nset xrange " + rangeOf(box[slice.x]) + "\nset yrange " + rangeOf(box[slice.y]) +
-                             "\nset cbrange " + plotRange(coloured, 0.0) + "\nplot " + surface +
-                             " using 1:2:3 with image notitle" + dots + "\n");
-        }
+        const QuantityName y = nameQuantity(samples.inputNames[nodes.y], units.ofInputs);
+        panel.y = {{}, y.name, y.unit};
+        const bool isUncertainty =
+            columns[q].quantity == Quantity::StandardError || columns[q].quantity == Quantity::Variance;
+        panel.colours = ColourKey{};
+        panel.colours->palette = isUncertainty ? uncertaintyPalette() : estimatePalette();
+        panel.colours->name = shown.name;
+        panel.colours->unit = shown.unit;
+        return panel;
     }
 
-    Columns fixedTargets(std::size_t count) const
+    void addMapOf(Picture& picture, const PanelNodes& nodes, const Columns& values, std::size_t q,
+                  const std::vector<Reach>& reaches) const
     {
-        Columns targets;
-        for (const double value : fixedValues)
-            targets.emplace_back(count, value);
-        return targets;
+        MapContent content{nodes, values[q], reaches, {}, {}, {}};
+        const std::vector<std::size_t> drawn = findNear(nodes, samples.inputs);
+        content.samples = {pick(samples.inputs[nodes.x], drawn), pick(samples.inputs[nodes.y], drawn),
+                           pick(samples.outputs[columns[q].output], drawn)};
+        const bool isAnyBeyond =
+            std::any_of(reaches.begin(), reaches.end(), [](Reach reach) { return reach != Reach::Surrounded; });
+        if (samples.inputs.size() == 2 && isAnyBeyond)
+        {
+            const Columns outline =
+                fenn::analysis::ConvexHull(samples.inputs[nodes.x], samples.inputs[nodes.y]).calcOutline();
+            content.outline = {outline[0], outline[1], {}};
+        }
+        if (!targetValues.empty())
+        {
+            const std::vector<std::size_t> asked = findNear(nodes, targets);
+            content.targets = {pick(targets[nodes.x], asked), pick(targets[nodes.y], asked),
+                               pick(targetValues[q], asked)};
+        }
+        addMap(picture, startPanel(nodes, q), content, options);
     }
 
-    static std::vector<double> pick(const std::vector<double>& values, const std::vector<std::size_t>& indices)
+    void addLineOf(Picture& picture, const PanelNodes& nodes, const Columns& values, std::size_t q,
+                   const std::vector<Reach>& reaches) const
     {
-        std::vector<double> picked;
-        for (const std::size_t i : indices)
-            picked.push_back(values[i]);
-        return picked;
+        LineContent content{nodes.xNodes, values[q], {}, {}, {}, reaches, {}, {}};
+        if (hasBand(q))
+        {
+            content.lowerEnds = values[q + 1];
+            content.upperEnds = values[q + 2];
+            content.bandName = formatNumber(units.coverage) + " % interval";
+        }
+        if (columns[q].quantity != Quantity::StandardError && columns[q].quantity != Quantity::Variance)
+        {
+            const std::vector<std::size_t> drawn = findNear(nodes, samples.inputs);
+            content.samples = {
+                pick(samples.inputs[nodes.x], drawn), pick(samples.outputs[columns[q].output], drawn), {}};
+        }
+        if (!targetValues.empty())
+        {
+            const std::vector<std::size_t> asked = findNear(nodes, targets);
+            content.targets = {pick(targets[nodes.x], asked), pick(targetValues[q], asked), {}};
+        }
+        addLine(picture, startPanel(nodes, q), content, options.points);
     }
 
-    static std::string pointSize(std::size_t numPoints)
+    QuantityName nameOf(std::size_t q) const
     {
-        return formatNumber(numPoints > 1000 ? 0.4 : numPoints > 200 ? 0.7 : 1.0);
+        const std::size_t output = columns[q].output;
+        return nameColumn(columns[q], nameQuantity(samples.outputNames[output], options.unitOf(output)), units.coverage,
+                          units.areLogarithms);
     }
 
-    /// Samples that belong into a panel, evenly thinned where they are very many.
-    std::vector<std::size_t> samplesNear(const Slice& slice) const
+    /// What samples say of each node: see SurfacePicture.
+    std::vector<Reach> findReaches(const PanelNodes& nodes, const Columns& places) const
+    {
+        const bool hasHull = samples.inputs.size() == 2 && !nodes.isLine();
+        const fenn::analysis::ConvexHull hull(samples.inputs[nodes.x], samples.inputs[nodes.y]);
+        Columns beyond(places.size());
+        std::vector<std::size_t> nodesBeyond;
+        for (std::size_t i = 0; i < nodes.count(); ++i)
+        {
+            bool isSurrounded = true;
+            for (std::size_t v = 0; v < places.size(); ++v)
+                isSurrounded = isSurrounded && places[v][i] >= sampleBox[v].low && places[v][i] <= sampleBox[v].high;
+            if (isSurrounded && (!hasHull || hull.contains(places[nodes.x][i], places[nodes.y][i])))
+                continue;
+            nodesBeyond.push_back(i);
+            for (std::size_t v = 0; v < places.size(); ++v)
+                beyond[v].push_back(places[v][i]);
+        }
+        std::vector<Reach> reaches(nodes.count(), Reach::Surrounded);
+        if (nodesBeyond.empty())
+            return reaches;
+        const std::vector<bool> areWithinRange = model.findWithinRange(beyond);
+        const Reach within = hasHull || nodes.isLine() ? Reach::Extrapolated : Reach::Surrounded;
+        for (std::size_t i = 0; i < nodesBeyond.size(); ++i)
+            reaches[nodesBeyond[i]] = areWithinRange[i] ? within : Reach::OutOfReach;
+        return reaches;
+    }
+
+    /// Samples or targets that belong into a panel, evenly thinned where they are very many.
+    std::vector<std::size_t> findNear(const PanelNodes& nodes, const Columns& places) const
     {
         std::vector<std::size_t> inside;
-        for (std::size_t i = 0; i < samples.inputs[0].size(); ++i)
+        for (std::size_t i = 0; i < places.front().size(); ++i)
         {
             bool isInside = true;
-            for (std::size_t v = 0; v < box.size() && isInside; ++v)
+            for (std::size_t v = 0; v < places.size() && isInside; ++v)
             {
-                const double value = samples.inputs[v][i];
-                if (v == slice.x || v == slice.y)
-                    isInside = value >= box[v].low && value <= box[v].high;
+                const double value = places[v][i];
+                const bool isAcross = v == nodes.x;
+                if (isAcross || v == nodes.y)
+                {
+                    const std::vector<double>& along = isAcross ? nodes.xNodes : nodes.yNodes;
+                    isInside = value >= along.front() && value <= along.back();
+                }
                 else
-                    isInside = std::fabs(value - fixedValues[v]) <=
+                    isInside = std::fabs(value - nodes.fixedValues[v]) <=
                                sliceHalfThickness * (sampleBox[v].high - sampleBox[v].low);
             }
             if (isInside)
@@ -215,52 +262,89 @@ private:
         return drawn;
     }
 
-    /// Where the panel lies, if that is a question.
-    std::string titleLine(const Slice& slice, std::size_t output) const
+    /// "depth = 316 m": where the panel lies, if that is a question.
+    std::string describePlace(const PanelNodes& nodes) const
     {
         std::string text;
-        for (std::size_t v = 0; v < box.size(); ++v)
+        for (std::size_t v = 0; v < samples.inputs.size(); ++v)
         {
-            if (v != slice.x && v != slice.y)
-                text += ", " + samples.inputNames[v] + " = " + formatFigure(fixedValues[v]) + behindDistance(units);
+            if (v == nodes.x || v == nodes.y)
+                continue;
+            const QuantityName input = nameQuantity(samples.inputNames[v], units.ofInputs);
+            text += (text.empty() ? "" : ", ") + input.name + " = " + formatFigure(nodes.fixedValues[v]) +
+                    behindDistance(input.unit);
         }
-        return text.empty() ? "" : "set title " + quoteForGnuplot(samples.outputNames[output] + text) + "\n";
-    }
-
-    std::string axisLabel(std::size_t input) const
-    {
-        return quoteForGnuplot(samples.inputNames[input] + (units.empty() ? "" : " (" + units + ")"));
+        return text;
     }
 
     const SampleTable& samples;
-    const std::vector<PictureAxis>& box;
-    const std::string& units;
-    const Estimator& estimate;
-    std::vector<PictureAxis> sampleBox;
-    std::vector<double> fixedValues;  // of the inputs that a panel does not vary
-    std::vector<std::size_t> varying; // inputs with more than one value in the box
+    const SurfaceOptions& options;
+    const SurfaceUnits& units;
+    const std::vector<PredictionColumn>& columns;
+    const Columns& targets;
+    const SurfaceModel& model;
+    std::vector<AxisRange> sampleBox;
+    Columns targetValues; // empty: no targets to draw
 };
 
 } // namespace
 
-std::vector<PictureAxis> boxOfSamples(const SampleTable& samples)
+SurfacePicture::SurfacePicture(const SampleTable& samples_, const SurfaceOptions& options_, SurfaceUnits units_,
+                               const std::vector<PredictionColumn>& tableColumns, const GridSpec* grid_,
+                               std::uint64_t firstNode)
+    : samples(samples_), options(options_), units(std::move(units_))
 {
-    std::vector<PictureAxis> box;
-    for (const std::vector<double>& input : samples.inputs)
+    const auto varies = [](const GridAxis& axis)
     {
-        const auto [low, high] = std::minmax_element(input.begin(), input.end());
-        box.push_back({*low, *high});
-    }
-    return box;
+        return axis.count > 1 && axis.low < axis.high;
+    };
+    const GridSpec own = grid_ == nullptr ? makeGrid(samples, {}) : GridSpec();
+    const GridSpec& shown = grid_ == nullptr ? own : *grid_;
+    const bool isLine = std::count_if(shown.axes.begin(), shown.axes.end(), varies) <= 1;
+    columns = chooseSurfaceColumns(samples.outputNames, options, isLine);
+    for (const PredictionColumn& column : columns)
+        columnsOfTable.push_back(findColumn(tableColumns, column));
+    isInTable = std::all_of(columnsOfTable.begin(), columnsOfTable.end(),
+                            [&](std::size_t column) { return column < tableColumns.size(); });
+    if (grid_ != nullptr)
+        grid.emplace(*grid_, samples.inputNames, meansOf(samples.inputs), mostPanels, firstNode);
 }
 
-void drawSurface(const std::string& path, const SampleTable& samples, const std::vector<PictureAxis>& box,
-                 const std::string& units, const Estimator& estimate)
+void SurfacePicture::collect(const Columns& blockTargets, const Columns& values)
 {
-    Picture picture;
-    const SurfaceDrawing drawing(samples, box, units, estimate);
-    drawing.addAll(picture);
-    picture.save(path);
+    if (!grid)
+        targets.collect(blockTargets);
+    else if (isInTable)
+        grid->collect(values, columnsOfTable);
+}
+
+std::string SurfacePicture::describeThinning() const
+{
+    return grid ? grid->describeThinning() : std::string();
+}
+
+void SurfacePicture::draw(const SurfaceModel& model) const
+{
+    // Two of a kind beside each other, where estimates have their standard errors with them.
+    const bool isPaired = options.withStandardErrors;
+    Picture picture(isPaired ? 2 : 0, options.title, options.size);
+    const Columns& asked = targets.getTargets();
+    const SurfaceDrawing drawing(samples, options, units, columns, asked, model);
+    const GridNodes nodes =
+        grid ? *grid : GridNodes(makeGrid(samples, asked), samples.inputNames, meansOf(samples.inputs), mostPanels, 0);
+    for (std::size_t p = 0; p < nodes.getPanels().size(); ++p)
+    {
+        PanelNodes panel = nodes.getPanels()[p];
+        if (!grid) // slices lie at the means themselves, not at the nodes next to them
+            panel.fixedValues = meansOf(samples.inputs);
+        Columns values;
+        if (grid && isInTable)
+            values = nodes.getValues(p);
+        else
+            model.predict(panel.calcTargets(), values);
+        drawing.addPanel(picture, panel, values);
+    }
+    picture.save(options.path);
 }
 
 } // namespace krige

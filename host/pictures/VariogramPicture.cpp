@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "estimation/RangeInUnits.h"
-#include "host/pictures/Gnuplot.h"
+#include "host/pictures/Picture.h"
 #include "host/text/NumberText.h"
 #include "surrogatemodel_kriging/ModelParts.h"
 #include "surrogatemodel_kriging/Normalizer.h"
@@ -44,21 +44,10 @@ std::string countLabels(Picture& picture, const std::vector<fenn::analysis::LagB
         }
         if (!labelled.empty())
             commands += ", " + picture.addData(columnsOf(labelled, unit)) + " using 1:2:3 with labels " +
-                        (isAbove ? "offset 0,0.9" : "left offset 0.7,-0.5") + " font ',9' tc rgb '#777777' notitle";
+                        (isAbove ? "offset 0,0.9" : "left offset 0.7,-0.5") +
+                        " font smallFont tc rgb '#777777' notitle";
     }
     return commands;
-}
-
-/// A round step of at least a seventh of an axis: 1, 2 or 5 times a power of ten.
-double stepOfTics(double length)
-{
-    const double power = std::pow(10.0, std::floor(std::log10(length / 7.0)));
-    for (const double factor : {1.0, 2.0, 5.0})
-    {
-        if (factor * power >= length / 7.0)
-            return factor * power;
-    }
-    return 10.0 * power;
 }
 
 } // namespace
@@ -80,11 +69,11 @@ VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag, double
     return curve;
 }
 
-void drawVariogram(const std::string& path, const std::string& outputName, const LagUnit& unit,
+void drawVariogram(const PictureOptions& options, const QuantityName& semivariance, const LagUnit& unit,
                    const std::vector<fenn::analysis::LagBin>& singleLags,
                    const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve)
 {
-    Picture picture;
+    Picture picture(0, options.title, options.size);
     const std::vector<std::vector<double>> binned = columnsOf(bins, unit);
     std::vector<double> heights = curve.values;
     heights.insert(heights.end(), binned[1].begin(), binned[1].end());
@@ -96,37 +85,32 @@ void drawVariogram(const std::string& path, const std::string& outputName, const
         std::vector<double> sorted = points[1];
         std::sort(sorted.begin(), sorted.end());
         heights.push_back(sorted[sorted.size() * 19 / 20]);
-        dots =
-            picture.addData(points) + " using 1:2 with points pt 7 ps 0.2 lc rgb '#999999' title 'pairs at one lag', ";
+        dots = picture.addData(points) + " using 1:2 with points pt 7 " + pointSize(0.2) +
+               " lc rgb '#999999' title 'pairs at one lag', ";
     }
     const double highest = *std::max_element(heights.begin(), heights.end());
     std::vector<double> lags = curve.lags;
     for (double& lag : lags)
         lag *= unit.perNormalised;
     const std::string line = picture.addData({lags, curve.values});
-    const auto upTo = [](double end)
-    {
-        return "[0:" + formatNumber(end) + "]\n";
-    };
-    std::string commands = "set key outside top center horizontal reverse Left samplen 2\n";
-    commands += "set xlabel " + quoteForGnuplot("lag (" + unit.name + ")") + "\n";
-    commands += "set ylabel " + quoteForGnuplot("semivariance of " + outputName) + "\n";
-    commands += "set xrange " + upTo(lags.back()) + "set xtics " + formatNumber(stepOfTics(lags.back())) + "\n";
-    commands += "set yrange " + upTo(highest > 0.0 ? 1.15 * highest : 1.0);
+    Panel panel;
+    panel.hasKeyAbove = true;
+    panel.hasGrid = true;
+    panel.x = {{0.0, lags.back()}, "lag", unit.name};
+    panel.y = {{0.0, highest > 0.0 ? 1.15 * highest : 1.0}, semivariance.name, semivariance.unit};
     const double range = curve.range * unit.perNormalised;
-    const std::string dashed = " nohead dt 2 lc rgb '#aaaaaa' back\n";
+    const std::string dashed = " nohead dt 2 lc rgb '#888888' back\n";
     if (range < lags.back())
-        commands += "set arrow from " + formatNumber(range) + ",0 to " + formatNumber(range) + "," +
-                    formatNumber(curve.sill) + dashed;
-    commands += "set arrow from 0," + formatNumber(curve.sill) + " to " + formatNumber(lags.back()) + "," +
-                formatNumber(curve.sill) + dashed;
-    commands += "plot " + dots + line + " using 1:2 with lines lw 2.5 lc rgb '#440154' title 'model'";
+        panel.commands += "set arrow from " + formatNumber(range) + ",0 to " + formatNumber(range) + "," +
+                          formatNumber(curve.sill) + dashed;
+    panel.commands += "set arrow from 0," + formatNumber(curve.sill) + " to " + formatNumber(lags.back()) + "," +
+                      formatNumber(curve.sill) + dashed;
+    panel.plots = dots + line + " using 1:2 with lines lw 2.5 lc rgb '#440154' title 'model'";
     if (!bins.empty())
-        commands += ", " + picture.addData(binned) +
-                    " using 1:2 with points pt 7 ps 1.4 lc rgb '#21918c' title 'bins and numbers of pairs'" +
-                    countLabels(picture, bins, unit);
-    picture.addPanel(commands + "\n");
-    picture.save(path);
+        panel.plots += ", " + picture.addData(binned) + " using 1:2 with points pt 7 " + pointSize(1.4) +
+                       " lc rgb '#21918c' title 'bins and numbers of pairs'" + countLabels(picture, bins, unit);
+    picture.addPanel(panel);
+    picture.save(options.path);
 }
 
 } // namespace krige

@@ -6,6 +6,8 @@
 
 #include "analysis/BinnedSemivariogram.h"
 #include "host/model/LagUnit.h"
+#include "host/pictures/PictureOptions.h"
+#include "host/pictures/QuantityName.h"
 
 namespace fenn
 {
@@ -29,7 +31,7 @@ VariogramCurve curveOfModel(const fenn::ModelParts& parts, double maxLag, double
 
 /// Draws the bins, each with its number of pairs, and the curve, the lags in this unit; singleLags, which may be empty,
 /// are small dots behind them. Throws as Picture::save.
-void drawVariogram(const std::string& path, const std::string& outputName, const LagUnit& unit,
+void drawVariogram(const PictureOptions& options, const QuantityName& semivariance, const LagUnit& unit,
                    const std::vector<fenn::analysis::LagBin>& singleLags,
                    const std::vector<fenn::analysis::LagBin>& bins, const VariogramCurve& curve);
 

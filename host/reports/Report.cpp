@@ -163,6 +163,12 @@ void Report::answered(const fenn::estimation::EngineReport& engine)
     stream << "engine: " << engine.sentence << '\n';
 }
 
+void Report::pictureThinned(const std::string& text)
+{
+    if (!text.empty())
+        stream << "picture: " << text << '\n';
+}
+
 void Report::finished(std::uint64_t numTargets, std::uint64_t numWithoutEstimate, double librarySeconds)
 {
     const double estimatingSeconds = takeSeconds();

@@ -53,6 +53,9 @@ public:
     /// Targets outside the samples, and what limits took of the predictions; a warning where all are unsupported.
     void supported(const TargetSupport& support);
 
+    /// What a picture shows of a grid with more nodes than it resolves; nothing for an empty text.
+    void pictureThinned(const std::string& text);
+
     /// Which engine answered, and how far its estimates can be from the exact ones.
     void answered(const fenn::estimation::EngineReport& engine);
 

@@ -124,6 +124,17 @@ void TargetSupport::addMasks(Predictor& predictor, bool isCounted)
              });
 }
 
+std::vector<bool> TargetSupport::findWithinRange(const Columns& targets) const
+{
+    Columns formed = targets;
+    bringIntoModelForm(formed, settings);
+    std::vector<bool> areWithin;
+    std::vector<double> place;
+    for (std::size_t t = 0; t < formed.front().size(); ++t)
+        areWithin.push_back(takePlace(formed, t, place) && support.isWithinRange(place.data()));
+    return areWithin;
+}
+
 bool TargetSupport::isTooFar(const std::vector<double>& place) const
 {
     Columns formed;

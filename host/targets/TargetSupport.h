@@ -47,6 +47,9 @@ public:
     /// Adds the limits to a predictor, which must not outlive this. isCounted: whether its targets count as taken.
     void addMasks(Predictor& predictor, bool isCounted);
 
+    /// Which targets lie within the range of some sample: one column per input, as they stand in the file.
+    std::vector<bool> findWithinRange(const std::vector<std::vector<double>>& targets) const;
+
     bool areAllUnsupported() const
     {
         return counts.numUnsupported > 0 && counts.numUnsupported == numWithPlace;

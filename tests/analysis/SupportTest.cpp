@@ -80,6 +80,24 @@ TEST(SupportTest, OutsideTheBoxTheRangeOfTheNearestSampleDecides)
     EXPECT_FALSE(isSupported(1e300, 1e300));
 }
 
+TEST(SupportTest, WithinTheRangeIsNearSomeSampleWhereverTheBoxIs)
+{
+    const SampleSet samples = square();
+    const auto parts = makeModelParts(samples, rangeOfOne);
+    const Support support(*parts);
+    const auto isWithinRange = [&](double x, double y)
+    {
+        const double target[] = {x, y};
+        return support.isWithinRange(target);
+    };
+
+    EXPECT_FALSE(isWithinRange(0.0, 0.0)); // in the middle of the box
+    EXPECT_TRUE(isWithinRange(0.9, 0.9));
+    EXPECT_TRUE(isWithinRange(1.9, 1.0));
+    EXPECT_FALSE(isWithinRange(2.1, 1.0));
+    EXPECT_FALSE(isWithinRange(notANumber, 0.0));
+}
+
 TEST(SupportTest, DistancesAreNormalised)
 {
     // A side of 100 and one of 1: both 2 when normalised.

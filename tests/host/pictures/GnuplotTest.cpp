@@ -1,6 +1,5 @@
 #include "host/pictures/Gnuplot.h"
 
-#include <limits>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -10,7 +9,6 @@
 namespace
 {
 
-using krige::plotRange;
 using krige::quoteForGnuplot;
 
 TEST(QuoteForGnuplotTest, AQuoteIsDoubledAndNothingElseIsSpecial)
@@ -48,22 +46,16 @@ TEST(QuoteForGnuplotTest, ALongTextIsShortenedBetweenCharacters)
     EXPECT_EQ(quoteForGnuplot(text), "'" + text.substr(0, 200) + "...'");
 }
 
-TEST(PlotRangeTest, LeavesAMarginOnBothSides)
+TEST(QuoteForGnuplotTest, HowLongATextMayBeIsChosen)
 {
-    EXPECT_EQ(plotRange({1.0, 3.0, 2.0}, 0.5), "[0:4]");
-}
-
-TEST(PlotRangeTest, IsNeverEmpty)
-{
-    EXPECT_EQ(plotRange({}, 0.1), "[0:1]");
-    EXPECT_EQ(plotRange({std::numeric_limits<double>::quiet_NaN()}, 0.1), "[0:1]");
-    EXPECT_EQ(plotRange({20.0, 20.0}, 0.0), "[19:21]");
+    EXPECT_EQ(quoteForGnuplot("abcd", 4), "'abcd'");
+    EXPECT_EQ(quoteForGnuplot("abcde", 4), "'abcd...'");
 }
 
 TEST(CheckPicturePathTest, OnlyPicturesAndScriptsAreTaken)
 {
     EXPECT_NO_THROW(krige::checkPicturePath("a.gp"));
-    EXPECT_THROW(krige::checkPicturePath("a.pdf"), krige::UsageError);
+    EXPECT_THROW(krige::checkPicturePath("a.jpg"), krige::UsageError);
     EXPECT_THROW(krige::checkPicturePath(".gp"), krige::UsageError);
     EXPECT_THROW(krige::checkPicturePath("agp"), krige::UsageError);
 }

@@ -8,15 +8,18 @@ using krige::ValidationFigures;
 using krige::ValidationResult;
 using krige::test::TemporaryFolder;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace
 {
 
 /// Two outputs at two points.
-std::string scriptOfTwoOutputs()
+std::string scriptOfTwoOutputs(const std::vector<std::vector<double>>& inputs = {{5, 6}, {7, 8}})
 {
     ValidationResult result;
-    result.outputNames = {"z", "it's"};
+    result.inputNames = {"x", "y"};
+    result.inputs = inputs;
+    result.outputNames = {"z [mm]", "it's"};
     result.truths = {{1, 2}, {10, 20}};
     result.estimates = {{1, 3}, {10, 20}};
     std::vector<ValidationFigures> figures(2);
@@ -32,7 +35,9 @@ std::string scriptOfTwoOutputs()
         ofOutput.standardErrors = {0.5, 2.0};
     }
     const TemporaryFolder folder;
-    krige::drawValidation(folder.pathOf("fit.gp"), result, figures);
+    krige::PictureOptions options;
+    options.path = folder.pathOf("fit.gp");
+    krige::drawValidation(options, "m", result, figures);
     return folder.read("fit.gp");
 }
 
@@ -42,32 +47,56 @@ TEST(ValidationPictureTest, EachOutputHasEstimatesOverMeasuredValues)
 {
     const std::string script = scriptOfTwoOutputs();
 
-    EXPECT_THAT(script, HasSubstr("set xlabel 'measured z'\nset ylabel 'estimated z'\n"));
-    EXPECT_THAT(script, HasSubstr("set xlabel 'measured it''s'\n"));
+    EXPECT_THAT(script, HasSubstr("'measured z (mm)'"));
+    EXPECT_THAT(script, HasSubstr("'estimated z (mm)'"));
+    EXPECT_THAT(script, HasSubstr("'measured it''s'"));
     EXPECT_THAT(script, HasSubstr("\n1 1\n2 3\n"));
     EXPECT_THAT(script, HasSubstr("\n10 10\n20 20\n"));
 }
 
-TEST(ValidationPictureTest, EachOutputHasARowOfThreePanels)
+TEST(ValidationPictureTest, EachOutputHasARowOfFourPanels)
 {
     const std::string script = scriptOfTwoOutputs();
+    std::size_t numPanels = 0;
+    for (std::size_t i = script.find("\nplot "); i != std::string::npos; i = script.find("\nplot ", i + 1))
+        ++numPanels;
 
-    EXPECT_THAT(script, HasSubstr(" size 1680,1120\n"));
-    EXPECT_THAT(script, HasSubstr("set multiplot layout 2,3\n"));
+    EXPECT_EQ(numPanels, 8u);
+}
+
+TEST(ValidationPictureTest, ErrorsStandAtTheirPlacesAndPointTheWayOfTheirSign)
+{
+    // Of z, the second point is estimated 1 too high; of the other output both are met.
+    const std::string script = scriptOfTwoOutputs();
+
+    EXPECT_THAT(script, HasSubstr("\n5 7 0\n6 8 1\n"));
+    EXPECT_THAT(script, HasSubstr("set cbrange [-1:1]\n"));
+    EXPECT_THAT(script, HasSubstr("'error of z (mm)'"));
+    EXPECT_THAT(script, HasSubstr("'x (m)'"));
+    EXPECT_THAT(script, HasSubstr("title 'too high'"));
+    EXPECT_THAT(script, HasSubstr("title 'too low'"));
+}
+
+TEST(ValidationPictureTest, WithOneInputErrorsStandOverIt)
+{
+    const std::string script = scriptOfTwoOutputs({{5, 6}});
+
+    EXPECT_THAT(script, HasSubstr("\n5 0\n6 1\n"));
+    EXPECT_THAT(script, Not(HasSubstr("palette")));
 }
 
 TEST(ValidationPictureTest, TheTitlesSayHowWellTheyAgree)
 {
     const std::string script = scriptOfTwoOutputs();
 
-    EXPECT_THAT(script, HasSubstr("set title 'RMSE 0.5, R2 0.75, 2 points'"));
-    EXPECT_THAT(script, HasSubstr("set title 'MSSE 1.2, CRPS 0.25'"));
-    EXPECT_THAT(script, HasSubstr("set title '95 % intervals hold 87.5 %'"));
+    EXPECT_THAT(script, HasSubstr("'RMSE 0.5, R\xc2\xb2 0.75, 2 points'"));
+    EXPECT_THAT(script, HasSubstr("'MSSE 1.2, CRPS 0.25'"));
+    EXPECT_THAT(script, HasSubstr("'95 % intervals hold 87.5 %'"));
 }
 
 TEST(ValidationPictureTest, BothAxesShowTheSameRange)
 {
-    EXPECT_THAT(scriptOfTwoOutputs(), HasSubstr("set xrange [0.9:3.1]\nset yrange [0.9:3.1]\n"));
+    EXPECT_THAT(scriptOfTwoOutputs(), AllOf(HasSubstr("set xrange [0.9:3.1]\n"), HasSubstr("set yrange [0.9:3.1]\n")));
 }
 
 TEST(ValidationPictureTest, ErrorsStandOverStandardErrors)
@@ -75,7 +104,7 @@ TEST(ValidationPictureTest, ErrorsStandOverStandardErrors)
     const std::string script = scriptOfTwoOutputs();
 
     EXPECT_THAT(script, HasSubstr("\n0.5 0\n2 1\n"));
-    EXPECT_THAT(script, HasSubstr("set xrange [0:2.1]\nset yrange [-4.32"));
+    EXPECT_THAT(script, AllOf(HasSubstr("set xrange [0:2.1]\n"), HasSubstr("set yrange [-4.32")));
     EXPECT_THAT(script, HasSubstr("'+' using 1:(-1.95996"));
     EXPECT_THAT(script, HasSubstr("'+' using 1:(-0.67448"));
 }

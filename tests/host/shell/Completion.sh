@@ -72,6 +72,10 @@ test_ColumnsOfTheSamplesAreOffered()
 
 test_ValuesAreOffered()
 {
+    completed predict samples.csv --plot-column ''
+    for word in estimate stderr variance lo hi; do offers "$word"; done
+    completed predict samples.csv --points ''
+    for word in none dots values; do offers "$word"; done
     completed tune samples.csv --objective ''
     offers likelihood
     offers rmse

@@ -35,6 +35,24 @@ test_AnSvgHoldsTheNamesOfTheColumns()
     done
 }
 
+test_APdfIsAPageOfTheSizeThatIsAskedFor()
+{
+    require_gnuplot
+    volcano --plot surface.pdf --plot-size 960x480
+    expect_status 0
+    [ "$(head -c 5 surface.pdf)" = '%PDF-' ] || fail 'no PDF'
+    grep -aq '720 360' surface.pdf || fail 'not 10 by 5 inches'
+}
+
+test_APngHasTheSizeThatIsAskedFor()
+{
+    require_gnuplot
+    volcano --plot surface.png --plot-size 300x250 --title 'A title'
+    expect_status 0
+    # Bytes 16 to 24 are width and height.
+    [ "$(tail -c +17 surface.png | head -c 8 | od -An -tx1 | tr -d ' ')" = 0000012c000000fa ] || fail 'another size'
+}
+
 test_TheScriptDrawsByItself()
 {
     require_gnuplot
@@ -53,7 +71,7 @@ test_ThreeInputsGiveSlices()
     [ "$(grep -c 'with image' slices.gp)" -eq 3 ] || fail 'not three slices'
     # The mean of the samples' depths.
     mean=$(awk -F, 'NR > 1 { s += $3; ++n } END { printf "%.6g", s / n }' "$examples/quakes/samples.csv")
-    grep -qF "set title 'mag, depth = $mean'" slices.gp || { grep title slices.gp; fail 'not at the mean'; }
+    grep -qF "'depth = $mean'" slices.gp || { grep 'set label' slices.gp; fail 'not at the mean'; }
 }
 
 test_AGridOfOneLayerIsDrawnThere()
@@ -95,8 +113,9 @@ test_NamesReachNoInterpreter()
     name="$(printf "a'b\`touch pwned\`@z%%s_{1}\\\\n<&>\$(touch pwned);!touch pwned\nset output 'pwned'\a\377")"
     field=$(printf '%s' "$name" | sed 's/"/""/g')
     { printf '"%s","|touch pwned"\n' "$field"; printf '0,1\n1,3\n3,2\n5,4\n4,1\n'; } >samples.csv
-    for ending in png svg gp; do
-        krige predict samples.csv --inputs "\"$field\"" --outputs '|touch pwned' --at samples.csv -o out.csv --plot "p.$ending"
+    for ending in png svg pdf gp; do
+        krige predict samples.csv --inputs "\"$field\"" --outputs '|touch pwned' --at samples.csv -o out.csv \
+            --output-units "\"$field\"" --title "$(printf '%s' "$name" | tr -d '\n\a')" --plot "p.$ending"
         expect_status 0
         krige validate samples.csv --inputs '|touch pwned' --outputs "\"$field\"" --nugget 0.1 --plot "v.$ending"
         expect_status 0
@@ -104,7 +123,7 @@ test_NamesReachNoInterpreter()
         expect_status 0
     done
     gnuplot p.gp && gnuplot v.gp && gnuplot s.gp || fail 'a script does not run'
-    expect_files out.csv p.gp p.png p.svg s.gp s.png s.svg samples.csv v.gp v.png v.svg
+    expect_files out.csv p.gp p.pdf p.png p.svg s.gp s.pdf s.png s.svg samples.csv v.gp v.pdf v.png v.svg
 }
 
 test_PicturesOfConstantsAndHugeNumbersAreDrawn()
@@ -120,11 +139,102 @@ test_PicturesOfConstantsAndHugeNumbersAreDrawn()
     expect_status 0
 }
 
+# Ticks and margins as they stand in a script.
+test_TicksOfMetresDoNotTouchEachOther()
+{
+    awk 'BEGIN { print "x,y,z"; for (i = 0; i < 40; ++i)
+        printf "%d,%d,%d\n", 178600 + (i * 997) % 2800, 329700 + (i * 1409) % 3900, i % 9 }' >metres.csv
+    krige predict metres.csv --inputs x,y --outputs z --scale 1,1 --grid 20x20 -o out.csv --plot narrow.gp
+    expect_status 0
+    # The room of a label: 70 pixels of the picture's width.
+    width=$(sed -n 's/^set terminal.* size \([0-9]*\),.*/\1/p' narrow.gp)
+    from=$(sed -n 's/^set lmargin at screen //p' narrow.gp)
+    to=$(sed -n 's/^set rmargin at screen //p' narrow.gp)
+    range=$(sed -n 's/^set xrange \[\(.*\):\(.*\)\]/\1 \2/p' narrow.gp)
+    sed -n 's/^set xtics out nomirror (\(.*\)) scale tick$/\1/p' narrow.gp | tr ',' '\n' | sed "s/.*' //" >ticks
+    [ "$(wc -l <ticks)" -ge 2 ] || fail 'no ticks'
+    awk -v width="$width" -v from="$from" -v to="$to" -v range="$range" '
+        BEGIN { split(range, end, " ") }
+        NR > 1 && ($1 - last) / (end[2] - end[1]) * (to - from) * width < 70 { exit 1 }
+        { last = $1 }' ticks || { cat ticks; fail 'ticks are too close'; }
+}
+
+test_OfALargeGridEverySoManyNodesAreDrawnAndThatIsSaid()
+{
+    krige predict "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall --nearest 8 --grid 1500x20 \
+        -o out.csv --plot map.gp
+    expect_status 0
+    expect_stderr "picture: shows 500 of 1500 nodes along 'x'"
+    [ "$(wc -l <out.csv)" = 30001 ] || fail 'the table is thinned too'
+    krige predict "$examples/rainfall/samples.csv" --inputs x,y --outputs rainfall --nearest 8 --grid 150x20 \
+        -o out.csv --plot map.gp
+    expect_no_stderr 'picture:'
+}
+
+test_WhatIsDrawnIsWhatStandsInTheTable()
+{
+    volcano --variance --plot map.gp --plot-column stderr
+    expect_status 0
+    # The first row of nodes, to nine digits.
+    sed -n '/^\$data1/,/^END/p' map.gp | sed -n 2p | tr ' ' '\n' >drawn
+    awk -F, 'NR > 1 && NR < 22 { printf "%.9g\n", $5 }' out.csv | cmp - drawn || fail 'other values'
+}
+
+test_UnitsOfOutputsStandInPictures()
+{
+    sed '1s/rainfall/"rainfall [mm]"/' "$examples/rainfall/samples.csv" >samples.csv
+    krige variogram samples.csv --inputs x,y --outputs 'rainfall [mm]' --plot v.gp
+    grep -qF "'semivariance of rainfall (mm²)'" v.gp || fail 'no unit in the semivariogram'
+    krige validate samples.csv --inputs x,y --outputs 'rainfall [mm]' --output-units inch --plot p.gp
+    grep -qF "'error of rainfall (inch)'" p.gp || fail 'no unit in the map of errors'
+    krige validate samples.csv --inputs x,y --outputs 'rainfall [mm]' --output-units inch,mm --plot p.gp
+    expect_status 2
+    expect_stderr '--output-units: 2 units for 1 output; give one each'
+}
+
+# refused MESSAGE ARGUMENTS...: a usage error before any work, and no file.
+refused()
+{
+    message=$1
+    shift
+    volcano "$@"
+    expect_status 2
+    expect_stderr "$message"
+    expect_files
+}
+
+test_WhatNoPictureCanBeIsRefusedBeforeTheWork()
+{
+    refused "--plot-size: needs width and height in pixels, each from 200 to 10000, such as 1200x900, not '0x0'" \
+        --plot p.gp --plot-size 0x0
+    refused "--plot-size: needs width and height" --plot p.gp --plot-size 800
+    refused "--plot-size: needs width and height" --plot p.gp --plot-size 800x99999
+    refused "--plot-column: must be estimate, stderr, variance, lo or hi, not 'elevation'" --plot p.gp \
+        --plot-column elevation
+    refused "--points: must be none, dots or values, not 'all'" --plot p.gp --points all
+    refused "--title: needs a text of one line, not ''" --plot p.gp --title ''
+    refused '--output-units: 2 units for 1 output; give one each' --plot p.gp --output-units m,m
+    refused '--plot-column excludes --plot-both' --plot p.gp --plot-column stderr --plot-both
+    for option in '--title Map' '--plot-size 300x300' '--plot-column lo' '--points dots' --contours --plot-both; do
+        # One option and its value: shellcheck disable=SC2086
+        refused "${option%% *} requires --plot" $option
+    done
+}
+
+test_ContoursNeedAMap()
+{
+    printf 'x,z\n0,1\n1,3\n3,2\n' >samples.csv
+    krige predict samples.csv --inputs x --outputs z --grid 50 -o out.csv --plot line.gp --contours
+    expect_status 2
+    expect_stderr '--contours: lines of equal values need a map, of two inputs or more'
+    expect_files samples.csv
+}
+
 test_AnotherEndingIsAUsageError()
 {
-    volcano --plot surface.pdf
+    volcano --plot surface.jpg
     expect_status 2
-    expect_stderr "--plot: 'surface.pdf' must end in .png or .svg for a picture, or in .gp for its gnuplot script"
+    expect_stderr "--plot: 'surface.jpg' must end in .png, .svg or .pdf for a picture, or in .gp for its gnuplot script"
     expect_files
 }
 

@@ -133,7 +133,9 @@ test_AnEmptyCornerOfATrendIsLeftOut()
     map --drift 1 --grid 5x5 -o full.csv --plot full.gp
     awk -F, 'NR > 1 && $3 > high { high = $3 } END { exit high < 7 }' full.csv || fail 'the corner is not extrapolated'
     sed -n 's/^set cbrange \[.*:\(.*\)\]$/\1/p' full.gp | awk '{ exit $1 > 4.6 }' || fail 'the corner takes the colours'
-    grep -q 'with lines dt' full.gp || fail 'the corner is not marked'
+    grep -q 'with lines lw 1 dt' full.gp || fail 'the corner is not marked'
+    grep -q 'with vectors nohead' full.gp || fail 'the corner is not hatched'
+    ! grep -q 'with vectors nohead' map.gp || fail 'what has no value is hatched'
 }
 
 test_UncertainTargetsGetNan()
