@@ -346,14 +346,4 @@ BinnedSemivariogram semivariogramAtEveryLag(const ModelParts& parts, const Binni
     return result;
 }
 
-std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t outputVar, std::size_t numLags,
-                                        double maxLag)
-{
-    BinningOptions options;
-    options.outputVar = outputVar;
-    options.numLags = numLags;
-    options.maxLag = maxLag;
-    return binSemivariogram(parts, options).bins;
-}
-
 } // namespace fenn::analysis

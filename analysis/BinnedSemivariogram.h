@@ -73,10 +73,6 @@ BinnedSemivariogram binSemivariogram(const ModelParts& parts, const BinningOptio
 /// it works; numLags counts for nothing.
 BinnedSemivariogram semivariogramAtEveryLag(const ModelParts& parts, const BinningOptions& options);
 
-/// The bins in all directions.
-std::vector<LagBin> binnedSemivariogram(const ModelParts& parts, std::size_t outputVar, std::size_t numLags,
-                                        double maxLag = 0.0);
-
 } // namespace fenn::analysis
 
 #endif

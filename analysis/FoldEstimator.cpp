@@ -5,6 +5,7 @@
 
 #include "analysis/ModelPoints.h"
 #include "analysis/Sill.h"
+#include "estimation/DriftColumns.h"
 #include "estimation/SystemSize.h"
 #include "estimation/makeModelParts.h"
 #include "estimation/makeSystemInverse.h"
@@ -32,6 +33,25 @@ std::vector<double> calcVariances(const Matrix& block)
         variances[i] = -column[i];
     }
     return variances;
+}
+
+/// Per point of the group whose block, which is symmetric, has been factorised. driftRows and driftColumns: of K^-1 and
+/// of K, an entry per point each.
+std::vector<double> calcDriftProducts(const Matrix& block, const std::vector<std::size_t>& group,
+                                      const std::vector<std::vector<double>>& driftRows,
+                                      const std::vector<std::vector<double>>& driftColumns)
+{
+    std::vector<double> products(group.size());
+    std::vector<double> multipliers(group.size());
+    for (std::size_t k = 0; k < driftRows.size(); ++k)
+    {
+        for (std::size_t i = 0; i < group.size(); ++i)
+            multipliers[i] = driftRows[k][group[i]];
+        block.luSolve(multipliers.data());
+        for (std::size_t i = 0; i < group.size(); ++i)
+            products[i] -= multipliers[i] * driftColumns[k][group[i]];
+    }
+    return products;
 }
 
 } // namespace
@@ -88,12 +108,20 @@ std::vector<std::vector<std::size_t>> FoldEstimator::pointsOfFolds(const std::ve
 }
 
 Estimates FoldEstimator::estimate(const std::vector<std::size_t>& folds, std::size_t numFolds,
-                                  bool wantsVariances) const
+                                  const WantedBeside& wanted) const
 {
     const std::vector<std::vector<std::size_t>> groups = pointsOfFolds(folds, numFolds);
     Estimates estimates;
     estimates.values.assign(truths.size(), std::vector<double>(samples.getNumSamples()));
-    estimates.variances.resize(wantsVariances ? samples.getNumSamples() : 0);
+    estimates.variances.resize(wanted.variances ? samples.getNumSamples() : 0);
+    estimates.driftProducts.resize(wanted.driftProducts ? samples.getNumSamples() : 0);
+    std::vector<std::vector<double>> driftColumns;
+    std::vector<std::vector<double>> driftRows;
+    if (wanted.driftProducts)
+    {
+        driftColumns = estimation::calcDriftColumns(*parts, driftOrder);
+        driftRows = inverse->calcDriftRows();
+    }
 
     inverse->calcBlocks(groups,
                         [&](std::size_t g, Matrix& block)
@@ -114,11 +142,19 @@ Estimates FoldEstimator::estimate(const std::vector<std::size_t>& folds, std::si
                                 for (std::size_t i = 0; i < group.size(); ++i)
                                     writeToMembers(estimates.values[w], i, truths[w][group[i]] - errors[i]);
                             }
-                            if (!wantsVariances)
-                                return;
-                            const std::vector<double> variances = calcVariances(block);
-                            for (std::size_t i = 0; i < group.size(); ++i)
-                                writeToMembers(estimates.variances, i, variances[i]);
+                            if (wanted.variances)
+                            {
+                                const std::vector<double> variances = calcVariances(block);
+                                for (std::size_t i = 0; i < group.size(); ++i)
+                                    writeToMembers(estimates.variances, i, variances[i]);
+                            }
+                            if (wanted.driftProducts)
+                            {
+                                const std::vector<double> products =
+                                    calcDriftProducts(block, group, driftRows, driftColumns);
+                                for (std::size_t i = 0; i < group.size(); ++i)
+                                    writeToMembers(estimates.driftProducts, i, products[i]);
+                            }
                         });
     return estimates;
 }

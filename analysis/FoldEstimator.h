@@ -27,6 +27,7 @@ using estimation::Estimates;
 using estimation::EstimatorOptions;
 using estimation::ModelSettings;
 using estimation::SampleSet;
+using estimation::WantedBeside;
 
 /// K-fold cross-validation of a global model from one factorisation, whatever the number of folds and however often
 /// samples are divided into them: each sample estimated from those outside its fold, with the normalisers, the range
@@ -36,6 +37,11 @@ using estimation::SampleSet;
 /// Then, for the points I of a fold,
 ///
 ///     truths - estimates = ((K^-1)_II)^-1 (K^-1 z)_I        variances = diagonal of -((K^-1)_II)^-1
+///     mu^T f = diagonal of -F_I (K^-1)_DI ((K^-1)_II)^-1
+///
+/// for the rows D of the drift terms, the constant's among them, whose values at the points are F: the inverse of K
+/// divided into I and the rest J gives -(K^-1)_JI ((K^-1)_II)^-1 as the solutions of the system J with the columns of
+/// I.
 ///
 /// Source: O. Dubrule, "Cross validation of kriging in a unique neighborhood", Mathematical Geology 15 (1983); D.
 /// Ginsbourger and C. Schaerer, "Fast calculation of Gaussian process multiple-fold cross-validation residuals and
@@ -55,11 +61,11 @@ public:
 
     /// folds: one number below numFolds per sample (assignFolds). Merged samples are left out together, with the fold
     /// of the first of them, and all get the estimate at their average. The estimates stand in the order of the
-    /// samples; variances are empty where they are not wanted, which saves their solves.
+    /// samples; what is not wanted beside them is empty, which saves its solves.
     ///
     /// Throws the library's Error as the models of the remaining points would about too few of them, "Singular matrix"
     /// and "Value overflow", and std::bad_alloc.
-    Estimates estimate(const std::vector<std::size_t>& folds, std::size_t numFolds, bool wantsVariances) const;
+    Estimates estimate(const std::vector<std::size_t>& folds, std::size_t numFolds, const WantedBeside& wanted) const;
 
     /// Whether points can be told apart: SystemInverse.
     bool isWellConditioned() const;

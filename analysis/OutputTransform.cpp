@@ -4,10 +4,18 @@
 #include <stdexcept>
 #include <string>
 
+#include "analysis/NormalDistribution.h"
 #include "estimation/StandardError.h"
 
 namespace fenn::analysis
 {
+
+namespace
+{
+
+constexpr double rootOfOneHalf = 0.70710678118654752;
+
+} // namespace
 
 Interval predictionInterval(double estimate, double standardError, double factor)
 {
@@ -49,6 +57,18 @@ double medianOf(double estimate)
 Interval fromLogarithms(const Interval& interval)
 {
     return {std::exp(interval.lower), std::exp(interval.upper)};
+}
+
+double crpsOfLogarithm(double logarithmOfTruth, double estimate, double standardError)
+{
+    const double truth = std::exp(logarithmOfTruth);
+    if (standardError == 0.0)
+        return std::fabs(truth - std::exp(estimate));
+    const double w = (logarithmOfTruth - estimate) / standardError;
+    // Phi(w - s) - Phi(-s / sqrt(2)), which loses nothing where both are small.
+    const double share = normalProbability(w - standardError) - normalProbability(-standardError * rootOfOneHalf);
+    return truth * (2.0 * normalProbability(w) - 1.0) -
+           2.0 * std::exp(estimate + 0.5 * standardError * standardError) * share;
 }
 
 double OutputUnits::estimateOf(double estimate, double variance, double driftProduct, double sill) const

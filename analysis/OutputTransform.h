@@ -48,6 +48,17 @@ double medianOf(double estimate);
 /// Ends of an interval of the logarithm, each by itself: it holds as many values.
 Interval fromLogarithms(const Interval& interval);
 
+/// Continuous ranked probability score of a prediction by its logarithm, in the data's units: as Calibration::crps, for
+/// the log-normal distribution of normal logarithms of mean m and deviation s,
+///
+///     y (2 Phi(w) - 1) - 2 exp(m + s^2 / 2) (Phi(w - s) + Phi(s / sqrt(2)) - 1),    w = (ln y - m) / s
+///
+/// and |y - exp(m)| for s = 0.
+///
+/// Source: S. Baran and S. Lerch, "Log-normal distribution based ensemble model output statistics models for
+/// probabilistic wind-speed forecasting", Quarterly Journal of the Royal Meteorological Society 141 (2015).
+double crpsOfLogarithm(double logarithmOfTruth, double estimate, double standardError);
+
 /// How what a model of outputs, or of their logarithms, says of a target comes back in the data's units. A plain value.
 struct OutputUnits
 {

@@ -438,7 +438,8 @@ private:
 
 TrialScorer makeScorer(const SampleSet& samples, const TuningOptions& options)
 {
-    return {samples, options.objective, options.numFolds, options.numRepeats, options.seed, options.estimator};
+    return {samples,      options.objective, options.numFolds, options.numRepeats,
+            options.seed, options.estimator, options.units};
 }
 
 void searchSettings(const SampleSet& samples, const ModelSettings& start, const SearchSpace& space,

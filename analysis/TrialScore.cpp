@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "analysis/CrossValidation.h"
 #include "analysis/FoldEstimator.h"
 #include "analysis/Folds.h"
 #include "analysis/Likelihood.h"
 #include "analysis/ModelPoints.h"
+#include "analysis/Places.h"
 #include "estimation/LocalEstimator.h"
 #include "estimation/makeModelParts.h"
 #include "estimation/makeSystemInverse.h"
@@ -45,6 +47,23 @@ std::vector<std::vector<double>> outputsOf(const SampleSet& samples)
     return outputs;
 }
 
+std::vector<double> exponentialsOf(const std::vector<double>& logarithms)
+{
+    std::vector<double> values;
+    values.reserve(logarithms.size());
+    for (const double logarithm : logarithms)
+        values.push_back(std::exp(logarithm));
+    return values;
+}
+
+/// Sample variance of an output's values of which the samples hold logarithms.
+double varianceOfExponentials(const SampleSet& samples, std::size_t output)
+{
+    std::vector<double> values = exponentialsOf(samples.getOutput(output));
+    std::vector<double> places(values.size()); // any
+    return SampleSet({std::move(places)}, {std::move(values)}).calcOutputVariance(0);
+}
+
 std::vector<double> standardErrorsOf(const LeftOutEstimates& leftOut, std::size_t output)
 {
     std::vector<double> standardErrors;
@@ -75,6 +94,38 @@ std::vector<double> sillsOfErrors(const LeftOutEstimates& leftOut)
     return sills;
 }
 
+/// Of estimates and truths in the data's units; standardised errors are those of the model, where there are any.
+ErrorStatistics errorsInUnits(const LeftOutEstimates& leftOut, std::size_t output, const OutputUnits& units)
+{
+    const std::vector<double>& truths = leftOut.truths[output];
+    const std::vector<double>& values = leftOut.estimates.values[output];
+    const std::vector<double>& variances = leftOut.estimates.variances;
+    const double sill = leftOut.sills.empty() ? 1.0 : leftOut.sills[output];
+    ErrorStatistics ofModel = calcErrorStatistics(truths, values, variances, sill);
+    if (units == OutputUnits())
+        return ofModel;
+    std::vector<double> inUnits;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        inUnits.push_back(units.areLogarithms
+                              ? units.estimateOf(values[i], variances[i], leftOut.estimates.driftProducts[i], sill)
+                              : units.estimateOf(values[i], 0.0, 0.0, sill));
+    ErrorStatistics statistics =
+        calcErrorStatistics(units.areLogarithms ? exponentialsOf(truths) : truths, inUnits, {}, 1.0);
+    statistics.meanSquaredStandardisedError = ofModel.meanSquaredStandardisedError;
+    statistics.numWithoutVariance = ofModel.numWithoutVariance;
+    return statistics;
+}
+
+double meanCrpsOfLogarithms(const LeftOutEstimates& leftOut, std::size_t output)
+{
+    const std::vector<double> standardErrors = standardErrorsOf(leftOut, output);
+    const std::vector<double>& truths = leftOut.truths[output];
+    double sum = 0.0;
+    for (std::size_t i = 0; i < truths.size(); ++i)
+        sum += crpsOfLogarithm(truths[i], leftOut.estimates.values[output][i], standardErrors[i]);
+    return sum / static_cast<double>(truths.size());
+}
+
 /// What work returns, or what it throws as the reason of the failure.
 template <typename Work>
 TrialScorer::Score scoreUnlessFailed(const Work& work)
@@ -95,35 +146,39 @@ TrialScorer::Score scoreUnlessFailed(const Work& work)
 
 } // namespace
 
-double scoreOf(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective)
+double scoreOf(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective,
+               const OutputUnits& units)
 {
+    const bool areLogarithms = units.areLogarithms && objective != Objective::Likelihood;
     double sum = 0.0;
     for (std::size_t w = 0; w < leftOut.truths.size(); ++w)
     {
         double error = 0.0;
         if (objective == Objective::Rmse || objective == Objective::Mae)
         {
-            const ErrorStatistics statistics =
-                calcErrorStatistics(leftOut.truths[w], leftOut.estimates.values[w], {}, 1.0, 0);
+            const ErrorStatistics statistics = errorsInUnits(leftOut, w, units);
             error = objective == Objective::Rmse ? statistics.rmse : statistics.mae;
         }
+        else if (areLogarithms)
+            error = meanCrpsOfLogarithms(leftOut, w);
         else
             error = calcCalibration(leftOut.truths[w], leftOut.estimates.values[w], standardErrorsOf(leftOut, w)).crps;
-        const double deviation = std::sqrt(modelSamples.calcOutputVariance(w));
+        const double deviation =
+            std::sqrt(areLogarithms ? varianceOfExponentials(modelSamples, w) : modelSamples.calcOutputVariance(w));
         sum += deviation > 0.0 ? error / deviation : error;
     }
     const double score = sum / static_cast<double>(leftOut.truths.size());
     return std::isfinite(score) ? score : infinity;
 }
 
-Assessment assess(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective)
+Assessment assess(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective,
+                  const OutputUnits& units)
 {
     Assessment assessment;
-    assessment.score = scoreOf(leftOut, modelSamples, objective);
+    assessment.score = scoreOf(leftOut, modelSamples, objective, units);
     for (std::size_t w = 0; w < leftOut.truths.size(); ++w)
     {
-        assessment.statistics.push_back(calcErrorStatistics(leftOut.truths[w], leftOut.estimates.values[w],
-                                                            leftOut.estimates.variances, leftOut.sills[w]));
+        assessment.statistics.push_back(errorsInUnits(leftOut, w, units));
         assessment.calibrations.push_back(
             calcCalibration(leftOut.truths[w], leftOut.estimates.values[w], standardErrorsOf(leftOut, w)));
     }
@@ -131,8 +186,8 @@ Assessment assess(const LeftOutEstimates& leftOut, const SampleSet& modelSamples
 }
 
 TrialScorer::TrialScorer(const SampleSet& samples_, Objective objective_, std::size_t numFolds_, std::size_t numRepeats,
-                         std::uint64_t seed, const EstimatorOptions& options_)
-    : samples(samples_), objective(objective_), numFolds(numFolds_), options(options_)
+                         std::uint64_t seed, const EstimatorOptions& options_, const OutputUnits& units_)
+    : samples(samples_), objective(objective_), numFolds(numFolds_), options(options_), units(units_)
 {
     const std::size_t numSamples = samples.getNumSamples();
     assignFolds(numSamples, numFolds, seed); // refuses before the first trial
@@ -164,8 +219,10 @@ TrialScorer::Score TrialScorer::calcDeviance(const ModelSettings& settings) cons
 
 TrialScorer::Score TrialScorer::crossValidate(const ModelSettings& settings) const
 {
-    const bool wantsVariances = objective == Objective::Crps || objective == Objective::Likelihood;
-    return scoreUnlessFailed([&] { return meanScoreOf(leaveOut(settings, wantsVariances)); });
+    estimation::WantedBeside wanted;
+    wanted.variances = units.areLogarithms || objective == Objective::Crps || objective == Objective::Likelihood;
+    wanted.driftProducts = units.areLogarithms && (objective == Objective::Rmse || objective == Objective::Mae);
+    return scoreUnlessFailed([&] { return meanScoreOf(leaveOut(settings, wanted)); });
 }
 
 Assessment TrialScorer::assessByCrossValidation(const ModelSettings& settings) const
@@ -174,8 +231,8 @@ Assessment TrialScorer::assessByCrossValidation(const ModelSettings& settings) c
     const Score score = scoreUnlessFailed(
         [&]
         {
-            const std::vector<LeftOutEstimates> repeats = leaveOut(settings, true);
-            assessment = assess(repeats[0], samples, objective);
+            const std::vector<LeftOutEstimates> repeats = leaveOut(settings, {true, units.areLogarithms});
+            assessment = assess(repeats[0], samples, objective, units);
             return meanScoreOf(repeats);
         });
     assessment.score = score.value;
@@ -189,15 +246,16 @@ double TrialScorer::meanScoreOf(const std::vector<LeftOutEstimates>& repeats) co
 {
     double sum = 0.0;
     for (const LeftOutEstimates& leftOut : repeats)
-        sum += scoreOf(leftOut, samples, objective);
+        sum += scoreOf(leftOut, samples, objective, units);
     return sum / static_cast<double>(repeats.size());
 }
 
-std::vector<LeftOutEstimates> TrialScorer::leaveOut(const ModelSettings& settings, bool wantsVariances) const
+std::vector<LeftOutEstimates> TrialScorer::leaveOut(const ModelSettings& settings,
+                                                    const estimation::WantedBeside& wanted) const
 {
     std::vector<LeftOutEstimates> repeats;
     if (isGlobal(settings))
-        repeats = leaveOutGlobally(settings, wantsVariances);
+        repeats = leaveOutGlobally(settings, wanted);
     else if (samples.getNumSamples() > maxFoldSamples)
         repeats.push_back(leaveOutEachOfSome(settings));
     else
@@ -214,17 +272,19 @@ std::vector<LeftOutEstimates> TrialScorer::leaveOut(const ModelSettings& setting
     return repeats;
 }
 
-std::vector<LeftOutEstimates> TrialScorer::leaveOutGlobally(const ModelSettings& settings, bool wantsVariances) const
+std::vector<LeftOutEstimates> TrialScorer::leaveOutGlobally(const ModelSettings& settings,
+                                                            const estimation::WantedBeside& wanted) const
 {
     const FoldEstimator estimator(samples, settings, options);
     if (!estimator.isWellConditioned())
         throw SurrogateModelInterface::Error(cannotBeToldApart);
-    const std::vector<double> sills = wantsVariances ? estimator.calcSills() : std::vector<double>();
+    const std::vector<double> sills = wanted.variances ? estimator.calcSills() : std::vector<double>();
     std::vector<LeftOutEstimates> repeats;
     for (const std::uint64_t seed : seeds)
     {
-        const std::vector<std::size_t> folds = assignFolds(samples.getNumSamples(), numFolds, seed);
-        repeats.push_back({outputsOf(samples), estimator.estimate(folds, numFolds, wantsVariances), sills});
+        const std::vector<std::size_t> folds =
+            assignFoldsToPlaces(samples, settings.duplicateTolerance, numFolds, seed);
+        repeats.push_back({outputsOf(samples), estimator.estimate(folds, numFolds, wanted), sills});
     }
     return repeats;
 }
@@ -250,10 +310,12 @@ LeftOutEstimates TrialScorer::leaveOutEachOfSome(const ModelSettings& settings) 
     const std::vector<std::vector<double>> truths = outputsOfPoints(*parts);
     std::vector<std::vector<double>> values(truths.size(), std::vector<double>(numPoints));
     std::vector<double> variances(numPoints);
+    std::vector<double> driftProducts(numPoints);
     estimation::Results where;
     for (std::vector<double>& column : values)
         where.estimates.push_back(column.data());
     where.variances = variances.data();
+    where.driftProducts = driftProducts.data();
     LeftOutEstimates leftOut;
     leftOut.truths.resize(truths.size());
     leftOut.estimates.values.resize(truths.size());
@@ -261,6 +323,7 @@ LeftOutEstimates TrialScorer::leaveOutEachOfSome(const ModelSettings& settings) 
     {
         estimator.estimateWithoutEach(p, 1, where);
         leftOut.estimates.variances.push_back(variances[p]);
+        leftOut.estimates.driftProducts.push_back(driftProducts[p]);
         for (std::size_t w = 0; w < truths.size(); ++w)
         {
             leftOut.truths[w].push_back(truths[w][p]);

@@ -8,6 +8,7 @@
 
 #include "analysis/Calibration.h"
 #include "analysis/ErrorStatistics.h"
+#include "analysis/OutputTransform.h"
 #include "estimation/Estimates.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
@@ -39,26 +40,31 @@ struct LeftOutEstimates
 };
 
 /// Mean over output variables of RMSE, MAE or CRPS, each over the standard deviation of the output among the model's
-/// samples; the plain error of an output that does not vary. Infinite where it is not finite.
-double scoreOf(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective);
+/// samples; the plain error of an output that does not vary. Infinite where it is not finite. Errors and deviations are
+/// in the data's units, where the model's are logarithms; with the likelihood, which is one of logarithms, they stay
+/// theirs. Limits of the units are for estimates, not for a CRPS.
+double scoreOf(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective,
+               const OutputUnits& units = {});
 
 /// How well settings estimate samples that their model has not seen.
 struct Assessment
 {
     double score = 0.0;                      // as scoreOf; infinite on failure
-    std::vector<ErrorStatistics> statistics; // per output variable, variances times the sill; none on failure
-    std::vector<Calibration> calibrations;   // likewise
+    std::vector<ErrorStatistics> statistics; // per output variable, in the data's units; none on failure
+    std::vector<Calibration> calibrations;   // likewise, but of logarithms where the model's are
     std::string failure;                     // why there is nothing; otherwise empty
 };
 
-Assessment assess(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective);
+Assessment assess(const LeftOutEstimates& leftOut, const SampleSet& modelSamples, Objective objective,
+                  const OutputUnits& units = {});
 
 /// Scores settings on one set of samples by an objective.
 ///
-/// Cross-validation of a global model takes one factorisation for all folds and repeats (FoldEstimator). A local model
-/// is built for each fold (crossValidate) up to maxFoldSamples samples; beyond, maxLeftOut points, a choice that
-/// depends on their number alone, are each estimated from their nearest others: no sum over all samples stands in a
-/// trial then.
+/// Folds are of places (assignFoldsToPlaces): a sample is not estimated from its repeats, which would speak for models
+/// that hardly look beyond one place. Cross-validation of a global model takes one factorisation for all folds and
+/// repeats (FoldEstimator). A local model is built for each fold (crossValidate) up to maxFoldSamples samples; beyond,
+/// maxLeftOut points, a choice that depends on their number alone, are each estimated from their nearest others: no sum
+/// over all samples stands in a trial then.
 class TrialScorer
 {
 public:
@@ -69,7 +75,7 @@ public:
     /// estimated, up to 3 times. samples must outlive this. Throws std::invalid_argument for a number of folds that
     /// assignFolds refuses.
     TrialScorer(const SampleSet& samples_, Objective objective_, std::size_t numFolds_, std::size_t numRepeats,
-                std::uint64_t seed, const EstimatorOptions& options_);
+                std::uint64_t seed, const EstimatorOptions& options_, const OutputUnits& units_ = {});
 
     struct Score
     {
@@ -91,8 +97,9 @@ public:
 
 private:
     /// One entry per repeat.
-    std::vector<LeftOutEstimates> leaveOut(const ModelSettings& settings, bool wantsVariances) const;
-    std::vector<LeftOutEstimates> leaveOutGlobally(const ModelSettings& settings, bool wantsVariances) const;
+    std::vector<LeftOutEstimates> leaveOut(const ModelSettings& settings, const estimation::WantedBeside& wanted) const;
+    std::vector<LeftOutEstimates> leaveOutGlobally(const ModelSettings& settings,
+                                                   const estimation::WantedBeside& wanted) const;
     LeftOutEstimates leaveOutFolds(const ModelSettings& settings, std::uint64_t seed) const;
     LeftOutEstimates leaveOutEachOfSome(const ModelSettings& settings) const;
 
@@ -103,6 +110,7 @@ private:
     std::size_t numFolds;
     std::vector<std::uint64_t> seeds; // of each repeat
     EstimatorOptions options;
+    OutputUnits units;
 };
 
 } // namespace fenn::analysis

@@ -6,8 +6,10 @@
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <vector>
 
 #include "analysis/Folds.h"
+#include "analysis/Places.h"
 #include "analysis/SettingsSearch.h"
 #include "analysis/Sill.h"
 #include "estimation/Estimates.h"
@@ -20,6 +22,31 @@ namespace fenn::analysis
 
 namespace
 {
+
+/// Per sample: whole places in random order, as long as the share of the samples is not exceeded and two places are
+/// left.
+std::vector<bool> chooseHeldOut(const Places& places, const TuningOptions& options)
+{
+    const std::size_t numSamples = places.placeOfSample.size();
+    const auto numWanted =
+        static_cast<std::size_t>(std::floor(options.heldOutFraction * static_cast<double>(numSamples)));
+    std::vector<std::vector<std::size_t>> samplesAt(places.numPlaces);
+    for (std::size_t i = 0; i < numSamples; ++i)
+        samplesAt[places.placeOfSample[i]].push_back(i);
+    std::vector<bool> isHeldOut(numSamples, false);
+    std::size_t numHeldOut = 0;
+    std::size_t numPlacesLeft = places.numPlaces;
+    for (const std::size_t place : shuffledIndices(places.numPlaces, options.seed))
+    {
+        if (numHeldOut + samplesAt[place].size() > numWanted || numPlacesLeft == 2)
+            continue;
+        for (const std::size_t i : samplesAt[place])
+            isHeldOut[i] = true;
+        numHeldOut += samplesAt[place].size();
+        --numPlacesLeft;
+    }
+    return isHeldOut;
+}
 
 SampleSet turnedBy(const std::optional<Anisotropy>& anisotropy, const SampleSet& samples)
 {
@@ -48,7 +75,7 @@ Assessment assessAt(const SampleSet& heldOut, const SampleSet& tuningSamples, co
             leftOut.truths.push_back(heldOut.getOutput(w));
         for (const Sill& sill : estimateSills(*estimator, settings, options.estimator.numThreads))
             leftOut.sills.push_back(sill.value);
-        return assess(leftOut, tuningSamples, options.objective);
+        return assess(leftOut, tuningSamples, options.objective, options.units);
     }
     catch (const SurrogateModelInterface::Error& error)
     {
@@ -87,17 +114,16 @@ TuningResult tune(const SampleSet& samples, const ModelSettings& start, const Se
     if (options.maxTrials == 0)
         throw std::invalid_argument("tuning needs at least one trial");
 
-    const std::size_t numSamples = samples.getNumSamples();
-    const auto numHeldOut =
-        static_cast<std::size_t>(std::floor(options.heldOutFraction * static_cast<double>(numSamples)));
-    std::vector<std::size_t> order = shuffledIndices(numSamples, options.seed);
-    const auto firstTuning = order.begin() + static_cast<std::ptrdiff_t>(numHeldOut);
-    std::sort(order.begin(), firstTuning);
-    std::sort(firstTuning, order.end());
+    const Places places = findPlaces(samples, start.duplicateTolerance);
+    if (places.numPlaces < 2)
+        throw std::invalid_argument("tuning needs samples at two places at least");
 
     TuningResult result;
-    result.heldOutSamples.assign(order.begin(), firstTuning);
-    const SampleSet tuningSamples = samples.subset({firstTuning, order.end()});
+    const std::vector<bool> isHeldOut = chooseHeldOut(places, options);
+    std::vector<std::size_t> others;
+    for (std::size_t i = 0; i < isHeldOut.size(); ++i)
+        (isHeldOut[i] ? result.heldOutSamples : others).push_back(i);
+    const SampleSet tuningSamples = samples.subset(others);
     const ModelSettings begin = startWithin(space, start, tuningSamples.getNumSamples());
     searchSettings(tuningSamples, begin, space, options, callback, result);
     if (result.wasCancelled)
@@ -106,7 +132,7 @@ TuningResult tune(const SampleSet& samples, const ModelSettings& start, const Se
     const SettingsWithAnisotropy& winner = result.trials[result.winner];
     result.winnerCrossValidated = assessByCrossValidation(tuningSamples, winner, options);
     result.startCrossValidated = assessByCrossValidation(tuningSamples, {begin, {}}, options);
-    if (numHeldOut > 0)
+    if (!result.heldOutSamples.empty())
     {
         const SampleSet heldOut = samples.subset(result.heldOutSamples);
         result.winnerHeldOut = assessAt(heldOut, tuningSamples, winner, options);

@@ -26,10 +26,11 @@ struct TuningOptions
     std::size_t numFolds = 10;
     std::size_t numRepeats = 0;   // of the cross-validation: TrialScorer
     std::uint64_t seed = 1;       // of the held-out samples and of the folds
-    double heldOutFraction = 0.0; // of the samples, never seen by the search; 0 holds none out
+    double heldOutFraction = 0.0; // of the samples, at most, never seen by the search: whole places; 0 holds none out
     std::size_t maxTrials = 300;
     Objective objective = Objective::Likelihood;
     estimation::EstimatorOptions estimator; // of every model that is tried
+    OutputUnits units;                      // of errors and scores: scoreOf
 };
 
 /// Settings that were tried on the tuning samples.
@@ -79,8 +80,8 @@ using TrialCallback = std::function<bool(const Trial& trial, std::size_t numDone
 /// all other trials have scale factors of 1. maxTrials is reached at most.
 ///
 /// Throws std::invalid_argument for settings, a range fraction of 0 to start from, search space, a held-out fraction
-/// outside [0, 1), no trials, or a number of folds that crossValidate would refuse for the samples left. A trial whose
-/// model fails has an infinite criterion; the search goes on.
+/// outside [0, 1), no trials, samples at a single place, or a number of folds that crossValidate would refuse for the
+/// samples left. A trial whose model fails has an infinite criterion; the search goes on.
 TuningResult tune(const SampleSet& samples, const ModelSettings& start, const SearchSpace& space,
                   const TuningOptions& options, const TrialCallback& callback = {});
 

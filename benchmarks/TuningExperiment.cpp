@@ -1,8 +1,8 @@
 // Which objective tunes best: fields of known parameters, tuned by each objective and compared, at places that no
 // objective saw, with the model of the true parameters. Prints one CSV line per field and objective, which
-// script/tuning_table turns into the table of docs/tuning.md.
+// benchmarks/tuning_table.py turns into the tables of docs/tuning.md.
 //
-// Usage: TuningExperiment NUMBER_OF_FIELDS
+// Usage: TuningExperiment NUMBER_OF_FIELDS [FIRST]
 
 #include <algorithm>
 #include <array>
@@ -283,7 +283,7 @@ int main(int argc, char** argv)
     const std::size_t first = argc > 2 ? static_cast<std::size_t>(std::atoi(argv[2])) : 1;
     if (numFields == 0)
     {
-        std::fprintf(stderr, "usage: TuningExperiment NUMBER_OF_FIELDS\n");
+        std::fprintf(stderr, "usage: TuningExperiment NUMBER_OF_FIELDS [FIRST]\n");
         return 2;
     }
     std::printf("field,samples,inputs,pattern,range,nugget,trend,objective,rmse_ratio,crps_ratio,coverage,seconds,"

@@ -114,6 +114,27 @@ std::vector<double> CovarianceInverse::solve(const std::vector<double>& values) 
     return solution;
 }
 
+/// The same in both forms: of a column that belongs to a drift term, the points' part keeps its sign.
+std::vector<std::vector<double>> CovarianceInverse::calcDriftRows() const
+{
+    std::vector<std::vector<double>> rows(system.getNumDriftTerms());
+    const StripStore store(system.getNumRows(), 1);
+    for (std::size_t begin = 0; begin < rows.size(); begin += stripWidth)
+    {
+        std::fill_n(store.getStrip(0), stripWidth * system.getNumRows(), 0.0);
+        const std::size_t count = std::min(stripWidth, rows.size() - begin);
+        for (std::size_t c = 0; c < count; ++c)
+            store.getColumn(c)[stripWidth * (system.getFirstDriftRow() + begin + c)] = 1.0;
+        system.solve(store.getGroup());
+        for (std::size_t c = 0; c < count; ++c)
+        {
+            for (const std::size_t row : rowOfPoint)
+                rows[begin + c].push_back(store.getColumn(c)[stripWidth * row]);
+        }
+    }
+    return rows;
+}
+
 double CovarianceInverse::calcLogDeterminant() const
 {
     return system.calcLogDeterminant();

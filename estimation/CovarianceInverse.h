@@ -27,6 +27,7 @@ public:
                                                                 int numThreads);
 
     std::vector<double> solve(const std::vector<double>& values) const override;
+    std::vector<std::vector<double>> calcDriftRows() const override;
     double calcLogDeterminant() const override;
     double calcReciprocalCondition() const override;
     bool isWellConditioned() const override;

@@ -98,6 +98,21 @@ std::vector<double> GlobalSystem::solve(const std::vector<double>& values) const
     return solveForPoints(controller->getSystem(), values);
 }
 
+std::vector<std::vector<double>> GlobalSystem::calcDriftRows() const
+{
+    const KrigingMatrix& system = controller->getSystem();
+    const auto dimension = static_cast<std::size_t>(system.getDimension());
+    std::vector<std::vector<double>> rows;
+    for (std::size_t k = getNumPoints(); k < dimension; ++k)
+    {
+        rows.emplace_back(dimension, 0.0);
+        rows.back()[k] = 1.0;
+        system.luSolve(rows.back().data());
+        rows.back().resize(getNumPoints());
+    }
+    return rows;
+}
+
 double GlobalSystem::calcLogDeterminant() const
 {
     return estimation::calcLogDeterminant(controller->getSystem());

@@ -63,7 +63,8 @@ PointIndex::PointIndex(const Coords& coords, std::size_t numPts) : numVars(coord
     fillLeaves(coords);
 }
 
-/// Splits the points of some leaves at the middle leaf, along the variable in which they spread most.
+/// Splits the points of some leaves at the middle leaf, along the variable in which they spread most. Those of one
+/// place stay together: repeats of a place would otherwise all be looked at by each search that comes near.
 void PointIndex::divide(const Coords& coords, std::size_t firstLeaf, std::size_t endLeaf, std::vector<Key>& keys)
 {
     if (endLeaf - firstLeaf < 2)
@@ -86,8 +87,14 @@ void PointIndex::divide(const Coords& coords, std::size_t firstLeaf, std::size_t
         if (high - low > widest)
         {
             widest = high - low;
-            node.variable = v;
+            node.variable = static_cast<std::uint32_t>(v);
         }
+    }
+    node.isOnePlace = widest == 0.0;
+    if (node.isOnePlace)
+    {
+        std::sort(begin, end);
+        return;
     }
 
     const double* const values = coords[node.variable];

@@ -1,5 +1,6 @@
 #include "estimation/SystemSize.h"
 
+#include <algorithm>
 #include <thread>
 
 #include "surrogatemodel_common/SurrogateModelInterface.h"
@@ -38,6 +39,17 @@ double calcCovarianceBytes(std::size_t numPoints, std::size_t numInputVars, int 
     const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToStrip(numDriftTerms);
     const std::size_t size = kernels::PackedTriangle::sizeFor(numRows) + kernels::choleskyWorkspaceSize(numRows);
     return sizeof(double) * static_cast<double>(size);
+}
+
+double calcFoldBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder, std::size_t numFolds,
+                     std::size_t numThreads)
+{
+    const auto numDriftTerms = static_cast<std::size_t>(countDriftTerms(driftOrder, numInputVars)) + 1;
+    const std::size_t numRows = kernels::roundUpToTile(numPoints) + kernels::roundUpToStrip(numDriftTerms);
+    const std::size_t numInFold = (numPoints + numFolds - 1) / numFolds;
+    const std::size_t numColumns = kernels::roundUpToStrip(numInFold);
+    const std::size_t perThread = numRows * numColumns + numColumns * numColumns + numInFold * numInFold;
+    return sizeof(double) * static_cast<double>(perThread) * static_cast<double>(std::min(numThreads, numFolds));
 }
 
 } // namespace fenn::estimation

@@ -20,6 +20,11 @@ double calcSystemBytes(std::size_t numPoints, std::size_t numInputVars, int drif
 /// the drift terms, which is factorised in place.
 double calcCovarianceBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder);
 
+/// Bytes that folds left out of the covariance form's inverse take beside it, on so many threads: the columns and the
+/// block of a fold each (SystemInverse::calcBlocks).
+double calcFoldBytes(std::size_t numPoints, std::size_t numInputVars, int driftOrder, std::size_t numFolds,
+                     std::size_t numThreads);
+
 } // namespace fenn::estimation
 
 #endif

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "estimation/RangeInUnits.h"
+#include "estimation/ThreadCount.h"
 #include "host/files/CsvReader.h"
 #include "host/files/InputFile.h"
 #include "host/files/OutputFile.h"
@@ -131,7 +132,9 @@ TuneCommand::TuneCommand(CLI::App& command)
         "as repeated measurements: no settings without a nugget are tried then. The winner's sill of each "
         "output, of all samples, is written beside its settings, so that standard errors and intervals take "
         "it; --sill sample is written as such.\n\nCtrl-C ends the search, keeps the best settings so far and "
-        "ends with status 130.\n\nExamples:\n"
+        "ends with status 130.\n\nWith --transform log the likelihood is that of the logarithms, and so is the CRPS "
+        "beside "
+        "it; rmse, mae and crps are errors in the data's units.\n\nExamples:\n"
         "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
         "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid x=0:10:101,y=0:5:51 "
         "-o grid.csv");
@@ -196,6 +199,7 @@ fenn::analysis::TuningOptions TuneCommand::chooseOptions(const SampleTable& samp
 {
     fenn::analysis::TuningOptions chosen = tuning;
     chosen.estimator = options.estimator;
+    chosen.units = options.settings.units;
     if (!(chosen.heldOutFraction >= 0.0 && chosen.heldOutFraction < 1.0))
         throw UsageError("--held-out: must be at least 0 and below 1");
     if (chosen.maxTrials < 1)
@@ -235,27 +239,32 @@ fenn::analysis::TuningResult TuneCommand::search(const SampleTable& samples, dou
     console.getReport() << "search: " << describeSearch(space, chosen, sampleSet.getNumSamples()) << '\n';
 
     fenn::analysis::TuningResult result;
-    runExplained(samples, begin, "",
-                 [&]
-                 {
-                     fenn::estimation::ModelSettings start = withRangeFraction(sampleSet, begin);
-                     start.nugget = std::max(start.nugget, leastNugget);
-                     TrialTable table(console.getReport());
-                     const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
-                     const Interruption interruption;
-                     result = fenn::analysis::tune(
-                         sampleSet, start, space, chosen,
-                         [&](const fenn::analysis::Trial& trial, std::size_t numDone, std::size_t maxTrials)
-                         {
-                             if (trialsPath.empty())
-                             {
-                                 line->wipe();
-                                 table.add(trial);
-                             }
-                             line->update(numDone, maxTrials);
-                             return !interruption.isRequested();
-                         });
-                 });
+    FoldsAtOnce foldsAtOnce;
+    foldsAtOnce.numFolds = chosen.numFolds;
+    foldsAtOnce.numThreads = static_cast<std::size_t>(fenn::estimation::chooseThreadCount(chosen.estimator.numThreads));
+    runExplained(
+        samples, begin, "",
+        [&]
+        {
+            fenn::estimation::ModelSettings start = withRangeFraction(sampleSet, begin);
+            start.nugget = std::max(start.nugget, leastNugget);
+            TrialTable table(console.getReport());
+            const std::unique_ptr<ProgressLine> line = console.startProgress("trials");
+            const Interruption interruption;
+            result =
+                fenn::analysis::tune(sampleSet, start, space, chosen,
+                                     [&](const fenn::analysis::Trial& trial, std::size_t numDone, std::size_t maxTrials)
+                                     {
+                                         if (trialsPath.empty())
+                                         {
+                                             line->wipe();
+                                             table.add(trial);
+                                         }
+                                         line->update(numDone, maxTrials);
+                                         return !interruption.isRequested();
+                                     });
+        },
+        true, foldsAtOnce);
     const fenn::analysis::Trial& winner = result.trials[result.winner];
     if (!winner.failure.empty() && result.wasCancelled)
         throw Interrupted("stopped after " + countOf(result.trials.size(), "trial") + ", which all failed");
@@ -301,7 +310,7 @@ void TuneCommand::run(std::ostream& out, Console& console) const
         winner = withSills(winner, read, console, report);
     if (!outputPath.empty())
         writeWhole(outputPath, settingsFileText(winner));
-    printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, winner, samples.outputNames,
+    printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, winner, read.outputNames,
                 tuning.objective);
     if (!out.flush())
         throw InputError("standard output: writing failed");

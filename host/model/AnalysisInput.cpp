@@ -4,7 +4,6 @@
 #include <stdexcept>
 
 #include "host/model/ModelFailure.h"
-#include "host/model/ModelMemory.h"
 #include "host/text/HostErrors.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 
@@ -38,10 +37,11 @@ void explainFailures(const SampleTable& samples, const fenn::estimation::ModelSe
 }
 
 void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                  const std::string& circumstance, const std::function<void()>& work, bool isExact)
+                  const std::string& circumstance, const std::function<void()>& work, bool isExact,
+                  const FoldsAtOnce& foldsAtOnce)
 {
     // Of the model of all samples: a fold's, or a trial's, is hardly smaller.
-    checkModelMemory(samples, settings, findAvailableBytes(), isExact);
+    checkModelMemory(samples, settings, findAvailableBytes(), isExact, foldsAtOnce);
     explainFailures(samples, settings, circumstance, work);
 }
 

@@ -7,6 +7,7 @@
 #include "analysis/Progress.h"
 #include "estimation/ModelSettings.h"
 #include "estimation/SampleSet.h"
+#include "host/model/ModelMemory.h"
 #include "host/model/SampleTable.h"
 #include "host/text/Console.h"
 
@@ -23,9 +24,10 @@ void explainFailures(const SampleTable& samples, const fenn::estimation::ModelSe
                      const std::string& circumstance, const std::function<void()>& work);
 
 /// The same for work that builds a system: refuses, before it, a model that is too large for the machine's memory.
-/// isExact: as for checkModelMemory.
+/// isExact, foldsAtOnce: as for checkModelMemory.
 void runExplained(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                  const std::string& circumstance, const std::function<void()>& work, bool isExact = true);
+                  const std::string& circumstance, const std::function<void()>& work, bool isExact = true,
+                  const FoldsAtOnce& foldsAtOnce = {});
 
 /// A callback that draws the line. It must not outlive the line.
 fenn::analysis::Progress reportTo(ProgressLine& line);

@@ -9,14 +9,24 @@ namespace krige
 {
 
 void checkModelMemory(const SampleTable& samples, const fenn::estimation::ModelSettings& settings,
-                      double availableBytes, bool isExact)
+                      double availableBytes, bool isExact, const FoldsAtOnce& foldsAtOnce)
 {
     const std::size_t numInputVars = samples.inputs.size();
     const auto numSamples = static_cast<std::size_t>(samples.getNumSamples());
-    if (fenn::estimation::calcSystemBytes(numSamples, numInputVars, settings.driftOrder) <= availableBytes)
+    const auto calcBytesOfFolds = [&](std::size_t numPoints)
+    {
+        return foldsAtOnce.numFolds == 0
+                   ? 0.0
+                   : fenn::estimation::calcFoldBytes(numPoints, numInputVars, settings.driftOrder, foldsAtOnce.numFolds,
+                                                     foldsAtOnce.numThreads);
+    };
+    if (fenn::estimation::calcSystemBytes(numSamples, numInputVars, settings.driftOrder) +
+            calcBytesOfFolds(numSamples) <=
+        availableBytes)
         return;
-    const fenn::estimation::MemoryForecast forecast =
-        fenn::estimation::forecastMemory(samples.inputs, settings, isExact);
+    fenn::estimation::MemoryForecast forecast = fenn::estimation::forecastMemory(samples.inputs, settings, isExact);
+    if (forecast.isGlobal)
+        forecast.bytes += calcBytesOfFolds(forecast.numPoints);
     if (forecast.bytes <= availableBytes)
         return;
     const std::string figures = " takes " + formatBytes(forecast.bytes) + " of memory and there are " +

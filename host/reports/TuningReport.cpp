@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/files/CsvReader.h"
+#include "host/model/DataForm.h"
 #include "host/model/Distance.h"
 #include "host/text/NumberText.h"
 #include "host/text/TextTable.h"
@@ -153,8 +154,15 @@ std::string optionsFor(const Settings& settings)
         text += " --scale " + scaleText(settings);
     if (settings.duplicateTolerance >= 0.0)
         text += " --duplicate-tolerance " + formatNumber(settings.duplicateTolerance);
+    else if (settings.keepsDuplicates)
+        text += " --duplicates keep";
     if (!settings.sills.empty())
         text += " --sill " + sillText(settings.sills);
+    if (settings.units.areLogarithms)
+        text += " --transform log";
+    const std::string limits = clampText(settings.units.limits);
+    if (!limits.empty())
+        text += " --clamp " + limits;
     return text;
 }
 
@@ -227,7 +235,13 @@ void printTuning(std::ostream& out, const fenn::analysis::TuningResult& result, 
         printTable(out, scores);
         const bool isByLikelihood = objective == fenn::analysis::Objective::Likelihood;
         out << "(score: mean over outputs of " << nameOf(isByLikelihood ? fenn::analysis::Objective::Crps : objective)
-            << " / standard deviation; lower is better)\n";
+            << " / standard deviation"
+            << (!winner.units.areLogarithms ? ""
+                : isByLikelihood            ? ", of the logarithms"
+                                            : ", in the data's units")
+            << "; lower is better)\n";
+        if (winner.units.areLogarithms)
+            out << "(below, errors are in the data's units; MSSE, CRPS and coverage are of the logarithms)\n";
         printErrors(out, "cross-validated",
                     {{"start", &result.startCrossValidated}, {"winner", &result.winnerCrossValidated}}, outputNames);
         if (hasHeldOut)

@@ -179,6 +179,11 @@ private:
             {
                 const std::size_t middle = subtree.first + (subtree.end - subtree.first) / 2;
                 const PointTree::Node& node = tree.nodes[middle];
+                if (node.isOnePlace)
+                {
+                    scanAllButLast(subtree);
+                    break;
+                }
                 const double fromLower = target[node.variable] - node.lowerEnd;
                 const double toUpper = node.upperBegin - target[node.variable];
                 const bool isLower = fromLower < toUpper;
@@ -203,6 +208,17 @@ private:
             subtree.end = waiting[numWaiting].end;
             subtree.offsets.copyFrom(waiting[numWaiting].offsets, numVars);
         }
+    }
+
+    /// Of points at one place, in the order of their positions: the first maxPts are equally far and before the others,
+    /// which no search for maxPts points finds. The last of their leaves is left as the subtree.
+    HWY_NOINLINE void scanAllButLast(Subtree& subtree)
+    {
+        const std::size_t numLeaves = (maxPts + PointTree::leafSize - 1) / PointTree::leafSize;
+        const std::size_t last = std::min(subtree.end, subtree.first + numLeaves) - 1;
+        for (std::size_t leaf = subtree.first; leaf < last; ++leaf)
+            scanLeaf(leaf);
+        subtree.first = last;
     }
 
     /// Points within the bound become candidates.

@@ -14,14 +14,16 @@ namespace fenn::kernels
 /// the last leaf holds infinities.
 ///
 /// The node over leaves first to end - 1, at least two, is nodes[middle]: it parts leaves first to middle - 1 from the
-/// others, where middle = first + (end - first) / 2.
+/// others, where middle = first + (end - first) / 2. A node of one place, where all points coincide, is not divided
+/// further: its points stand in the order of their positions.
 struct PointTree
 {
     struct Node
     {
         double lowerEnd;   // no coordinate of the leaves before the middle is greater
         double upperBegin; // none of the others is smaller
-        std::size_t variable;
+        std::uint32_t variable;
+        bool isOnePlace; // then nothing else is read
     };
 
     static constexpr std::size_t leafSize = 16;

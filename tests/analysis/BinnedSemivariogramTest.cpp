@@ -7,12 +7,12 @@
 
 #include "estimation/makeModelParts.h"
 #include "surrogatemodel_kriging/ModelParts.h"
+#include "tests/analysis/BinsOf.h"
 #include "tests/estimation/Samples.h"
 
 namespace
 {
 
-using fenn::analysis::binnedSemivariogram;
 using fenn::analysis::BinnedSemivariogram;
 using fenn::analysis::BinningOptions;
 using fenn::analysis::binSemivariogram;
@@ -22,6 +22,7 @@ using fenn::analysis::LagBin;
 using fenn::analysis::semivariogramAtEveryLag;
 using fenn::estimation::makeModelParts;
 using fenn::estimation::SampleSet;
+using fenn::test::binnedSemivariogram;
 
 TEST(BinnedSemivariogramTest, BinsMatchThoseWorkedOutByHand)
 {

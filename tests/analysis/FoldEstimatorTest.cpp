@@ -47,6 +47,9 @@ void expectRefits(const SampleSet& samples, const Estimates& actual, const Estim
     ASSERT_EQ(actual.variances.size(), expected.variances.size());
     for (std::size_t i = 0; i < expected.variances.size(); ++i)
         ASSERT_NEAR(actual.variances[i], expected.variances[i], 1e-9) << i;
+    ASSERT_EQ(actual.driftProducts.size(), expected.driftProducts.size());
+    for (std::size_t i = 0; i < expected.driftProducts.size(); ++i)
+        ASSERT_NEAR(actual.driftProducts[i], expected.driftProducts[i], 1e-9) << i;
 }
 
 TEST(FoldEstimatorTest, FiguresAreThoseOfRefitsWithTheScalesOfAllSamples)
@@ -67,7 +70,8 @@ TEST(FoldEstimatorTest, FiguresAreThoseOfRefitsWithTheScalesOfAllSamples)
                 {
                     EstimatorOptions options;
                     options.isExact = isExact;
-                    expectRefits(samples, FoldEstimator(samples, settings, options).estimate(folds, 4, true), expected);
+                    expectRefits(samples, FoldEstimator(samples, settings, options).estimate(folds, 4, {true, true}),
+                                 expected);
                 }
             }
         }
@@ -80,7 +84,7 @@ TEST(FoldEstimatorTest, InMoreInputsThanTheModelIsValidInFiguresAreThoseOfRefits
     const ModelSettings settings{-1.0, std::vector<double>(6, 1.0), 1, 2.0, 0.0, 0};
     const std::vector<std::size_t> folds = assignFolds(80, 5, 1);
 
-    expectRefits(samples, FoldEstimator(samples, settings).estimate(folds, 5, true),
+    expectRefits(samples, FoldEstimator(samples, settings).estimate(folds, 5, {true, true}),
                  refitWithoutGroups(samples, settings, groupsOf(folds, 5)));
 }
 
@@ -89,7 +93,7 @@ TEST(FoldEstimatorTest, FoldsOfOneSampleAreLeaveOneOut)
     const SampleSet samples = smoothSamples(50, 3);
     const ModelSettings settings{-1.0, {}, 1, 1.0, 0.1, 0};
 
-    const Estimates estimates = FoldEstimator(samples, settings).estimate(assignFolds(50, 50, 1), 50, true);
+    const Estimates estimates = FoldEstimator(samples, settings).estimate(assignFolds(50, 50, 1), 50, {true, true});
 
     expectRefits(samples, estimates, fenn::analysis::leaveOneOut(samples, settings).estimates);
 }
@@ -98,14 +102,15 @@ TEST(FoldEstimatorTest, AnotherDivisionIsAnsweredFromTheSameFactorisation)
 {
     const SampleSet samples = smoothSamples(60, 3);
     const FoldEstimator estimator(samples, {});
-    const Estimates first = estimator.estimate(assignFolds(60, 5, 1), 5, false);
-    const Estimates second = estimator.estimate(assignFolds(60, 5, 2), 5, false);
+    const Estimates first = estimator.estimate(assignFolds(60, 5, 1), 5, {});
+    const Estimates second = estimator.estimate(assignFolds(60, 5, 2), 5, {});
 
     EXPECT_FALSE(sameBits(first.values[0], second.values[0]));
-    EXPECT_TRUE(sameBits(estimator.estimate(assignFolds(60, 5, 1), 5, false).values[0], first.values[0]));
-    EXPECT_TRUE(
-        sameBits(FoldEstimator(samples, {}).estimate(assignFolds(60, 5, 2), 5, true).values[0], second.values[0]));
+    EXPECT_TRUE(sameBits(estimator.estimate(assignFolds(60, 5, 1), 5, {}).values[0], first.values[0]));
+    EXPECT_TRUE(sameBits(FoldEstimator(samples, {}).estimate(assignFolds(60, 5, 2), 5, {true, true}).values[0],
+                         second.values[0]));
     EXPECT_TRUE(first.variances.empty());
+    EXPECT_TRUE(first.driftProducts.empty());
 }
 
 TEST(FoldEstimatorTest, MergedSamplesAreLeftOutTogetherWithTheFoldOfTheFirst)
@@ -130,7 +135,7 @@ TEST(FoldEstimatorTest, MergedSamplesAreLeftOutTogetherWithTheFoldOfTheFirst)
     }
     groups[folds[3]].push_back(position);
 
-    const Estimates estimates = FoldEstimator(samples, settings).estimate(folds, 3, true);
+    const Estimates estimates = FoldEstimator(samples, settings).estimate(folds, 3, {true, true});
 
     const Estimates expected = refitWithoutGroups(samples, settings, groups);
     for (const std::size_t i : {3U, 7U, 20U})
@@ -155,8 +160,8 @@ TEST(FoldEstimatorTest, ALargeCommonOffsetOfTheOutputsStaysOutOfTheErrors)
     const SampleSet plain(inputs, {values});
     const SampleSet raised(inputs, {offsetValues});
 
-    const std::vector<double> expected = FoldEstimator(plain, {}).estimate(folds, 5, false).values[0];
-    const std::vector<double> actual = FoldEstimator(raised, {}).estimate(folds, 5, false).values[0];
+    const std::vector<double> expected = FoldEstimator(plain, {}).estimate(folds, 5, {}).values[0];
+    const std::vector<double> actual = FoldEstimator(raised, {}).estimate(folds, 5, {}).values[0];
 
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_NEAR(actual[i] - offset, expected[i], 0x1p-11); // two spacings of doubles at the offset
@@ -170,7 +175,7 @@ TEST(FoldEstimatorTest, TooFewOthersAreRefusedAsARefitWouldBe)
     {
         return [&, numFolds]
         {
-            estimator.estimate(assignFolds(16, numFolds, 1), numFolds, false);
+            estimator.estimate(assignFolds(16, numFolds, 1), numFolds, {});
         };
     };
 
@@ -178,7 +183,7 @@ TEST(FoldEstimatorTest, TooFewOthersAreRefusedAsARefitWouldBe)
     EXPECT_EQ(fenn::test::messageOf<SurrogateModelInterface::Error>(inFolds(5)),
               "Not enough source points to calculate drift.");
     EXPECT_EQ(fenn::test::messageOf<SurrogateModelInterface::Error>(
-                  [] { FoldEstimator(smoothSamples(4, 1), {}).estimate(assignFolds(4, 2, 1), 2, false); }),
+                  [] { FoldEstimator(smoothSamples(4, 1), {}).estimate(assignFolds(4, 2, 1), 2, {}); }),
               "Not enough source points for kriging.");
 }
 

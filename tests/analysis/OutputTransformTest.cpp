@@ -1,5 +1,6 @@
 #include "analysis/OutputTransform.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -203,6 +204,37 @@ TEST(OutputTransformTest, UnitsOfLogarithmsComeBackByTheirFormulasThenLimit)
     EXPECT_EQ(limited.intervalOf({-1.0, 2.0}).upper, 4.0);
     EXPECT_TRUE(logarithms == logarithms);
     EXPECT_FALSE(logarithms == limited);
+}
+
+/// The integral of (F(y) - 1{y >= truth})^2 over y by the midpoint rule, in steps of the logarithm.
+double integratedCrps(double logarithmOfTruth, double mean, double deviation)
+{
+    constexpr double step = 1e-4;
+    double sum = 0.0;
+    const double low = std::min(mean - 9.0 * deviation, logarithmOfTruth);
+    const double high = std::max(mean + 9.0 * deviation, logarithmOfTruth);
+    for (double x = low + 0.5 * step; x < high; x += step)
+    {
+        const double probability = fenn::analysis::normalProbability((x - mean) / deviation);
+        const double difference = x >= logarithmOfTruth ? 1.0 - probability : probability;
+        sum += difference * difference * std::exp(x) * step;
+    }
+    return sum;
+}
+
+TEST(OutputTransformTest, TheScoreOfALogarithmIsTheIntegralInTheDatasUnits)
+{
+    for (const double deviation : {0.1, 0.5, 1.5})
+    {
+        for (const double truth : {-2.0, 0.3, 1.0, 4.0})
+        {
+            const double expected = integratedCrps(truth, 1.0, deviation);
+            EXPECT_NEAR(fenn::analysis::crpsOfLogarithm(truth, 1.0, deviation), expected, 1e-4 * (1.0 + expected))
+                << truth << ", " << deviation;
+        }
+    }
+    EXPECT_NEAR(fenn::analysis::crpsOfLogarithm(std::log(5.0), std::log(3.0), 0.0), 2.0, 1e-14);
+    EXPECT_NEAR(fenn::analysis::crpsOfLogarithm(std::log(5.0), std::log(3.0), 1e-9), 2.0, 1e-6);
 }
 
 } // namespace

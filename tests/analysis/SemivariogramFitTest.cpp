@@ -7,6 +7,7 @@
 
 #include "estimation/makeModelParts.h"
 #include "surrogatemodel_kriging/ModelParts.h"
+#include "tests/analysis/BinsOf.h"
 #include "tests/analysis/SimulatedField.h"
 #include "tests/estimation/Samples.h"
 
@@ -161,7 +162,7 @@ TEST(SemivariogramFitTest, FieldsAreFittedByWhatTheyWereMadeFrom)
     {
         const auto samples = fenn::test::simulatedField(inputs, truth, 4.0, 50.0, static_cast<std::uint64_t>(900 + k));
         const auto parts = fenn::estimation::makeModelParts(samples, truth);
-        const SphericalFit fit = fitSpherical(fenn::analysis::binnedSemivariogram(*parts, 0, 15));
+        const SphericalFit fit = fitSpherical(fenn::test::binnedSemivariogram(*parts, 0, 15));
         sumSill += fit.sill;
         sumNugget += fit.nuggetFraction;
         sumLogRange += std::log(fenn::analysis::toRangeFraction(*parts, fit.range));

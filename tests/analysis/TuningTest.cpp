@@ -253,6 +253,55 @@ TEST(TuningTest, HeldOutSamplesScoreWinnerAndStartByTheModelsOfTheOthers)
     EXPECT_DOUBLE_EQ(result.winnerHeldOut.score, scaledSum / 2.0);
 }
 
+/// Each sample three times, the repeats far from it in the list.
+SampleSet threeOfEach(const SampleSet& samples)
+{
+    std::vector<std::size_t> indices;
+    for (std::size_t repeat = 0; repeat < 3; ++repeat)
+    {
+        for (std::size_t i = 0; i < samples.getNumSamples(); ++i)
+            indices.push_back(i);
+    }
+    return samples.subset(indices);
+}
+
+TEST(TuningTest, SamplesOfOnePlaceAreHeldOutTogether)
+{
+    const SampleSet samples = threeOfEach(smoothSamples(40, 4));
+    TuningOptions options = quickOptions();
+    options.maxTrials = 1;
+
+    const TuningResult result = tune(samples, {-1.0, {}, 0, 1.0, 0.1, 0}, SearchSpace(), options);
+
+    ASSERT_EQ(result.heldOutSamples.size(), 24U); // a fifth of 40 places
+    for (const std::size_t i : result.heldOutSamples)
+        EXPECT_EQ(std::count_if(result.heldOutSamples.begin(), result.heldOutSamples.end(),
+                                [&](std::size_t j) { return j % 40 == i % 40; }),
+                  3);
+}
+
+TEST(TuningTest, FewPlacesWithManySamplesAreHeldOutNoMoreThanAsked)
+{
+    std::vector<std::size_t> indices;
+    for (std::size_t i = 0; i < 90; ++i)
+        indices.push_back(i % 3);
+    const SampleSet samples = smoothSamples(40, 4).subset(indices);
+    TuningOptions options = quickOptions();
+    options.maxTrials = 1;
+    const ModelSettings start{-1.0, {}, 0, 1.0, 0.1, 0};
+
+    EXPECT_TRUE(tune(samples, start, SearchSpace(), options).heldOutSamples.empty()); // a place is a third
+    options.heldOutFraction = 0.9;
+    EXPECT_EQ(tune(samples, start, SearchSpace(), options).heldOutSamples.size(), 30U); // two places are left
+}
+
+TEST(TuningTest, ASinglePlaceIsRefused)
+{
+    const SampleSet samples({{1.0, 1.0, 1.0}, {2.0, 2.0, 2.0}}, {{1.0, 2.0, 3.0}});
+
+    EXPECT_THROW(tune(samples, {-1.0, {}, 0, 1.0, 0.1, 0}, SearchSpace(), quickOptions()), std::invalid_argument);
+}
+
 TEST(TuningTest, WithoutHeldOutSamplesAllAreSearchedOn)
 {
     TuningOptions options = quickOptions();

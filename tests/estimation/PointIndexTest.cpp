@@ -144,6 +144,29 @@ TEST(PointIndexTest, OfManyCoincidentPointsTheLowestPositionsAreKept)
     EXPECT_EQ(nearestPts(columns, {7.0, 8.0}, 4), (Positions{0, 1, 2, 3}));
 }
 
+TEST(PointIndexTest, FewPlacesWithManyPointsAreThoseOfTheExhaustiveSearch)
+{
+    // Interleaved, so that positions of one place lie far apart; places of 1, 15, 16, 17, 33 and many points.
+    const Columns places{{0.0, 1.0, 0.0, 1.0, 0.5, 3.0, 3.0}, {0.0, 0.0, 1.0, 1.0, 0.5, 3.0, -0.0}};
+    const std::size_t counts[] = {1, 15, 16, 17, 33, 200, 700};
+    Columns columns(2);
+    for (std::size_t round = 0; round < 700; ++round)
+    {
+        for (std::size_t place = 0; place < 7; ++place)
+        {
+            if (round >= counts[place])
+                continue;
+            columns[0].push_back(places[0][place]);
+            columns[1].push_back(places[1][place]);
+        }
+    }
+    Columns targets{{0.5, 2.0, 3.0, -1.0}, {0.4, 1.0, 1.5, 7.0}};
+    for (std::size_t v = 0; v < 2; ++v)
+        targets[v].insert(targets[v].end(), places[v].begin(), places[v].end());
+
+    expectWhatTheExhaustiveSearchFinds(columns, targets, {1, 2, 15, 16, 17, 31, 40, 90, 300, 982, 2000});
+}
+
 TEST(PointIndexTest, ANonFiniteTargetFindsNothing)
 {
     const Columns columns{{0.0, 1.0, infinity}, {0.0, 1.0, 2.0}};

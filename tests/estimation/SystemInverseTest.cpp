@@ -61,6 +61,51 @@ Rows plainInverse(const ModelParts& parts, int driftOrder)
     return inverse;
 }
 
+double largestMagnitude(const Rows& rows)
+{
+    double largest = 0.0;
+    for (const std::vector<double>& row : rows)
+    {
+        for (const double element : row)
+            largest = std::max(largest, std::fabs(element));
+    }
+    return largest;
+}
+
+/// The drift terms' rows of that inverse, at the points.
+Rows plainDriftRows(const ModelParts& parts, int driftOrder)
+{
+    const auto numPoints = parts.getPoints().size();
+    KrigingMatrix system(parts.getDataBlock(), static_cast<int>(numPoints), &parts.getSemivariogram(), driftOrder);
+    std::vector<double> scratch(parts.getNormalizers().size());
+    system.assemble(parts.getPoints(), scratch);
+    system.luDecompose();
+    const auto dimension = static_cast<std::size_t>(system.getDimension());
+    Rows rows(dimension - numPoints, std::vector<double>(numPoints));
+    for (std::size_t j = 0; j < numPoints; ++j)
+    {
+        std::vector<double> column(dimension, 0.0);
+        column[j] = 1.0;
+        system.luSolve(column.data());
+        for (std::size_t k = numPoints; k < dimension; ++k)
+            rows[k - numPoints][j] = column[k];
+    }
+    return rows;
+}
+
+void expectDriftRows(const SystemInverse& inverse, const Rows& expected)
+{
+    const Rows rows = inverse.calcDriftRows();
+    ASSERT_EQ(rows.size(), expected.size());
+    for (std::size_t k = 0; k < rows.size(); ++k)
+    {
+        const double tolerance = 1e-10 * largestMagnitude(expected);
+        ASSERT_EQ(rows[k].size(), expected[k].size());
+        for (std::size_t i = 0; i < rows[k].size(); ++i)
+            ASSERT_NEAR(rows[k][i], expected[k][i], tolerance) << "term " << k << ", point " << i;
+    }
+}
+
 /// In groups of uneven sizes, every third point's first; their order within a group is a falling one.
 std::vector<std::vector<std::size_t>> unevenGroups(std::size_t numPoints)
 {
@@ -81,17 +126,6 @@ std::vector<Rows> blocksOf(const SystemInverse& inverse, const std::vector<std::
                                blocks[g].emplace_back(block.getRow(i), block.getRow(i) + count);
                        });
     return blocks;
-}
-
-double largestMagnitude(const Rows& rows)
-{
-    double largest = 0.0;
-    for (const std::vector<double>& row : rows)
-    {
-        for (const double element : row)
-            largest = std::max(largest, std::fabs(element));
-    }
-    return largest;
 }
 
 void expectInverse(const SystemInverse& inverse, const Rows& expected)
@@ -141,6 +175,22 @@ TEST(SystemInverseTest, BothFormsHoldTheInverseOfThePlugInsSystem)
             expectInverse(*covariance, expected);
             expectInverse(GlobalSystem(*parts, driftOrder, 2), expected);
         }
+    }
+}
+
+TEST(SystemInverseTest, DriftRowsAreThoseOfThePlugInsSystemInBothForms)
+{
+    for (const int driftOrder : {0, 1, 2, 4}) // up to 15 terms: more than a strip
+    {
+        SCOPED_TRACE(testing::Message() << "drift " << driftOrder);
+        const SampleSet samples = smoothSamples(71, 5);
+        const auto parts = makeModelParts(samples, {-1.0, {}, driftOrder, 0.8, 0.1, 0});
+        const Rows expected = plainDriftRows(*parts, driftOrder);
+
+        const auto covariance = CovarianceInverse::makeWhereAccurate(*parts, driftOrder, 2);
+        ASSERT_NE(covariance, nullptr);
+        expectDriftRows(*covariance, expected);
+        expectDriftRows(GlobalSystem(*parts, driftOrder, 2), expected);
     }
 }
 

@@ -29,6 +29,16 @@ TEST(SystemSizeTest, DriftTermsTakeRows)
     EXPECT_GT(calcSystemBytes(100, 10, 4), 8.0 * 1100 * 1100);
 }
 
+TEST(SystemSizeTest, EachThreadHoldsTheColumnsOfOneFold)
+{
+    using fenn::estimation::calcFoldBytes;
+
+    EXPECT_GT(calcFoldBytes(10000, 2, 1, 10, 1), 8.0 * 10000 * 1000);
+    EXPECT_LT(calcFoldBytes(10000, 2, 1, 10, 1), 8.0 * 10000 * 1000 * 1.3);
+    EXPECT_EQ(calcFoldBytes(10000, 2, 1, 10, 4), 4.0 * calcFoldBytes(10000, 2, 1, 10, 1));
+    EXPECT_EQ(calcFoldBytes(10000, 2, 1, 3, 4), calcFoldBytes(10000, 2, 1, 3, 3)); // no more threads than folds
+}
+
 TEST(SystemSizeTest, TheCovarianceFormTakesATriangleOfDoubles)
 {
     EXPECT_GT(calcCovarianceBytes(15000, 2, 1), 8.0 * 15000 * 15000 / 2.0);

@@ -70,6 +70,18 @@ TEST(ModelMemoryTest, TheCovarianceFormOfAGlobalModelTakesHalf)
     EXPECT_THROW(checkModelMemory(samples, {}, 0.99 * bytes, false), InputError);
 }
 
+TEST(ModelMemoryTest, FoldsThatAreLeftOutAtOnceAreCountedPerThread)
+{
+    const SampleTable samples = samplesOnALine(5000);
+    const double oneFold = 8.0 * 5000 * 500;
+    const krige::FoldsAtOnce onTwoThreads{10, 2};
+    const double bytes = calcSystemBytes(5000, 1, 0);
+
+    EXPECT_NO_THROW(checkModelMemory(samples, {}, bytes + 3.0 * oneFold, true, onTwoThreads));
+    EXPECT_THROW(checkModelMemory(samples, {}, bytes + oneFold, true, onTwoThreads), InputError);
+    EXPECT_NO_THROW(checkModelMemory(samples, {}, bytes + oneFold, true));
+}
+
 TEST(ModelMemoryTest, ALocalModelTakesOneSmallSystem)
 {
     const SampleTable samples = samplesOnALine(5000);

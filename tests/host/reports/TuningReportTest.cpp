@@ -64,6 +64,14 @@ TEST(TuningReportTest, SettingsReadAsACommandLineHasThem)
 
     settings.anisotropy.emplace(2.5, 30.0);
     EXPECT_THAT(krige::optionsFor(settings), HasSubstr(" --nearest 16 --anisotropy 2.5,30 --duplicate-tolerance 0"));
+
+    settings.units.areLogarithms = true;
+    settings.units.limits.lower = 0.5;
+    EXPECT_THAT(krige::optionsFor(settings), EndsWith(" --sill 12.5,auto --transform log --clamp 0.5:"));
+
+    settings.duplicateTolerance = -1.0;
+    settings.keepsDuplicates = true;
+    EXPECT_THAT(krige::optionsFor(settings), HasSubstr(" --anisotropy 2.5,30 --duplicates keep --sill "));
 }
 
 TEST(TuningReportTest, AStarMarksEachTrialThatIsTheBestSoFar)
@@ -201,6 +209,27 @@ TEST(TuningReportTest, ASearchThatWasCancelledHasABestSoFar)
 TEST(TuningReportTest, TheScoreOfALikelihoodSearchIsTheCrps)
 {
     EXPECT_THAT(printed(twoTrials(), Objective::Likelihood), HasSubstr("(score: mean over outputs of CRPS / "));
+}
+
+TEST(TuningReportTest, ATableOfLogarithmsSaysWhatIsInWhichUnits)
+{
+    const auto printedAsLogarithms = [](Objective objective)
+    {
+        const TuningResult result = twoTrials();
+        Settings winner = Settings().withModel(result.trials[result.winner].settings);
+        winner.units.areLogarithms = true;
+        std::ostringstream out;
+        krige::printTuning(out, result, winner, {"z"}, objective);
+        return out.str();
+    };
+
+    EXPECT_THAT(printedAsLogarithms(Objective::Rmse),
+                HasSubstr("(score: mean over outputs of RMSE / standard deviation, in the data's units; lower is "
+                          "better)\n(below, errors are in the data's units; MSSE, CRPS and coverage are of the "
+                          "logarithms)\n"));
+    EXPECT_THAT(printedAsLogarithms(Objective::Likelihood),
+                HasSubstr(" of CRPS / standard deviation, of the logarithms; lower is better)\n"));
+    EXPECT_THAT(printed(twoTrials()), Not(HasSubstr("logarithms")));
 }
 
 TEST(TuningReportTest, AModelThatFailsAtTheHeldOutSamplesSaysSo)
