@@ -165,6 +165,48 @@ TEST(TuningTest, EqualScalesAreAlwaysTriedUnlessScalesAreKept)
     EXPECT_FALSE(triesEqualScales(kept));
 }
 
+TEST(TuningTest, EqualScalesAreFirstTriedWithTheRangeOfTheBestSoFar)
+{
+    const SampleSet samples = smoothSamples(60, 12);
+    const TuningResult result = tune(samples, {}, SearchSpace(), quickOptions(Objective::Likelihood));
+    const auto isEqual = [](const Trial& trial)
+    {
+        return trial.settings.scaleFactors == std::vector<double>{1.0, 1.0};
+    };
+    const auto first = std::find_if(result.trials.begin(), result.trials.end(), isEqual);
+
+    ASSERT_NE(first, result.trials.end());
+    const auto best =
+        std::min_element(result.trials.begin(), first,
+                         [](const Trial& a, const Trial& b) { return a.penalisedCriterion < b.penalisedCriterion; });
+    EXPECT_EQ(first->settings.rangeFraction, best->settings.rangeFraction);
+    EXPECT_EQ(first->settings.nugget, best->settings.nugget);
+}
+
+TEST(TuningTest, ARatioOfScalesThatWasChosenHasToGainAsMuchAsItCosts)
+{
+    const SampleSet samples(
+        {fenn::test::randomValues(1, 60, 0.0, 1.0, 5)[0], fenn::test::randomValues(1, 60, 0.0, 1e6, 6)[0]},
+        {fenn::test::normalNumbers(60, 7)});
+    SearchSpace space;
+    TuningOptions options = quickOptions(Objective::Likelihood);
+    options.heldOutFraction = 0.0;
+    options.maxTrials = 200;
+
+    std::size_t numChosen = 0;
+    for (const Trial& trial : tune(samples, {}, space, options).trials)
+    {
+        const std::vector<double>& factors = trial.settings.scaleFactors;
+        const bool isChosen = !factors.empty() && factors[0] != factors[1];
+        numChosen += isChosen ? 1 : 0;
+        if (trial.hasDeviance)
+        {
+            EXPECT_EQ(trial.penalisedCriterion, trial.criterion + (isChosen ? std::log(60.0) : 0.0));
+        }
+    }
+    EXPECT_GT(numChosen, 0U);
+}
+
 TEST(TuningTest, AStartThatBeatsAllOthersStaysTheWinner)
 {
     // A plane that a linear drift reproduces: nothing else comes near.
