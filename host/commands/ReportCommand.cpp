@@ -41,31 +41,44 @@ public:
     void endStep(const std::string& name)
     {
         const Clock::time_point now = Clock::now();
-        add(name, now - start);
+        steps.emplace_back(name, now - start);
         total += now - start;
         start = now;
     }
 
     /// A table; its lines alone differ between two runs.
-    std::string toHtml()
+    std::string toHtml() const
     {
-        add("all", total);
+        std::vector<std::vector<std::string>> rows{{"step", "time"}};
+        for (const auto& [name, time] : steps)
+            rows.push_back({name, secondsText(time)});
+        rows.push_back({"all", secondsText(total)});
         return tableOf(rows, "timings");
+    }
+
+    /// "0.228 s (reading the samples 0.001 s, ...)"
+    std::string toText() const
+    {
+        std::string text;
+        for (const auto& [name, time] : steps)
+            text += (text.empty() ? "" : ", ") + name + " " + secondsText(time);
+        return secondsText(total) + " (" + text + ")";
     }
 
 private:
     using Clock = std::chrono::steady_clock;
+    using Seconds = std::chrono::duration<double>;
 
-    void add(const std::string& name, std::chrono::duration<double> time)
+    static std::string secondsText(Seconds time)
     {
         char text[32];
         std::snprintf(text, sizeof text, "%.3f s", time.count());
-        rows.push_back({name, text});
+        return text;
     }
 
     Clock::time_point start = Clock::now();
-    std::chrono::duration<double> total{0.0};
-    std::vector<std::vector<std::string>> rows{{"step", "time"}};
+    Seconds total{0.0};
+    std::vector<std::pair<std::string, Seconds>> steps;
 };
 
 namespace
@@ -313,7 +326,8 @@ void ReportCommand::run(std::ostream& /*out*/, Console& console) const
     page.addSection("run", "Run", paragraphOf("Made by krige " KRIGE_VERSION ".") + times.toHtml());
     output.write(page.toHtml());
     output.commit();
-    report.finished(views.size() * views.front().getNumNodes());
+    times.endStep("writing it");
+    log.getStream() << "time: " << times.toText() << '\n';
 }
 
 } // namespace krige

@@ -174,6 +174,7 @@ std::string layersOf(const MapData& data, const MapView& view, std::size_t outpu
         {
             const std::vector<Values> outline =
                 fenn::analysis::ConvexHull(data.samples.inputs[view.x], data.samples.inputs[y]).calcOutline();
+            chart.addLine(outline[0], outline[1], "hull-under"); // seen on light colours
             chart.addLine(outline[0], outline[1], "hull");
         }
         addSites(chart, placesOfSamples(data, view, frame, data.samples.inputs[y]));

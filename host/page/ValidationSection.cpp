@@ -26,11 +26,12 @@ std::string percentText(double fraction)
     return std::isnan(fraction) ? "nan" : text;
 }
 
-/// Three significant digits.
+/// Three significant digits, or all before the point.
 std::string shortFigure(double value)
 {
     char text[32];
-    std::snprintf(text, sizeof text, "%.3g", value);
+    const bool isLarge = std::fabs(value) >= 1000.0 && std::fabs(value) < 1e7;
+    std::snprintf(text, sizeof text, isLarge ? "%.0f" : "%.3g", value);
     return std::isnan(value) ? "nan" : text;
 }
 

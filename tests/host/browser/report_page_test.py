@@ -200,8 +200,10 @@ class ReportPageTest(unittest.TestCase):
             " for (const [word, y] of [['top', 10], ['end', box.height - 2]]) {"
             " const text = document.createElementNS('http://www.w3.org/2000/svg', 'text');"
             " text.setAttribute('x', 2); text.setAttribute('y', y); text.textContent = word + i; svg.append(text); }"
-            " const caption = svg.parentElement.querySelector('figcaption, .layer-title') ??"
-            " svg.closest('figure').querySelector('figcaption'); caption.prepend('caption' + i + ' '); });"
+            " const title = svg.parentElement.querySelector('.layer-title');"
+            " if (title) title.prepend('caption' + i + ' ');"
+            " const figure = svg.closest('figure'); if (figure.querySelector('svg') === svg)"
+            " figure.querySelector('figcaption').prepend((title ? 'figure' : 'caption') + i + ' '); });"
             " return pictures.length; })()")
         self.assertGreater(count, 4)
         pdf = self.path("page.pdf")
@@ -209,12 +211,14 @@ class ReportPageTest(unittest.TestCase):
         text = subprocess.run(["pdftotext", "-bbox", pdf, "-"], check=True, capture_output=True, text=True).stdout
         found = {}  # sheet and height of each word
         for number, sheet in enumerate(text.split("<page ")[1:]):
-            for y, word in re.findall(r'yMax="([\d.]+)">((?:top|end|caption)\d+)<', sheet):
+            for y, word in re.findall(r'yMax="([\d.]+)">((?:top|end|caption|figure)\d+)<', sheet):
                 self.assertNotIn(word, found)
                 found[word] = (number, float(y))
         for i in range(count):
             caption, top, end = (found[word + str(i)] for word in ["caption", "top", "end"])
             self.assertEqual([caption[0], end[0]], [top[0], top[0]], f"picture {i} is cut, or apart from its caption")
+            if f"figure{i}" in found:  # above the title of its first layer
+                self.assertEqual(found[f"figure{i}"][0], top[0], f"picture {i} is apart from its caption")
             self.assertLess(caption[1], top[1] + 20)
             self.assertLess(top[1] + 50, end[1])
         self.assertGreater(max(sheet for sheet, _ in found.values()), 0)

@@ -49,6 +49,16 @@ test_OnePageHoldsAllSections()
     expect_page "Made by $("$program" --version)."
 }
 
+test_TheReportNamesItsStepsAndEngine()
+{
+    rainfall
+    expect_stderr 'engine: covariance form'
+    expect_stderr 'support: no target lies outside the box of the samples'
+    grep -qE '^time: [0-9.]+ s \(reading the samples .*, cross-validation .*, maps ' "$scratch/log/err" || fail 'no times'
+    rainfall --quiet
+    [ ! -s "$scratch/log/err" ] || fail 'standard error is not empty'
+}
+
 test_NothingIsLoadedFromAnywhere()
 {
     rainfall
