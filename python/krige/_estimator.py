@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import dataclasses
 import os
 from pathlib import Path
 from typing import TYPE_CHECKING, Any
@@ -41,7 +42,7 @@ class _TransformParameter:
         estimator.__dict__["transform"] = value
 
 
-class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
+class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):  # type: ignore[misc]
     """Universal Kriging with a spherical semivariogram and a polynomial drift.
 
     With the same settings, engines included, estimates have the bits of the command line ``krige``.
@@ -232,7 +233,7 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
         self.X_train_ = samples.X
         self.y_train_ = samples.y
         self.n_missing_ = samples.n_missing
-        self.output_names_ = samples.output_names
+        self.output_names_: list[str] = samples.output_names
         self.model_ = model
 
     def __setstate__(self, state: dict[str, Any]) -> None:
@@ -375,12 +376,14 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
         """
         check_is_fitted(self)
         left = self.model_.leave_one_out()
-        arrays = [left[name] for name in ("estimates", "std", "truths")]
-        statistics = left["statistics"]
-        if self.y_train_.ndim == 1:
-            arrays = [array[:, 0] for array in arrays]
-            statistics = statistics[0]
-        return LeaveOneOut(*arrays, members=left["members"], statistics=statistics)
+        columns: Any = 0 if self.y_train_.ndim == 1 else slice(None)
+        return LeaveOneOut(
+            estimates=left["estimates"][:, columns],
+            std=left["std"][:, columns],
+            truths=left["truths"][:, columns],
+            members=left["members"],
+            statistics=left["statistics"][columns],
+        )
 
     def semivariogram(self, n_lags: int = 15, max_lag: Any = None, output: int | str = 0) -> Semivariogram:
         """The empirical semivariogram of the points beside the model's.
@@ -414,14 +417,8 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
             raise KrigingError(f"n_lags must be a whole number from 1 to 1000000, not {show(n_lags)}")
         lag, in_units = _check_max_lag(max_lag)
         table = self.model_.semivariogram(int(n_lags), lag, in_units, self._find_output(output))
-        columns = ("lower_lag", "upper_lag", "mean_lag", "semivariance", "model", "n_pairs")
-        return Semivariogram(
-            *(table[name] for name in columns),
-            sill=table["sill"],
-            nugget=self._parameters.nugget,
-            range=table["range"],
-            in_units=table["in_units"],
-        )
+        names = [field.name for field in dataclasses.fields(Semivariogram) if field.name != "nugget"]
+        return Semivariogram(nugget=self._parameters.nugget, **{name: table[name] for name in names})
 
     def _find_output(self, output: Any) -> int:
         if isinstance(output, str) and output in self.output_names_:
