@@ -290,7 +290,7 @@ def check_parameters_without_nugget(parameters: Parameters) -> _core.Settings:
 
 
 def _params_of(settings: _core.Settings, given: tuple[float, float] | None) -> dict[str, Any]:
-    """Parameters of a trial. given: the anisotropy of all trials, which takes the place of scale as a found one does."""
+    """Parameters of a trial. given: the anisotropy of all trials; it takes the place of scale, as a found one does."""
     anisotropy = given or settings.anisotropy
     return {
         "drift_order": settings.drift_order,
