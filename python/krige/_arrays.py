@@ -14,10 +14,11 @@ def unmasked(values: Any) -> Any:
     """A masked array as numbers, with nan where something is masked; anything else as it is."""
     if not isinstance(values, np.ma.MaskedArray):
         return values
-    if not np.ma.is_masked(values):
+    masked: Any = values
+    if not np.any(masked.mask):
         return np.asarray(values)
     try:
-        return values.astype(np.float64).filled(np.nan)
+        return masked.astype(np.float64).filled(np.nan)
     except (TypeError, ValueError):
         raise KrigingError("a masked array must hold numbers") from None
 

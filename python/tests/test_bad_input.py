@@ -31,7 +31,9 @@ WRONG_PARAMETERS = {
 }
 
 
-@pytest.mark.parametrize("name, value", [(name, value) for name in WRONG_PARAMETERS for value in WRONG_PARAMETERS[name]])
+@pytest.mark.parametrize(
+    "name, value", [(name, value) for name in WRONG_PARAMETERS for value in WRONG_PARAMETERS[name]]
+)
 def test_wrong_parameters_are_named_by_fit(samples, name, value):
     with pytest.raises(KrigingError, match=name):
         KrigingRegressor(**{name: value}).fit(*samples)

@@ -131,7 +131,8 @@ def test_a_grid_carries_names_and_engine(samples):
 
 
 @pytest.mark.parametrize(
-    "shape, region", [((3,), None), (3, None), ((3, 0), None), ((3, 2.5), None), ((3, 2), (0, 1)), ((3, 2), (1, 0, 0, 1))]
+    "shape, region",
+    [((3,), None), (3, None), ((3, 0), None), ((3, 2.5), None), ((3, 2), (0, 1)), ((3, 2), (1, 0, 0, 1))],
 )
 def test_what_is_no_grid_is_refused(samples, shape, region):
     model = KrigingRegressor().fit(*samples)

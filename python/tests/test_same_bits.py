@@ -12,7 +12,10 @@ from krige.model_selection import SeededKFold
 SETTINGS = {
     "defaults": ((), {}),
     "exact": (("--exact",), {"exact": True}),
-    "drift": (("--drift", 1, "--nugget", 0.1, "--range", 0.4), {"drift_order": 1, "nugget": 0.1, "range_fraction": 0.4}),
+    "drift": (
+        ("--drift", 1, "--nugget", 0.1, "--range", 0.4),
+        {"drift_order": 1, "nugget": 0.1, "range_fraction": 0.4},
+    ),
     "local": (("--nearest", 12), {"n_neighbors": 12}),
     "local exact": (("--nearest", 12, "--exact"), {"n_neighbors": 12, "exact": True}),
     "log": (("--transform", "log", "--clamp", "0:900"), {"transform": "log", "clamp": (0, 900)}),
