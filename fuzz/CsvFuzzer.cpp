@@ -18,8 +18,11 @@
 #include "fuzz/InputBytes.h"
 #include "host/files/ColumnReader.h"
 #include "host/files/CsvReader.h"
+#include "host/files/ForeignContent.h"
+#include "host/files/InputFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
+#include "host/text/Utf8.h"
 #include "tests/support/Bits.h"
 #include "tests/support/NaiveCsv.h"
 
@@ -57,12 +60,15 @@ struct Options
 Options decodeOptions(InputBytes& input)
 {
     Options options;
-    constexpr char delimiters[] = {'\0', ',', ';', '\t', '|', ':', '\0', '\0'};
+    constexpr char delimiters[] = {'\0', ',', ';', '\t', '|', ':', krige::CsvFormat::blankRuns, '\0'};
     options.settings.delimiter = delimiters[input.byte() % 8];
     const std::size_t flags = input.byte();
     options.settings.skipMissing = (flags & 1U) != 0;
     options.isPacked = (flags & 2U) != 0;
     options.isPackedInTwo = (flags & 4U) != 0;
+    options.settings.comment = (flags & 8U) != 0 ? "#!" : "";
+    options.settings.hasDecimalComma = (flags & 64U) != 0;
+    options.settings.hasHeader = (flags & 128U) == 0;
     options.maxRows = 1 + input.byte() % 16;
     const bool isPadded = input.byte() == '?'; // rarely: it takes its time
     const std::size_t padding = input.byte() % 64;
@@ -125,9 +131,9 @@ void checkMessage(const InputError& error, const std::string& path, const NaiveC
           std::string("the message is '") + error.what() + "', expected '" + expected.fault + "'");
 }
 
-void compareRecords(const std::string& path, char delimiter, const NaiveCsv& expected)
+void compareRecords(const std::string& path, const krige::CsvFormat& format, const NaiveCsv& expected)
 {
-    CsvReader reader(path, delimiter);
+    CsvReader reader(path, format);
     CsvRecord record;
     std::size_t numRecords = 0;
     try
@@ -163,7 +169,11 @@ void compareWrittenAgain(const MemoryFile& file, const std::vector<NaiveCsv::Rec
         }
         text += '\n';
     }
-    CsvReader reader(file.write(text), ',');
+    if (!krige::describeForeignContent(std::string_view(text).substr(0, blockSize)).empty())
+        return; // without the quotes that it stood in
+    krige::CsvFormat commas;
+    commas.delimiter = ',';
+    CsvReader reader(file.write(text), commas);
     CsvRecord record;
     for (const NaiveCsv::Record& other : records)
     {
@@ -186,29 +196,48 @@ void compareNumber(const std::string& text)
           "number '" + text + "' written again");
 }
 
+/// Of its header row, else numbers from 1.
+std::vector<std::string> namesOfColumns(const NaiveCsv& csv, const krige::ReadSettings& settings)
+{
+    std::vector<std::string> names;
+    for (const std::string& field : csv.records[0].fields)
+        names.push_back(settings.hasHeader ? krige::toUtf8(field) : std::to_string(names.size() + 1));
+    return names;
+}
+
 /// What a column reader does with the records: the values and lines of rows, then an error that begins so.
 struct NaiveColumns
 {
-    NaiveColumns(const NaiveCsv& csv, const std::vector<std::string>& names, bool skipMissing)
+    NaiveColumns(const NaiveCsv& csv, const std::vector<std::string>& names, const krige::ReadSettings& settings)
     {
         if (csv.records.empty())
         {
             errorBegin = csv.fault.empty() ? ", line 1: the file is empty" : csv.fault;
             return;
         }
-        const NaiveCsv::Record& header = csv.records[0];
+        const NaiveCsv::Record header{namesOfColumns(csv, settings), csv.records[0].line};
+        const bool isOfNumbers =
+            std::all_of(header.fields.begin(), header.fields.end(),
+                        [&](const std::string& field)
+                        {
+                            double value = 0.0;
+                            return naiveNumber(field, value, settings.hasDecimalComma) == NumberStatus::Ok;
+                        });
         std::vector<std::size_t> fields;
         for (const std::string& name : names)
         {
             const auto found = std::find(header.fields.begin(), header.fields.end(), name);
-            if (std::count(header.fields.begin(), header.fields.end(), name) != 1)
+            const auto count = std::count(header.fields.begin(), header.fields.end(), name);
+            if (count != 1)
             {
-                errorBegin = ", line " + std::to_string(header.line) + ", column '";
+                const bool lacksHeader = count == 0 && isOfNumbers && settings.hasHeader;
+                errorBegin =
+                    ", line " + std::to_string(header.line) + (lacksHeader ? ": all cells of the" : ", column '");
                 return;
             }
             fields.push_back(static_cast<std::size_t>(found - header.fields.begin()));
         }
-        for (std::size_t r = 1; r < csv.records.size(); ++r)
+        for (std::size_t r = settings.hasHeader ? 1 : 0; r < csv.records.size(); ++r)
         {
             const NaiveCsv::Record& record = csv.records[r];
             errorBegin = ", line " + std::to_string(record.line) + ", column ";
@@ -218,9 +247,9 @@ struct NaiveColumns
             for (const std::size_t field : fields)
             {
                 double value = notANumber;
-                const NumberStatus status = naiveNumber(record.fields[field], value);
+                const NumberStatus status = naiveNumber(record.fields[field], value, settings.hasDecimalComma);
                 const bool isMissing = status == NumberStatus::Missing || status == NumberStatus::Malformed;
-                if (status != NumberStatus::Ok && !(skipMissing && isMissing))
+                if (status != NumberStatus::Ok && !(settings.skipMissing && isMissing))
                     return;
                 row.push_back(value);
             }
@@ -241,7 +270,7 @@ std::vector<std::string> chooseNames(const NaiveCsv& csv, const Options& options
 {
     if (csv.records.empty())
         return {"x"};
-    std::vector<std::string> header = csv.records[0].fields;
+    std::vector<std::string> header = namesOfColumns(csv, options.settings);
     header.emplace_back("no such column");
     std::vector<std::string> names;
     for (std::size_t i = 0; i < options.numColumns && i < header.size(); ++i)
@@ -252,7 +281,7 @@ std::vector<std::string> chooseNames(const NaiveCsv& csv, const Options& options
 void compareColumns(const std::string& path, const NaiveCsv& csv, const Options& options)
 {
     const std::vector<std::string> names = chooseNames(csv, options);
-    const NaiveColumns expected(csv, names, options.settings.skipMissing);
+    const NaiveColumns expected(csv, names, options.settings);
     std::size_t numRows = 0;
     try
     {
@@ -294,7 +323,9 @@ void compareSplitText(const std::string& text)
 {
     if (text.find('\0') != std::string::npos || text.compare(0, 3, "\xEF\xBB\xBF") == 0)
         return; // a byte-order mark and NUL are a file's business
-    const NaiveCsv expected(text, ',');
+    krige::CsvFormat commas;
+    commas.delimiter = ',';
+    const NaiveCsv expected(text, commas);
     const bool hasLineEnd = text.find_first_of("\r\n") != std::string::npos;
     try
     {
@@ -333,12 +364,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string& path = file.write(options.isPacked ? (packedFirst > 0 ? pack(text.substr(0, packedFirst)) : "") +
                                                                 pack(text.substr(packedFirst))
                                                           : text);
-    if (!options.isPacked && text.compare(0, 2, "\x1F\x8B") == 0)
+    const bool isForeign = !krige::describeForeignContent(std::string_view(text).substr(0, blockSize)).empty();
+    if (isForeign || (!options.isPacked && krige::beginsLikePackedData(text)))
     {
-        // Taken for packed, and damaged as good as ever: an error, or whatever was unpacked.
+        // Taken for packed, and damaged as good as ever, or for no table: an error, or whatever was unpacked.
         try
         {
-            CsvReader reader(path, options.settings.delimiter);
+            CsvReader reader(path, options.settings);
             for (CsvRecord record; reader.read(record);)
                 check(record.getLine() > 0, "line of a record");
         }
@@ -349,8 +381,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
 
-    const NaiveCsv expected(text, options.settings.delimiter);
-    compareRecords(path, options.settings.delimiter, expected);
+    const NaiveCsv expected(text, options.settings);
+    compareRecords(path, options.settings, expected);
     compareColumns(path, expected, options);
     if (options.padding > 0)
         return 0;

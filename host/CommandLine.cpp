@@ -1,26 +1,32 @@
 #include "host/CommandLine.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <exception>
 #include <iterator>
 #include <map>
 #include <memory>
 #include <new>
 #include <ostream>
+#include <set>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include "host/ArgumentHints.h"
 #include "host/commands/InfoCommand.h"
 #include "host/commands/PredictCommand.h"
 #include "host/commands/ReportCommand.h"
 #include "host/commands/TuneCommand.h"
 #include "host/commands/ValidateCommand.h"
 #include "host/commands/VariogramCommand.h"
+#include "host/files/InputFile.h"
+#include "host/files/OutputPlace.h"
 #include "host/text/Console.h"
 #include "host/text/HelpFormatter.h"
 #include "host/text/HostErrors.h"
-#include "host/text/NumberText.h"
 
 namespace krige
 {
@@ -57,18 +63,6 @@ constexpr Subcommand subcommands[] = {
     {"info", "Describe a sample file, and the memory and time that a model takes", make<InfoCommand>, false},
 };
 
-std::string listSubcommands()
-{
-    std::string list;
-    for (const Subcommand& subcommand : subcommands)
-    {
-        if (!list.empty())
-            list += &subcommand == std::end(subcommands) - 1 ? " and " : ", ";
-        list += subcommand.name;
-    }
-    return list;
-}
-
 int reportUsageError(std::ostream& err, const CLI::App& app, const char* message)
 {
     std::string command = "krige";
@@ -78,13 +72,51 @@ int reportUsageError(std::ostream& err, const CLI::App& app, const char* message
     return statusUsage;
 }
 
-/// The parser misses a subcommand before it sees what stands in its place.
-std::string describeParseError(const CLI::App& app, const CLI::ParseError& error)
+/// `krige help predict` is `krige predict --help`. Throws UsageError for more than one subcommand.
+std::vector<std::string> withHelpOption(std::vector<std::string> words)
 {
-    const std::vector<std::string> unknown = app.remaining();
-    if (!app.get_subcommands().empty() || unknown.empty())
-        return error.what();
-    return quoteForMessage(unknown.front()) + " is none of the subcommands " + listSubcommands();
+    if (words.empty() || words.front() != "help")
+        return words;
+    if (words.size() > 2)
+        throw UsageError("help: name one subcommand");
+    words.erase(words.begin());
+    const auto isNamed = [&](const Subcommand& subcommand)
+    {
+        return words.front() == subcommand.name;
+    };
+    // Without a subcommand of that name the option would be the program's own.
+    if (words.empty() || std::any_of(std::begin(subcommands), std::end(subcommands), isNamed))
+        words.emplace_back("--help");
+    return words;
+}
+
+/// Temporary files of killed runs where this one is going to write: they may be large, and their names are hidden.
+void nameLeftovers(const CLI::App& subcommand, std::ostream& report)
+{
+    std::set<std::string> named;
+    for (const char* const name : {"--output", "--trials", "--duplicates-report", "--plot"})
+    {
+        const CLI::Option* const option = subcommand.get_option_no_throw(name);
+        if (!option || option->count() == 0 || isStandardStream(option->results().front()))
+            continue;
+        for (const std::string& path : findLeftovers(option->results().front()))
+        {
+            if (named.insert(path).second)
+                report << "left over: " << path << ", a temporary file of a run that was killed; remove it\n";
+        }
+    }
+}
+
+/// What has been printed may still be on its way.
+void finishOutput(std::ostream& out)
+{
+    errno = 0;
+    if (out.flush())
+        return;
+    if (errno == EPIPE)
+        throw ClosedPipe();
+    throw InputError("standard output: writing failed" +
+                     (errno == 0 ? std::string() : ": " + std::generic_category().message(errno)));
 }
 
 int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
@@ -96,7 +128,7 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
     app.footer("Exit status: 0 done, 1 wrong input or a failure, 2 wrong usage; 130 when stopped with Ctrl-C, as the "
                "shell sees "
                "it: no output is left then, but the best settings so far of krige tune.\n\nSee 'krige SUBCOMMAND "
-               "--help' for the options of each.\n\nExamples:\n"
+               "--help' or 'krige help SUBCOMMAND' for the options of each.\n\nExamples:\n"
                "  krige info samples.csv\n"
                "  krige tune samples.csv --inputs x,y --outputs z -o best.toml\n"
                "  krige predict samples.csv --inputs x,y --outputs z --config best.toml --grid 200x100 -o grid.csv "
@@ -111,11 +143,16 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
             addConsoleOptions(options, consoleOptions);
     }
 
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     try
     {
-        app.parse(argc, argv);
+        words = withHelpOption(words);
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend())); // the parser takes the last one first
         Console console(err, consoleOptions);
-        commands.at(app.get_subcommands().front()->get_name())->run(out, console);
+        const CLI::App& subcommand = *app.get_subcommands().front();
+        nameLeftovers(subcommand, console.getReport());
+        commands.at(subcommand.get_name())->run(out, console);
+        finishOutput(out);
         return statusDone;
     }
     catch (const CLI::ParseError& error)
@@ -123,9 +160,10 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
         if (error.get_exit_code() == 0) // help or version
         {
             app.exit(error, out, err);
+            finishOutput(out);
             return statusDone;
         }
-        return reportUsageError(err, app, describeParseError(app, error).c_str());
+        return reportUsageError(err, app, describeParseError(app, error, words).c_str());
     }
     catch (const UsageError& error)
     {

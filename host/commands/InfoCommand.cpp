@@ -1,12 +1,10 @@
 #include "host/commands/InfoCommand.h"
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <ostream>
-#include <string_view>
 
 #include <CLI/CLI.hpp>
 
@@ -20,6 +18,7 @@
 #include "host/reports/RangeText.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
+#include "host/text/ShellWord.h"
 #include "host/text/TextTable.h"
 #include "surrogatemodel_common/SurrogateModelInterface.h"
 
@@ -40,21 +39,6 @@ void printColumns(std::ostream& out, const FileSurvey& survey)
                         column.numNumbers == 0 ? "-" : formatNumber(column.min),
                         column.numNumbers == 0 ? "-" : formatNumber(column.max)});
     printTable(out, rows, "  ");
-}
-
-std::string nameOfDelimiter(char delimiter)
-{
-    switch (delimiter)
-    {
-    case ',':
-        return "comma";
-    case ';':
-        return "semicolon";
-    case '\t':
-        return "tab";
-    default:
-        return quoteForMessage(std::string(1, delimiter));
-    }
 }
 
 /// Two figures are all that such a measurement is worth.
@@ -135,14 +119,6 @@ ModelCost measureCost(int numPoints, std::size_t numInputs)
     return cost;
 }
 
-/// No file may drive the terminal.
-std::string withoutControls(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '?');
-    return text;
-}
-
 /// Whether a column that is used has cells without a number that no mark stands for.
 bool needsSkipping(const FileSurvey& survey, const ColumnGuess& used)
 {
@@ -156,21 +132,6 @@ bool needsSkipping(const FileSurvey& survey, const ColumnGuess& used)
                            return column.numMissing + column.numOthers > column.numMarked &&
                                   (isAmong(used.inputNames) || isAmong(used.outputNames));
                        });
-}
-
-/// As one word of a shell's command.
-std::string quoteForShell(const std::string& word)
-{
-    const auto isPlain = [](unsigned char c)
-    {
-        return std::isalnum(c) != 0 || std::string_view("_-.,/:=").find(static_cast<char>(c)) != std::string_view::npos;
-    };
-    if (!word.empty() && word.front() != '-' && std::all_of(word.begin(), word.end(), isPlain))
-        return word;
-    std::string quoted = "'";
-    for (const char c : word)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return withoutControls(quoted + "'");
 }
 
 std::string joinNames(const std::vector<std::string>& names)
@@ -217,7 +178,8 @@ InfoCommand::InfoCommand(CLI::App& command)
 {
     command
         .add_option("SAMPLES", path,
-                    "CSV file of the samples, with a header row; may be packed by gzip; - is standard input. Example: "
+                    "CSV file of the samples, with a header row; may be packed by gzip, xz, zstd, bzip2 or zip; - is standard "
+                    "input. Example: "
                     "samples.csv")
         ->type_name("FILE")
         ->required();
@@ -232,7 +194,7 @@ InfoCommand::InfoCommand(CLI::App& command)
             "Columns of the values to estimate. Default: guessed likewise. Example: --outputs z")
         ->type_name("NAMES");
     addUnitsOption(command, units);
-    addDelimiterOption(command, reading);
+    addFormatOptions(command, reading);
     addMissingOption(command, reading);
     command.footer("Prints what every column holds, values in it that may stand for no value, how many samples "
                    "coincide, the memory and time that a model over all "
@@ -244,6 +206,7 @@ ColumnGuess InfoCommand::chooseColumns(const FileSurvey& survey) const
     if (inputNames.empty())
         return guessColumns(survey);
     ModelOptions named;
+    named.reading = reading;
     named.inputNames = inputNames;
     named.outputNames = outputNames;
     checkModelOptions(named);
@@ -259,8 +222,8 @@ void InfoCommand::run(std::ostream& out, Console& /*console*/) const
         << countOf(survey.columns.size(), "column") << ", delimiter " << nameOfDelimiter(survey.delimiter) << '\n';
     printColumns(out, survey);
     if (survey.numUnevenRows > 0)
-        out << "uneven: " << countOf(survey.numUnevenRows, "row")
-            << " not as long as the header row, the first in line " << survey.firstUnevenLine
+        out << "uneven: " << countOf(survey.numUnevenRows, "row") << " not as long as the "
+            << (reading.hasHeader ? "header" : "first") << " row, the first in line " << survey.firstUnevenLine
             << "; predict does not take them\n";
 
     for (const ColumnSurvey& column : survey.columns)
@@ -308,11 +271,7 @@ void InfoCommand::run(std::ostream& out, Console& /*console*/) const
     std::string command = "krige predict " + quoteForShell(path) + " --inputs " +
                           quoteForShell(joinNames(columns.inputNames)) + " --outputs " +
                           quoteForShell(joinNames(columns.outputNames));
-    if (reading.delimiter != '\0')
-        command +=
-            " --delimiter " + quoteForShell(reading.delimiter == '\t' ? "tab" : std::string(1, reading.delimiter));
-    if (!reading.missing.isEmpty())
-        command += " --missing " + quoteForShell(reading.missing.getText());
+    command += formatOptionsText(reading);
     if (needsSkipping(survey, columns))
         command += " --skip-missing";
     if (merged.numMerged > 0)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <system_error>
 
@@ -11,11 +12,13 @@
 #include "host/files/OutputFile.h"
 #include "host/model/AnalysisInput.h"
 #include "host/model/DataForm.h"
+#include "host/model/ModelMemory.h"
 #include "host/model/SampleModel.h"
 #include "host/model/SampleTable.h"
 #include "host/pictures/SurfacePicture.h"
 #include "host/reports/DuplicatesReport.h"
 #include "host/reports/Report.h"
+#include "host/targets/OutputSize.h"
 #include "host/targets/Predictor.h"
 #include "host/text/Console.h"
 #include "host/text/HostErrors.h"
@@ -34,6 +37,20 @@ bool isVtk(const std::string& path)
 
 using Columns = std::vector<std::vector<double>>;
 
+/// The table stays whatever becomes of its picture.
+void drawAfterTable(const std::string& tablePath, const std::function<void()>& draw)
+{
+    try
+    {
+        draw();
+    }
+    catch (const InputError& error)
+    {
+        throw InputError(std::string(error.what()) + "; the estimates are complete" +
+                         (isStandardStream(tablePath) ? std::string() : ", in " + tablePath));
+    }
+}
+
 } // namespace
 
 PredictCommand::PredictCommand(CLI::App& command)
@@ -41,10 +58,9 @@ PredictCommand::PredictCommand(CLI::App& command)
     addModelOptions(command, options);
     addEstimatorOptions(command, options.estimator);
     command
-        .add_option(
-            "--at", targetsPath,
-            "CSV file of the targets, with the columns of --inputs; may be packed by gzip; - is standard input. "
-            "This or --grid is needed. Example: --at targets.csv")
+        .add_option("--at", targetsPath,
+                    "CSV file of the targets, with the columns of --inputs; may be packed; - is standard input. "
+                    "This or --grid is needed. Example: --at targets.csv")
         ->type_name("FILE");
     command
         .add_option("--grid", gridText,
@@ -94,10 +110,19 @@ PredictCommand::PredictCommand(CLI::App& command)
         ->type_name("NAMES");
     command
         .add_option_function<std::string>(
-            "--shard", [this](const std::string& text) { shard = parseShard(text); },
+            "--shard",
+            [this](const std::string& text)
+            {
+                shard = parseShard(text);
+                isShardGiven = true;
+            },
             "Estimate only the I-th of K equal parts of the targets; only the first part has the header row, so that "
-            "all outputs joined in order are the output of a whole run. Default: 1/1. Example: --shard 2/8")
+            "all outputs joined in order are the output of a whole run. In the name of -o, {shard} is replaced by I "
+            "with leading zeros. Default: 1/1. Example: --shard 2/8 -o part{shard}.csv")
         ->type_name("I/K");
+    command.add_flag("--yes", isAnySizeWanted,
+                     "Write a grid of more than 10^9 nodes without asking; where there is no terminal to ask on, such "
+                     "a grid is an error without this. Default: off. Example: --yes");
     command
         .add_option("--duplicates-report", duplicatesPath,
                     "CSV file to write that lists every sample merged by --duplicates merge, with its line. Default: "
@@ -115,6 +140,12 @@ PredictCommand::PredictCommand(CLI::App& command)
                       "where none is within the range; colours span what samples surround, but for its extreme values, "
                       "which a triangle stands for.");
     addSurfaceOptions(command, plot);
+    command.parse_complete_callback(
+        [this]
+        {
+            if (isShardGiven)
+                outputPath = nameOfPart(outputPath, shard);
+        });
     command.footer(
         "Examples:\n  krige predict samples.csv --inputs x,y --outputs z --grid 200x100 -o grid.csv\n"
         "  krige predict samples.csv.gz --inputs x,y --outputs z --variance --at targets.csv --keep id -o -");
@@ -143,6 +174,8 @@ void PredictCommand::checkUsage() const
         throw UsageError("give the targets with either --at FILE or --grid AXES");
     if (outputPath.empty())
         throw UsageError("--output: needs the name of a file");
+    if (!isShardGiven && outputPath.find("{shard}") != std::string::npos)
+        throw UsageError("--output: {shard} stands for the number of a part; add --shard I/K");
     if (limits.isWithinHull && options.inputNames.size() != 2)
         throw UsageError("--hull: a convex hull is that of two inputs; use --max-distance");
     if (plot.withContours && options.inputNames.size() == 1)
@@ -152,7 +185,7 @@ void PredictCommand::checkUsage() const
     std::set<std::string> seen;
     for (const std::string& name : columnNames())
     {
-        if (!seen.insert(name).second)
+        if (options.reading.hasHeader && !seen.insert(name).second)
             throw UsageError("the output would have two columns " + quoteForMessage(name) +
                              "; rename one, or leave it out of --keep");
     }
@@ -213,7 +246,22 @@ std::unique_ptr<PredictionWriter> PredictCommand::makeWriter(OutputFile& output,
 {
     if (isVtk(outputPath))
         return std::make_unique<VtkPredictions>(output, grid, namesOf(predictionColumns()));
-    return std::make_unique<CsvPredictions>(output, shard.isFirst() ? columnNames() : std::vector<std::string>());
+    const bool hasHeader = shard.isFirst() && options.reading.hasHeader;
+    return std::make_unique<CsvPredictions>(output, hasHeader ? columnNames() : std::vector<std::string>());
+}
+
+/// A count with a digit too many would fill the disk.
+void PredictCommand::confirmSize(const GridSpec& grid, Console& console) const
+{
+    const std::uint64_t numNodes = shard.size(grid.numNodes);
+    if (isAnySizeWanted || numNodes <= mostNodesUnasked)
+        return;
+    const double bytes = forecastBytes(grid, numNodes, predictionColumns().size(), isVtk(outputPath));
+    const std::string size = std::to_string(numNodes) + " nodes make about " + formatBytes(bytes);
+    if (!console.canAsk())
+        throw UsageError("--grid: " + size + "; if that is meant, add --yes");
+    if (!console.confirm("The grid's " + size + ". Write them to " + outputPath + "?"))
+        throw InputError("nothing is written");
 }
 
 std::unique_ptr<SurfacePicture> PredictCommand::makePicture(const SampleTable& samples, const GridSpec& grid) const
@@ -246,6 +294,8 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     report.samplesRead(samples);
     report.formUsed(options.settings);
     spanSamples(grid, samples.inputs);
+    if (isGrid())
+        confirmSize(grid, console);
     const std::unique_ptr<TargetSource> targetSource = openTargets(grid);
     OutputFile output(outputPath);
     const std::unique_ptr<PredictionWriter> writer = makeWriter(output, grid);
@@ -300,18 +350,22 @@ void PredictCommand::run(std::ostream& /*out*/, Console& console) const
     report.variancesRejected(predictor.getNumWithoutVariance(), numTargets);
     report.supported(support);
     report.finished(numTargets, predictor.getNumWithoutEstimate(), predictor.getLibrarySeconds());
+    output.commit();
     if (picture)
     {
         Predictor ofPicture(model, picture->getColumns(), sills, pictureCoverage(), options.settings.units);
         support.addMasks(ofPicture, false);
         report.pictureThinned(picture->describeThinning());
-        picture->draw({[&](const Columns& at, Columns& shown) { ofPicture.predict(at, shown); },
-                       [&](const Columns& at)
-                       {
-                           return support.findWithinRange(at);
-                       }});
+        const auto estimate = [&](const Columns& at, Columns& shown)
+        {
+            ofPicture.predict(at, shown);
+        };
+        const auto findReached = [&](const Columns& at)
+        {
+            return support.findWithinRange(at);
+        };
+        drawAfterTable(outputPath, [&] { picture->draw({estimate, findReached}); });
     }
-    output.commit();
 }
 
 } // namespace krige

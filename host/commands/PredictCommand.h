@@ -38,6 +38,7 @@ private:
     std::vector<std::string> columnNames() const;
     std::unique_ptr<TargetSource> openTargets(const GridSpec& grid) const;
     bool canReadTargetsTwice() const;
+    void confirmSize(const GridSpec& grid, Console& console) const;
     void checkAreSupported(TargetSupport& support, const GridSpec& grid) const;
     std::unique_ptr<SurfacePicture> makePicture(const SampleTable& samples, const GridSpec& grid) const;
     double pictureCoverage() const;
@@ -56,6 +57,8 @@ private:
     SupportLimits limits;
     bool extrapolates = false;
     Shard shard;
+    bool isShardGiven = false;
+    bool isAnySizeWanted = false;
     std::string duplicatesPath; // empty: no report
     std::string outputPath;
     SurfaceOptions plot;

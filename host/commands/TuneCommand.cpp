@@ -293,6 +293,8 @@ void TuneCommand::run(std::ostream& out, Console& console) const
     Report report(console.getReport());
     checkAnisotropySearch();
     checkModelOptions(options);
+    if (!trialsPath.empty() && trialsPath == outputPath)
+        throw UsageError("--trials: is the same as --output; name another one");
     const SampleTable read = readSamples(options);
     report.samplesRead(read);
     report.formUsed(options.settings);
@@ -310,8 +312,8 @@ void TuneCommand::run(std::ostream& out, Console& console) const
         winner = withSills(winner, read, console, report);
     if (!outputPath.empty())
         writeWhole(outputPath, settingsFileText(winner));
-    printTuning(isStandardStream(outputPath) ? console.getReport() : out, result, winner, read.outputNames,
-                tuning.objective);
+    printTuning(isStandardStream(outputPath) || isStandardStream(trialsPath) ? console.getReport() : out, result,
+                winner, read.outputNames, tuning.objective);
     if (!out.flush())
         throw InputError("standard output: writing failed");
     if (result.wasCancelled)

@@ -214,6 +214,8 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
 {
     Report report(console.getReport());
     checkModelOptions(options);
+    if (isStandardStream(options.samplesPath) && isStandardStream(truthPath))
+        throw UsageError("samples and --against cannot both be standard input; put one of them into a file");
     checkPictureOptions(plot, options.outputNames.size());
     const SampleTable samples = readSamples(options);
     report.samplesRead(samples);
@@ -238,13 +240,13 @@ void ValidateCommand::run(std::ostream& out, Console& console) const
     report.variancesRejected(numWithoutVariance, result.lines.size());
     if (!pointsPath.empty())
         writePoints(result, figures);
-    if (!plot.path.empty())
-        drawValidation(plot, options.units, result, figures);
     std::ostream& tables = isStandardStream(pointsPath) ? console.getReport() : out;
     printErrors(tables, result, figures);
     printWorstPoints(tables, result, figures);
     if (!out.flush())
         throw InputError("standard output: writing failed");
+    if (!plot.path.empty()) // last: the tables stay whatever becomes of it
+        drawValidation(plot, options.units, result, figures);
     report.finished(result.lines.size());
 }
 

@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "host/files/CsvReader.h"
+#include "host/files/HeaderRow.h"
 #include "host/files/ReadSettings.h"
 
 namespace krige
 {
 
 /// Reads some columns of a CSV file as numbers and others as text, a block of rows at a time. The header row names
-/// them. Their order does not matter, and columns that were not asked for are ignored.
+/// them, or they have numbers from 1. Their order does not matter, and columns that were not asked for are ignored.
 ///
 /// Errors are InputError with file, line and column: an unknown name, a chosen name that the header has twice, a row
 /// that is not as long as the header, and a missing value or a text that is no number, unless it is a mark for a
@@ -34,7 +35,7 @@ public:
     std::uint64_t skip(std::uint64_t maxRows);
 
     /// For a row of the last block: the line of the file on which it begins, and its text columns as the rest of a CSV
-    /// line, a comma before each, in quotes where needed.
+    /// line, in UTF-8, a comma before each, in quotes where needed.
     std::size_t getLine(std::size_t row) const
     {
         return lines[row];
@@ -52,18 +53,19 @@ public:
     }
 
 private:
-    std::size_t findColumn(const std::string& name) const;
+    bool readRow();
     void checkRowLength() const;
     double parseField(std::size_t column) const;
 
     CsvReader reader;
     ReadSettings settings;
     std::vector<std::string> names;
-    std::vector<std::string> header;
+    CsvRecord record;
+    HeaderRow header;
+    bool isFirstRowAtHand;                  // in record, for it is no header row
     std::vector<std::size_t> fieldOfColumn; // per name
     std::vector<std::size_t> fieldOfText;   // per text name
-    CsvRecord record;
-    std::vector<std::size_t> lines; // per row of the last block
+    std::vector<std::size_t> lines;         // per row of the last block
     std::string texts;
     std::vector<std::size_t> textEnds;
 };

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <iterator>
 #include <new>
 
 #include <csv.h>
 
+#include "host/files/BlankRuns.h"
+#include "host/files/ForeignContent.h"
 #include "host/text/HostErrors.h"
 
 namespace krige
@@ -17,7 +20,6 @@ namespace
 
 constexpr std::size_t blockCapacity = std::size_t{1} << 18;
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
-constexpr char gzipMark[] = "\x1F\x8B";
 
 // Strict: a stray or missing quote is an error, not a guess. Every line end is reported, so that a line without one is
 // known to end within quotes.
@@ -108,10 +110,17 @@ struct CsvReader::Parser : CsvParser
 {
     bool recordOpen = false; // a record has begun on an earlier line or in an earlier block
     bool ends[256] = {};     // characters that end a run of plain ones
+    BlankRuns blankRuns;     // where these separate fields
+    std::string singleBlanks;
 };
 
-CsvReader::CsvReader(const std::string& path, char delimiter_)
-    : input(path), delimiter(delimiter_), parser(std::make_unique<Parser>()), block(blockCapacity)
+CsvReader::CsvReader(const std::string& path, const CsvFormat& format)
+    : input(path),
+      delimiter(format.delimiter),
+      hasDecimalComma(format.hasDecimalComma),
+      comment(format.comment),
+      parser(std::make_unique<Parser>()),
+      block(blockCapacity)
 {
 }
 
@@ -123,9 +132,20 @@ bool CsvReader::read(CsvRecord& record)
     parser->sink.record = &record;
     while (!finished)
     {
+        const auto splitPlain = [&]
+        {
+            return delimiter == CsvFormat::blankRuns ? splitPlainLine<true>(record) : splitPlainLine<false>(record);
+        };
         if (position == blockSize && !fillBlock())
             finish(record);
-        else if (!parser->recordOpen && splitPlainLine(record))
+        else if (!isDelimiterKnown)
+        {
+            if (!passOverFirstLine())
+                chooseDelimiter();
+        }
+        else if (!comment.empty() && !parser->recordOpen && passOverComment())
+            continue;
+        else if (!parser->recordOpen && splitPlain())
         {
             if (record.getNumFields() > 0)
                 return true;
@@ -151,16 +171,80 @@ bool CsvReader::fillBlock()
     blockSize += count;
     if (atStart)
     {
+        const std::string foreign = describeForeignContent({block.data(), blockSize});
+        if (!foreign.empty())
+            throw InputError(getPath() + ": " + foreign);
         if (blockSize >= 3 && std::memcmp(block.data(), byteOrderMark, 3) == 0)
             position = 3;
-        chooseDelimiter();
     }
     atStart = false;
     return position < blockSize;
 }
 
+/// The first line end from the position on, CR or LF; blockSize where the block has none.
+std::size_t CsvReader::findLineEnd() const
+{
+    const auto begin = block.begin() + static_cast<std::ptrdiff_t>(position);
+    const auto end = block.begin() + static_cast<std::ptrdiff_t>(blockSize);
+    constexpr char lineEnds[] = {'\n', '\r'};
+    return static_cast<std::size_t>(std::find_first_of(begin, end, std::begin(lineEnds), std::end(lineEnds)) -
+                                    block.begin());
+}
+
+/// Before the delimiter is known: passes over a line that cannot tell it, a comment or one of spaces. False at a line
+/// that can.
+bool CsvReader::passOverFirstLine()
+{
+    if (!comment.empty() && passOverComment())
+        return true;
+    const std::size_t end = findLineEnd();
+    const auto isSpace = [](char c)
+    {
+        return c == ' ';
+    };
+    if (end == blockSize || !std::all_of(block.data() + position, block.data() + end, isSpace))
+        return false;
+    endLineAt(end + 1);
+    return true;
+}
+
+/// Passes over a comment, or as much of it as the block holds. False where none begins at the position.
+bool CsvReader::passOverComment()
+{
+    if (!inComment && !isAtComment())
+        return false;
+    const std::size_t end = findLineEnd();
+    inComment = end == blockSize;
+    if (!inComment)
+    {
+        endLineAt(end + 1);
+        return true;
+    }
+    position = end;
+    afterCarriageReturn = false;
+    return true;
+}
+
+bool CsvReader::isAtComment()
+{
+    for (;;)
+    {
+        std::size_t begin = position;
+        while (begin < blockSize &&
+               (block[begin] == ' ' || (block[begin] == '\t' && delimiter == CsvFormat::blankRuns)))
+            ++begin;
+        const std::size_t available = blockSize - begin;
+        if (available >= comment.size())
+            return std::memcmp(block.data() + begin, comment.data(), comment.size()) == 0;
+        if (inputEnded || position == 0)
+            return false;
+        fillBlock();
+    }
+}
+
 void CsvReader::chooseDelimiter()
 {
+    isDelimiterKnown = true;
     if (delimiter == '\0')
     {
         constexpr std::string_view candidates = ",;\t";
@@ -170,13 +254,11 @@ void CsvReader::chooseDelimiter()
         };
         std::size_t counts[candidates.size()] = {};
         bool quoted = false;
-        bool begun = false;
         for (std::size_t i = position; i < blockSize; ++i)
         {
             const char c = block[i];
-            if ((c == '\n' || c == '\r') && begun && !quoted)
+            if ((c == '\n' || c == '\r') && !quoted)
                 break;
-            begun = begun || (c != '\n' && c != '\r' && c != ' ');
             quoted = quoted != (c == '"');
             const std::size_t candidate = candidates.find(c);
             const bool besideAnother =
@@ -184,16 +266,21 @@ void CsvReader::chooseDelimiter()
             if (!quoted && candidate != std::string_view::npos && !(c == '\t' && besideAnother)) // a mere blank
                 ++counts[candidate];
         }
+        if (hasDecimalComma && counts[1] + counts[2] > 0)
+            counts[0] = 0;
         delimiter = candidates[static_cast<std::size_t>(std::max_element(counts, counts + candidates.size()) - counts)];
     }
     parser->setDelimiter(delimiter);
     for (const char c : {delimiter, '\n', '\r', '"', '\0'})
         parser->ends[static_cast<unsigned char>(c)] = true;
+    if (delimiter == CsvFormat::blankRuns)
+        parser->ends[static_cast<unsigned char>('\t')] = true;
 }
 
 /// Splits the line at the position if all of it lies in the block and it has no quotes and no NUL bytes; a blank line
 /// gives no fields. Otherwise returns false; nothing has changed then, except that the block may have been moved and
 /// filled.
+template <bool splitsAtBlanks>
 bool CsvReader::splitPlainLine(CsvRecord& record)
 {
     if (afterCarriageReturn && block[position] == '\n') // the rest of a line end
@@ -202,7 +289,7 @@ bool CsvReader::splitPlainLine(CsvRecord& record)
         afterCarriageReturn = false;
         return true;
     }
-    const auto isBlank = [this](char c)
+    [[maybe_unused]] const auto isBlank = [this](char c)
     {
         return (c == ' ' || c == '\t') && c != delimiter;
     };
@@ -220,16 +307,22 @@ bool CsvReader::splitPlainLine(CsvRecord& record)
             if (i == blockSize || !cutOff)
                 break;
             std::size_t end = i;
-            while (begin < end && isBlank(text[begin]))
-                ++begin;
-            while (begin < end && isBlank(text[end - 1]))
-                --end;
-            record.fields.push_back({begin, end});
+            if constexpr (!splitsAtBlanks)
+            {
+                while (begin < end && isBlank(text[begin]))
+                    ++begin;
+                while (begin < end && isBlank(text[end - 1]))
+                    --end;
+            }
+            if (!splitsAtBlanks || begin < end)
+                record.fields.push_back({begin, end});
             begin = i + 1;
-            if (text[i] == delimiter)
+            if (text[i] == delimiter || (splitsAtBlanks && text[i] == '\t'))
                 continue;
 
-            const bool blank = record.fields.size() == 1 && record.fields[0].begin == record.fields[0].end;
+            const bool blank = splitsAtBlanks
+                                   ? record.fields.empty()
+                                   : record.fields.size() == 1 && record.fields[0].begin == record.fields[0].end;
             if (blank)
                 record.fields.clear();
             record.outside = blank ? nullptr : text; // the record may still become a copied one
@@ -269,7 +362,16 @@ void CsvReader::feedLine(CsvRecord& record)
         throw InputError::atLine(getPath(), line, "a NUL byte: this is not a text file in UTF-8 or an 8-bit encoding");
     if (!parser->recordOpen)
         record.line = line;
-    if (!parser->feed(begin, count))
+    bool isSound = true;
+    if (delimiter == CsvFormat::blankRuns)
+    {
+        parser->singleBlanks.clear();
+        parser->blankRuns.append(parser->singleBlanks, {begin, count});
+        isSound = parser->feed(parser->singleBlanks.data(), parser->singleBlanks.size());
+    }
+    else
+        isSound = parser->feed(begin, count);
+    if (!isSound)
         throwMalformed(record, false);
     parser->recordOpen = !parser->sink.recordEnded;
 
@@ -314,14 +416,10 @@ void appendCsvField(std::string& out, std::string_view field)
     {
         return c == ' ' || c == '\t';
     };
-    const auto beginsWith = [field](std::string_view mark)
-    {
-        return field.substr(0, mark.size()) == mark;
-    };
-    // At the beginning of a file the two marks would not be taken for text.
+    // At the beginning of a file such marks would not be taken for text.
     const bool needsQuotes = field.empty() || field.find_first_of(",;\t\"\r\n") != std::string_view::npos ||
-                             isBlank(field.front()) || isBlank(field.back()) || beginsWith(byteOrderMark) ||
-                             beginsWith(gzipMark);
+                             isBlank(field.front()) || isBlank(field.back()) || field.substr(0, 3) == byteOrderMark ||
+                             beginsLikePackedData(field);
     if (!needsQuotes)
     {
         out += field;

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/files/CsvFormat.h"
 #include "host/files/InputFile.h"
 
 namespace krige
@@ -77,10 +78,8 @@ private:
 class CsvReader
 {
 public:
-    /// delimiter_: the character between fields. NUL chooses comma, semicolon or tab: the one that occurs most often in
-    /// the first line outside quotes, and in case of a tie the first in this list. Throws when the file cannot be
-    /// opened.
-    explicit CsvReader(const std::string& path, char delimiter_ = '\0');
+    /// Throws when the file cannot be opened.
+    explicit CsvReader(const std::string& path, const CsvFormat& format = {});
     CsvReader(const CsvReader& other) = delete;
     CsvReader& operator=(const CsvReader& other) = delete;
     ~CsvReader();
@@ -104,7 +103,12 @@ private:
     struct Parser;
 
     bool fillBlock();
+    bool passOverFirstLine();
+    bool passOverComment();
+    bool isAtComment();
+    std::size_t findLineEnd() const;
     void chooseDelimiter();
+    template <bool splitsAtBlanks>
     bool splitPlainLine(CsvRecord& record);
     void endLineAt(std::size_t end);
     void feedLine(CsvRecord& record);
@@ -113,12 +117,16 @@ private:
 
     InputFile input;
     char delimiter;
+    bool hasDecimalComma;
+    std::string comment;
     std::unique_ptr<Parser> parser;
     std::vector<char> block;
     std::size_t blockSize = 0; // bytes of block that hold data
     std::size_t position = 0;  // first byte of block that has not been parsed
     std::size_t line = 1;      // of that byte
     bool afterCarriageReturn = false;
+    bool inComment = false;        // the position is within one that began in an earlier block
+    bool isDelimiterKnown = false; // to the parser too
     bool atStart = true;
     bool inputEnded = false;
     bool finished = false;

@@ -4,14 +4,18 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace krige
 {
 
-/// The bytes of a file, or of standard input where the path is "-". Data that begin with the mark of gzip are unpacked.
+class ArchiveUnpacker;
+
+/// The bytes of a file, or of standard input where the path is "-". Data that begin with the mark of gzip, xz, zstd,
+/// bzip2 or zip are unpacked; a zip archive holds one file.
 ///
-/// Errors are InputError with the file's name: it cannot be opened or read, it is a folder, its packed data are damaged
-/// or end too early.
+/// Errors are InputError with the file's name: it cannot be opened or read (a name that may be meant is suggested), it
+/// is a folder, its packed data are damaged or end too early, an archive holds several files.
 class InputFile
 {
 public:
@@ -34,14 +38,18 @@ private:
 
     std::size_t readRaw(char* bytes, std::size_t capacity);
     std::size_t readPacked(char* bytes, std::size_t capacity);
-    void detectGzip();
+    void detectPacking();
 
     std::string name;
     int descriptor = -1;
     std::string head; // the first bytes, read to tell what they are
     std::size_t headUsed = 0;
-    std::unique_ptr<Inflater> inflater; // null: plain
+    std::unique_ptr<Inflater> inflater;        // null: no gzip
+    std::unique_ptr<ArchiveUnpacker> unpacker; // null: not packed in another way
 };
+
+/// Whether a text at the beginning of a file would be taken for packed data.
+bool beginsLikePackedData(std::string_view text);
 
 /// Whether a path stands for standard input or output.
 inline bool isStandardStream(const std::string& path)

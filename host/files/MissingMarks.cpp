@@ -4,6 +4,7 @@
 
 #include "host/files/CsvReader.h"
 #include "host/text/HostErrors.h"
+#include "host/text/Utf8.h"
 
 namespace krige
 {
@@ -16,7 +17,7 @@ MissingMarks::MissingMarks(const std::string& option, const std::string& text_) 
         if (parseNumber(word, number) == NumberStatus::Ok)
             numbers.push_back(number);
         else
-            words.emplace_back(trimBlanks(word));
+            words.push_back(toUtf8(trimBlanks(word)));
     }
     if (words.empty() && numbers.empty())
         throw UsageError(option + ": needs at least one text or number");
@@ -26,7 +27,7 @@ bool MissingMarks::contains(std::string_view cell, NumberStatus status, double v
 {
     if (status == NumberStatus::Ok)
         return std::find(numbers.begin(), numbers.end(), value) != numbers.end();
-    return std::find(words.begin(), words.end(), trimBlanks(cell)) != words.end();
+    return std::find(words.begin(), words.end(), toUtf8(trimBlanks(cell))) != words.end();
 }
 
 } // namespace krige

@@ -13,6 +13,7 @@
 #include "host/model/SettingsFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
+#include "host/text/Utf8.h"
 
 namespace krige
 {
@@ -26,6 +27,18 @@ CLI::Option* addOption(CLI::App& command, const std::string& name, const char* t
     return command.add_option_function<std::string>(name, parse, help)->type_name(typeName);
 }
 
+/// As a file without a header row has them.
+void checkAreColumnNumbers(const char* option, const std::vector<std::string>& names)
+{
+    for (const std::string& name : names)
+    {
+        const bool isNumber = name.find_first_not_of("0123456789") == std::string::npos && name[0] != '0';
+        if (!isNumber)
+            throw UsageError(std::string(option) + ": with --no-header columns are named by number, from 1, not " +
+                             quoteForMessage(name));
+    }
+}
+
 } // namespace
 
 std::vector<std::string> parseNames(const std::string& option, const std::string& text)
@@ -33,10 +46,12 @@ std::vector<std::string> parseNames(const std::string& option, const std::string
     std::vector<std::string> names = splitCsvText(text, option);
     if (names.empty())
         throw UsageError(option + ": needs the name of at least one column");
-    for (const std::string& name : names)
+    for (std::string& name : names)
     {
         if (name.empty())
-            throw UsageError(option + ": " + quoteForMessage(text) + " holds an empty name");
+            throw UsageError(option + ": " + quoteForMessage(text) +
+                             " holds an empty name; names are joined by commas without blanks, as in x,y");
+        name = toUtf8(name);
     }
     return names;
 }
@@ -45,9 +60,11 @@ void addModelOptions(CLI::App& command, ModelOptions& options, const TakesText& 
 {
     options.estimator.mustTellPointsApart = true;
     command
-        .add_option("SAMPLES", options.samplesPath,
-                    "CSV file of the samples, with a header row; may be packed by gzip; - is standard input. Example: "
-                    "samples.csv")
+        .add_option(
+            "SAMPLES", options.samplesPath,
+            "CSV file of the samples, with a header row; may be packed by gzip, xz, zstd, bzip2 or zip; - is standard "
+            "input. Example: "
+            "samples.csv")
         ->type_name("FILE")
         ->required();
     // Before the settings: the parser hands out values in this order, so that each of them wins over the file.
@@ -125,6 +142,11 @@ void addEstimatorOptions(CLI::App& command, fenn::estimation::EstimatorOptions& 
 
 void checkModelOptions(const ModelOptions& options)
 {
+    if (!options.reading.hasHeader)
+    {
+        checkAreColumnNumbers("--inputs", options.inputNames);
+        checkAreColumnNumbers("--outputs", options.outputNames);
+    }
     std::set<std::string> seen;
     for (const std::vector<std::string>* names : {&options.inputNames, &options.outputNames})
     {

@@ -8,8 +8,10 @@
 #include <unordered_map>
 
 #include "host/files/CsvReader.h"
+#include "host/files/HeaderRow.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
+#include "host/text/Spelling.h"
 
 namespace krige
 {
@@ -19,11 +21,11 @@ namespace
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-void addCell(ColumnSurvey& column, std::string_view text, const MissingMarks& marks)
+void addCell(ColumnSurvey& column, std::string_view text, const ReadSettings& reading)
 {
     double value = nan;
-    const NumberStatus status = parseNumber(text, value);
-    const bool isMarked = marks.contains(text, status, value);
+    const NumberStatus status = parseNumber(text, value, reading.hasDecimalComma);
+    const bool isMarked = reading.missing.contains(text, status, value);
     column.values.push_back(isMarked ? nan : value);
     if (isMarked)
     {
@@ -79,7 +81,12 @@ const ColumnSurvey& findColumn(const FileSurvey& survey, const std::string& name
         found = &column;
     }
     if (!found)
-        throw InputError(survey.path + ": there is no column " + quoteForMessage(name));
+    {
+        std::vector<std::string> names;
+        for (const ColumnSurvey& column : survey.columns)
+            names.push_back(column.name);
+        throw InputError(survey.path + ": there is no column " + quoteForMessage(name) + suggestMeant(name, names));
+    }
     return *found;
 }
 
@@ -87,27 +94,29 @@ const ColumnSurvey& findColumn(const FileSurvey& survey, const std::string& name
 
 FileSurvey surveyFile(const std::string& path, const ReadSettings& reading)
 {
-    CsvReader reader(path, reading.delimiter);
+    CsvReader reader(path, reading);
     FileSurvey survey;
     survey.path = reader.getPath();
     CsvRecord record;
-    if (!reader.read(record))
-        throw InputError::atLine(survey.path, 1,
-                                 "the file is empty; it needs a header row with the names of its columns");
+    const HeaderRow header(reader, record, reading);
+    if (header.isOfNumbers())
+        header.throwOfNumbers();
     survey.delimiter = reader.getDelimiter();
-    for (std::size_t i = 0; i < record.getNumFields(); ++i)
+    for (const std::string& name : header.getNames())
     {
         survey.columns.emplace_back();
-        survey.columns.back().name = record[i];
+        survey.columns.back().name = name;
     }
 
-    while (reader.read(record))
+    bool isRowAtHand = !reading.hasHeader;
+    while (isRowAtHand || reader.read(record))
     {
+        isRowAtHand = false;
         ++survey.numRows;
         if (record.getNumFields() != survey.columns.size() && ++survey.numUnevenRows == 1)
             survey.firstUnevenLine = record.getLine();
         for (std::size_t i = 0; i < survey.columns.size(); ++i)
-            addCell(survey.columns[i], i < record.getNumFields() ? record[i] : std::string_view(), reading.missing);
+            addCell(survey.columns[i], i < record.getNumFields() ? record[i] : std::string_view(), reading);
     }
     for (ColumnSurvey& column : survey.columns)
     {

@@ -10,6 +10,7 @@
 #include "host/model/Distance.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
+#include "host/text/Spelling.h"
 
 namespace krige
 {
@@ -181,14 +182,16 @@ const std::vector<SettingKey>& settingKeys()
 
 const SettingKey& findSettingKey(const std::string& key)
 {
-    std::string names;
+    std::string list;
+    std::vector<std::string> names;
     for (const SettingKey& known : settingKeys())
     {
         if (key == known.key)
             return known;
-        names += (names.empty() ? "" : ", ") + std::string(known.key);
+        list += (list.empty() ? "" : ", ") + std::string(known.key);
+        names.emplace_back(known.key);
     }
-    throw UsageError(quoteForMessage(key) + " is no setting; the settings are " + names);
+    throw UsageError(quoteForMessage(key) + " is no setting; the settings are " + list + suggestMeant(key, names));
 }
 
 void applySetting(Settings& settings, const std::string& key, const std::string& text)

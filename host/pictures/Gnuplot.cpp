@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "host/files/OutputPlace.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -146,6 +147,7 @@ void checkPicturePath(const std::string& path)
     if (!isScript && !endsWith(path, ".png") && !endsWith(path, ".svg") && !endsWith(path, ".pdf"))
         throw UsageError("--plot: " + quoteForMessage(path) +
                          " must end in .png, .svg or .pdf for a picture, or in .gp for its gnuplot script");
+    checkCanBeWritten(path);
     if (!isScript && !isOnPath("gnuplot"))
         throwMissingGnuplot(path);
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <ostream>
+#include <iostream>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -141,6 +141,19 @@ bool Console::showsProgress() const
 std::unique_ptr<ProgressLine> Console::startProgress(const std::string& noun) const
 {
     return std::make_unique<ProgressLine>(showsProgress() ? &err : nullptr, noun, isTerminal);
+}
+
+bool Console::canAsk() const
+{
+    return isTerminal && ::isatty(STDIN_FILENO) == 1;
+}
+
+bool Console::confirm(const std::string& question)
+{
+    err << question << " [y/N] " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    return !answer.empty() && (answer.front() == 'y' || answer.front() == 'Y');
 }
 
 } // namespace krige

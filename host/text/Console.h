@@ -100,6 +100,12 @@ public:
 
     std::unique_ptr<ProgressLine> startProgress(const std::string& noun) const;
 
+    /// Whether somebody can be asked: standard input and standard error are a terminal.
+    bool canAsk() const;
+
+    /// Asks on standard error; whether the answer on standard input begins with y.
+    bool confirm(const std::string& question);
+
 private:
     std::ostream& err;
     ConsoleOptions options;

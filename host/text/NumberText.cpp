@@ -5,6 +5,8 @@
 #include <cmath>
 #include <system_error>
 
+#include "host/text/Utf8.h"
+
 namespace krige
 {
 
@@ -14,6 +16,14 @@ namespace
 bool isBlank(char c)
 {
     return c == ' ' || c == '\t';
+}
+
+/// A control character, of those above 0x7f too: terminals obey them.
+bool isControl(std::string_view character)
+{
+    const auto first = static_cast<unsigned char>(character.front());
+    return first < 0x20 || first == 0x7f ||
+           (first == 0xc2 && character.size() > 1 && static_cast<unsigned char>(character[1]) < 0xa0);
 }
 
 /// Whether the part before an exponent holds a digit other than 0.
@@ -86,6 +96,17 @@ NumberStatus parseNumber(std::string_view text, double& value)
     return NumberStatus::Ok;
 }
 
+NumberStatus parseNumber(std::string_view text, double& value, bool hasDecimalComma)
+{
+    if (!hasDecimalComma)
+        return parseNumber(text, value);
+    std::string withPoint(trimBlanks(text));
+    if (withPoint.find('.') != std::string::npos)
+        return NumberStatus::Malformed;
+    std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+    return parseNumber(withPoint, value);
+}
+
 std::string describeNumberFault(std::string_view text, NumberStatus status)
 {
     switch (status)
@@ -127,11 +148,18 @@ std::string formatNumber(double value)
 std::string quoteForMessage(std::string_view text)
 {
     constexpr std::size_t longest = 60;
-    const bool shortened = text.size() > longest;
+    const std::string all = toUtf8(text);
+    const bool shortened = all.size() > longest;
+    const std::size_t mostShown = shortened ? longest - 3 : longest;
     std::string quoted = "'";
-    quoted += text.substr(0, shortened ? longest - 3 : longest);
-    std::replace_if(
-        quoted.begin(), quoted.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '?');
+    for (std::string_view rest = all; !rest.empty();)
+    {
+        const std::size_t length = std::max<std::size_t>(utf8CharacterLength(rest), 1);
+        if (quoted.size() - 1 + length > mostShown)
+            break;
+        quoted += isControl(rest.substr(0, length)) ? std::string_view("?") : rest.substr(0, length);
+        rest.remove_prefix(length);
+    }
     quoted += shortened ? "...'" : "'";
     return quoted;
 }

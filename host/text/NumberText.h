@@ -20,6 +20,10 @@ enum class NumberStatus
 /// value is set when the answer is Ok, and correctly rounded; otherwise it is left alone.
 NumberStatus parseNumber(std::string_view text, double& value);
 
+/// The same where hasDecimalComma is false; otherwise a comma stands before the decimals, and a number with a point is
+/// malformed: it may be meant to separate thousands.
+NumberStatus parseNumber(std::string_view text, double& value, bool hasDecimalComma);
+
 /// What is wrong with a text, as the end of a sentence: "'1e999' is too large for a double".
 std::string describeNumberFault(std::string_view text, NumberStatus status);
 

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/files/CsvReader.h"
 #include "host/text/NumberText.h"
 
 namespace fenn::test
@@ -25,8 +26,8 @@ public:
         std::size_t line = 0; // physical, on which it begins
     };
 
-    /// delimiter_: NUL to be told by the first line.
-    NaiveCsv(std::string text_, char delimiter_) : text(std::move(text_)), delimiter(delimiter_)
+    NaiveCsv(std::string text_, const krige::CsvFormat& format_)
+        : text(std::move(text_)), format(format_), delimiter(format_.delimiter)
     {
         if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
             text.erase(0, 3);
@@ -73,36 +74,69 @@ private:
         return c == '\r' || c == '\n';
     }
 
+    bool splitsAtBlanks() const
+    {
+        return delimiter == krige::CsvFormat::blankRuns;
+    }
+
     bool isBlank(char c) const
     {
         return (c == ' ' || c == '\t') && c != delimiter;
     }
 
+    bool separates(char c) const
+    {
+        return c == delimiter || (splitsAtBlanks() && c == '\t');
+    }
+
+    bool isComment(std::size_t begin) const
+    {
+        while (begin < text.size() && (text[begin] == ' ' || (text[begin] == '\t' && splitsAtBlanks())))
+            ++begin;
+        return !format.comment.empty() && text.compare(begin, format.comment.size(), format.comment) == 0;
+    }
+
+    /// Where the first line begins that is no comment and holds something other than spaces.
+    std::size_t findFirstLine() const
+    {
+        std::size_t begin = 0;
+        while (begin < text.size())
+        {
+            const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+            if (!isComment(begin) && text.find_first_not_of(' ', begin) < end)
+                break;
+            begin = end + 1;
+        }
+        return std::min(begin, text.size());
+    }
+
     /// Of comma, semicolon and tab the one that the first line has most of outside quotes; a tab beside one of the
-    /// others is a blank. The first line begins where something other than line ends and spaces stands.
+    /// others is a blank. Where numbers have a decimal comma, commas count without semicolons and tabs only.
     char toldDelimiter() const
     {
-        const std::size_t begin = std::min(text.find_first_not_of("\r\n "), text.size());
+        const std::size_t begin = findFirstLine();
         std::size_t numCommas = 0;
         std::size_t numSemicolons = 0;
         std::size_t numTabs = 0;
         bool inQuotes = false;
         for (std::size_t i = begin; i < text.size() && (inQuotes || !endsLine(text[i])); ++i)
         {
-            const auto separates = [this](std::size_t k)
+            const auto isCommaOrSemicolon = [this](std::size_t k)
             {
                 return k < text.size() && (text[k] == ',' || text[k] == ';');
             };
             if (text[i] == '"')
                 inQuotes = !inQuotes;
             else if (!inQuotes && text[i] == '\t')
-                numTabs += (i > 0 && separates(i - 1)) || separates(i + 1) ? 0 : 1;
+                numTabs += (i > 0 && isCommaOrSemicolon(i - 1)) || isCommaOrSemicolon(i + 1) ? 0 : 1;
             else if (!inQuotes)
             {
                 numCommas += text[i] == ',' ? 1 : 0;
                 numSemicolons += text[i] == ';' ? 1 : 0;
             }
         }
+        if (format.hasDecimalComma && numSemicolons + numTabs > 0)
+            numCommas = 0;
         if (numCommas >= numSemicolons && numCommas >= numTabs)
             return ',';
         return numSemicolons >= numTabs ? ';' : '\t';
@@ -117,6 +151,12 @@ private:
             openRecord = {{}, line};
         bool holds = true;
         const std::size_t begin = position;
+        if (state == State::recordNotBegun && isComment(begin))
+        {
+            const bool isPair = text.compare(lineEnd, 2, "\r\n") == 0;
+            position = std::min(lineEnd + (isPair ? 2 : 1), text.size());
+            return;
+        }
         while (holds && position < lineEnd)
             holds = take(text[position++]);
         if (!holds)
@@ -146,12 +186,12 @@ private:
         {
         case State::recordNotBegun:
         case State::fieldNotBegun:
-            if (isBlank(c))
+            if (isBlank(c) || (splitsAtBlanks() && separates(c)))
                 return true;
             state = State::unquoted;
             if (c == '"')
                 state = State::quoted;
-            else if (c == delimiter)
+            else if (separates(c))
                 endField();
             else
                 field += c;
@@ -159,7 +199,7 @@ private:
         case State::unquoted:
             if (c == '"')
                 return false;
-            if (c == delimiter)
+            if (separates(c))
                 endField();
             else
                 field += c;
@@ -172,7 +212,7 @@ private:
             numBlanksAfterQuote = 0;
             return true;
         case State::afterQuote:
-            if (c == delimiter)
+            if (separates(c))
                 endField();
             else if (isBlank(c))
                 ++numBlanksAfterQuote;
@@ -210,12 +250,14 @@ private:
 
     void endRecord()
     {
-        endField();
+        if (!splitsAtBlanks() || state != State::fieldNotBegun) // a run at the end of a line separates nothing
+            endField();
         records.push_back(openRecord);
         state = State::recordNotBegun;
     }
 
     std::string text;
+    krige::CsvFormat format;
     char delimiter;
     std::size_t position = 0;
     std::size_t line = 0; // of what is being read
@@ -270,8 +312,14 @@ inline bool isNonFiniteWord(std::string text)
 }
 
 /// What krige::parseNumber says of a text, by the C library.
-inline krige::NumberStatus naiveNumber(std::string text, double& value)
+inline krige::NumberStatus naiveNumber(std::string text, double& value, bool hasDecimalComma = false)
 {
+    if (hasDecimalComma)
+    {
+        if (text.find('.') != std::string::npos)
+            return krige::NumberStatus::Malformed;
+        std::replace(text.begin(), text.end(), ',', '.');
+    }
     const auto isBlank = [](char c)
     {
         return c == ' ' || c == '\t';

@@ -30,7 +30,7 @@ class ColumnReaderTest : public testing::Test
 protected:
     Columns read(const std::string& content, const std::vector<std::string>& names)
     {
-        ColumnReader reader(folder.write("f.csv", content), names);
+        ColumnReader reader(folder.write("f.csv", content), names, settings);
         Columns columns;
         reader.read(columns, all);
         return columns;
@@ -41,6 +41,7 @@ protected:
         return messageOf<InputError>([&] { read(content, names); });
     }
 
+    krige::ReadSettings settings;
     TemporaryFolder folder;
 };
 
@@ -159,7 +160,6 @@ TEST_F(ColumnReaderTest, AHeaderRowWithoutSamplesIsAnError)
 
 TEST_F(ColumnReaderTest, WhatIsMissingIsNaNWhenItIsToBeSkipped)
 {
-    krige::ReadSettings settings;
     settings.skipMissing = true;
     ColumnReader reader(folder.write("f.csv", "x\tnote\n1\ta\nn/a\tb\n\t\ninf\t\n"), {"x"}, settings, {"note"});
     Columns columns;
@@ -184,4 +184,72 @@ TEST_F(ColumnReaderTest, SkippedRowsMayHoldAnything)
 
     EXPECT_EQ(columns, (Columns{{7, 8}}));
     EXPECT_EQ(reader.skip(3), 0u);
+}
+
+TEST_F(ColumnReaderTest, WithoutAHeaderRowTheFirstRowHoldsValues)
+{
+    settings.hasHeader = false;
+
+    EXPECT_EQ(read("1,2,3\n4,5,6\n", {"3", "1"}), (Columns{{3, 6}, {1, 4}}));
+}
+
+TEST_F(ColumnReaderTest, WithoutAHeaderRowTheFirstRowIsSkippedLikeAnyOther)
+{
+    settings.hasHeader = false;
+    ColumnReader reader(folder.write("f.csv", "1\n2\n3\n"), {"1"}, settings);
+    Columns columns;
+
+    EXPECT_EQ(reader.skip(2), 2u);
+    reader.read(columns, all);
+
+    EXPECT_EQ(columns, (Columns{{3}}));
+    EXPECT_EQ(reader.getLine(0), 3u);
+}
+
+TEST_F(ColumnReaderTest, WithoutAHeaderRowAllRowsAreAsLongAsTheFirst)
+{
+    settings.hasHeader = false;
+
+    EXPECT_THAT(
+        errorOf("1,2\n3\n", {"1"}),
+        HasSubstr("f.csv, line 2, column '2': the row ends before this column: it has 1 field, the first row 2"));
+    EXPECT_THAT(errorOf("1,2\n3,4,5\n", {"1"}),
+                HasSubstr("f.csv, line 2, column 3: the row is longer than the first row"));
+}
+
+TEST_F(ColumnReaderTest, NumbersMayHaveADecimalComma)
+{
+    settings.hasDecimalComma = true;
+
+    EXPECT_EQ(read("x;z\n1,5;-2\n,25;1e-3\n", {"x", "z"}), (Columns{{1.5, 0.25}, {-2, 1e-3}}));
+}
+
+TEST_F(ColumnReaderTest, APointIsNoDecimalComma)
+{
+    settings.hasDecimalComma = true;
+
+    EXPECT_THAT(errorOf("x\n1.5\n", {"x"}),
+                HasSubstr("f.csv, line 2, column 'x': '1.5' is not a number with a decimal comma (--decimal ,)"));
+    EXPECT_THAT(errorOf("x;y\n1.234,5;1\n", {"x"}), HasSubstr("'1.234,5' is not a number"));
+}
+
+TEST_F(ColumnReaderTest, ADecimalCommaWhereNoneIsExpectedIsNamed)
+{
+    EXPECT_THAT(
+        errorOf("x;z\n1,5;2\n", {"x"}),
+        HasSubstr("f.csv, line 2, column 'x': '1,5' is not a number; if it has a decimal comma, add --decimal ,"));
+}
+
+TEST_F(ColumnReaderTest, TextsInWindows1252AreConverted)
+{
+    ColumnReader reader(folder.write("f.csv", "x,stra\xdf"
+                                              "e\n1,M\xfchle\n2,M\xc3\xbchle\n"),
+                        {"x"}, settings,
+                        {"stra\xc3\x9f"
+                         "e"});
+    Columns columns;
+    reader.read(columns, all);
+
+    EXPECT_EQ(reader.getTexts(0), ",M\xc3\xbchle");
+    EXPECT_EQ(reader.getTexts(1), ",M\xc3\xbchle");
 }

@@ -27,7 +27,7 @@ class CsvReaderTest : public testing::Test
 protected:
     std::vector<Fields> read(const std::string& content)
     {
-        CsvReader reader(folder.write("file.csv", content));
+        CsvReader reader(folder.write("file.csv", content), format);
         CsvRecord record;
         std::vector<Fields> records;
         lines.clear();
@@ -48,6 +48,7 @@ protected:
     }
 
     TemporaryFolder folder;
+    krige::CsvFormat format;
     std::vector<std::size_t> lines; // on which the records began
 };
 
@@ -303,4 +304,93 @@ TEST_F(CsvReaderTest, WhateverWayRecordsAreWrittenTheyAreReadAlike)
         EXPECT_EQ(read(content), expected);
         EXPECT_EQ(lines, expectedLines);
     }
+}
+
+TEST_F(CsvReaderTest, RunsOfBlanksSeparateFieldsWhereTheyAreToldTo)
+{
+    format.delimiter = krige::CsvFormat::blankRuns;
+
+    EXPECT_THAT(read(" x  y\t z \n1 2   3\r\n \t \n4\t5 6"),
+                ElementsAre(Fields{"x", "y", "z"}, Fields{"1", "2", "3"}, Fields{"4", "5", "6"}));
+    EXPECT_THAT(lines, ElementsAre(1u, 2u, 4u));
+}
+
+TEST_F(CsvReaderTest, QuotesHoldBlanksTogether)
+{
+    format.delimiter = krige::CsvFormat::blankRuns;
+
+    EXPECT_THAT(read("site  x\n \"a  b\"   1  \nc \"two\nlines  \"\n\"\"  \"say \"\"d\"\"\"\ne 2\n"),
+                ElementsAre(Fields{"site", "x"}, Fields{"a  b", "1"}, Fields{"c", "two\nlines  "},
+                            Fields{"", "say \"d\""}, Fields{"e", "2"}));
+    EXPECT_THAT(lines, ElementsAre(1u, 2u, 3u, 5u, 6u));
+}
+
+TEST_F(CsvReaderTest, MalformedQuotesBetweenBlanksAreErrorsWithLineAndColumn)
+{
+    format.delimiter = krige::CsvFormat::blankRuns;
+
+    EXPECT_THAT(errorOf("a  b\n1   5\"\n"), HasSubstr("file.csv, line 2, column 2: a quote within"));
+    EXPECT_THAT(errorOf("a  b\n1   \"2\n"), HasSubstr("file.csv, line 2, column 2: the quoted field is never closed"));
+}
+
+TEST_F(CsvReaderTest, LinesOfBlankSeparatedFieldsMayBeCutOffByABlock)
+{
+    format.delimiter = krige::CsvFormat::blankRuns;
+    std::string content;
+    for (int i = 0; i < 60000; ++i)
+        content += std::string(i % 5, ' ') + "12" + std::string(1 + i % 3, ' ') + (i % 7 == 0 ? "\"34\"" : "34") +
+                   std::string(i % 2, ' ') + "\n";
+
+    EXPECT_EQ(read(content), std::vector<Fields>(60000, Fields{"12", "34"}));
+    EXPECT_EQ(lines.back(), 60000u);
+}
+
+TEST_F(CsvReaderTest, CommentsArePassedOverButCounted)
+{
+    format.comment = "#";
+
+    EXPECT_THAT(read("# a;b;c\r\n\r\n  # d\nx,y\n#\n1,2\n\"#3\",#4\n# end"),
+                ElementsAre(Fields{"x", "y"}, Fields{"1", "2"}, Fields{"#3", "#4"}));
+    EXPECT_THAT(lines, ElementsAre(4u, 6u, 7u));
+}
+
+TEST_F(CsvReaderTest, ACommentMayBeginWithSeveralCharactersAndHoldAnything)
+{
+    format.comment = "//";
+
+    EXPECT_THAT(read(std::string("// \"\0\n/x/,y\n", 12)), ElementsAre(Fields{"/x/", "y"}));
+}
+
+TEST_F(CsvReaderTest, AQuotedFieldHoldsLinesThatLookLikeComments)
+{
+    format.comment = "#";
+
+    EXPECT_THAT(read("x,y\n1,\"a\n# b\"\n"), ElementsAre(Fields{"x", "y"}, Fields{"1", "a\n# b"}));
+}
+
+TEST_F(CsvReaderTest, CommentsLongerThanABlockArePassedOver)
+{
+    format.comment = "#";
+    const std::string longLine = "#" + std::string(600000, ',');
+
+    EXPECT_THAT(read(longLine + "\nx;y\n" + longLine + "\n1;2\n" + longLine),
+                ElementsAre(Fields{"x", "y"}, Fields{"1", "2"}));
+    EXPECT_THAT(lines, ElementsAre(2u, 4u));
+}
+
+TEST_F(CsvReaderTest, CommentsAcrossBlockBordersAreTold)
+{
+    format.comment = "#!#";
+    for (std::size_t length = 262140; length < 262148; ++length)
+        EXPECT_THAT(read(std::string(length, 'a') + "\n#!#b\nc\n"),
+                    ElementsAre(Fields{std::string(length, 'a')}, Fields{"c"}))
+            << length;
+}
+
+TEST_F(CsvReaderTest, WithDecimalCommasAFirstLineOfNumbersTellsTheDelimiter)
+{
+    format.hasDecimalComma = true;
+
+    EXPECT_THAT(read("1,5;2,5;3,5\n"), ElementsAre(Fields{"1,5", "2,5", "3,5"}));
+    EXPECT_THAT(read("x,y\n\"1,5\",2\n"), ElementsAre(Fields{"x", "y"}, Fields{"1,5", "2"}));
 }

@@ -106,7 +106,19 @@ TEST_F(InputFileTest, AFolderIsNoFile)
 {
     const std::string path = folder.pathOf(".");
 
-    EXPECT_EQ(messageOf<InputError>([&] { const InputFile file(path); }), path + ": Is a directory");
+    EXPECT_EQ(messageOf<InputError>([&] { const InputFile file(path); }), path + ": Is a directory; name a file in it");
+    const std::string file = folder.write("wells.csv", "");
+    EXPECT_EQ(messageOf<InputError>([&] { readAll(folder.pathOf(""), 10); }),
+              folder.pathOf("") + ": Is a directory; name a file in it, for instance '" + file + "'");
+}
+
+TEST_F(InputFileTest, AFileOfALikeNameIsSuggested)
+{
+    const std::string file = folder.write("samples.csv", "");
+    const std::string path = folder.pathOf("sample.csv");
+
+    EXPECT_EQ(messageOf<InputError>([&] { const InputFile input(path); }),
+              path + ": No such file or directory; did you mean '" + file + "'?");
 }
 
 TEST_F(InputFileTest, ADashStandsForStandardInput)

@@ -42,6 +42,8 @@ TEST(ReadSettingsTest, DelimitersHaveNames)
     EXPECT_EQ(parsed({"--delimiter", "semicolon"}).delimiter, ';');
     EXPECT_EQ(parsed({"--delimiter", "tab"}).delimiter, '\t');
     EXPECT_EQ(parsed({"--delimiter", "\\t"}).delimiter, '\t');
+    EXPECT_EQ(parsed({"--delimiter", "space"}).delimiter, krige::CsvFormat::blankRuns);
+    EXPECT_EQ(parsed({"--delimiter", " "}).delimiter, krige::CsvFormat::blankRuns);
 }
 
 TEST(ReadSettingsTest, AnyCharacterThatNoNumberHoldsIsADelimiter)
@@ -52,13 +54,56 @@ TEST(ReadSettingsTest, AnyCharacterThatNoNumberHoldsIsADelimiter)
 
 TEST(ReadSettingsTest, CharactersOfNumbersAndQuotesAreRefused)
 {
-    for (const char* const text : {"1", "e", ".", "+", "\"", " ", "\n", ",,", "\xc2\xb5"})
+    for (const char* const text : {"1", "e", ".", "+", "\"", "\n", ",,", "\xc2\xb5"})
         EXPECT_THROW(parsed({std::string("--delimiter=") + text}), UsageError) << text;
     EXPECT_EQ(messageOf<UsageError>([] { parsed({"--delimiter=x"}); }),
-              "--delimiter: must be one character that no number holds, or comma, semicolon or tab, not 'x'");
+              "--delimiter: must be one character that no number holds, or comma, semicolon, tab or space, not 'x'");
+    EXPECT_THAT(messageOf<UsageError>([] { parsed({"--delimiter=spaces"}); }),
+                testing::HasSubstr("not 'spaces'; did you mean 'space'?"));
 }
 
 TEST(ReadSettingsTest, MissingValuesAreSkippedOnRequest)
 {
     EXPECT_TRUE(parsed({"--skip-missing"}).skipMissing);
+}
+
+TEST(ReadSettingsTest, DecimalsFollowACommaOrAPoint)
+{
+    EXPECT_FALSE(parsed({}).hasDecimalComma);
+    EXPECT_TRUE(parsed({"--decimal", ","}).hasDecimalComma);
+    EXPECT_TRUE(parsed({"--decimal", "comma"}).hasDecimalComma);
+    EXPECT_FALSE(parsed({"--decimal", "."}).hasDecimalComma);
+    EXPECT_FALSE(parsed({"--decimal", "point"}).hasDecimalComma);
+    EXPECT_EQ(messageOf<UsageError>([] { parsed({"--decimal=;"}); }), "--decimal: must be a comma or a point, not ';'");
+}
+
+TEST(ReadSettingsTest, ACommentIsATextThatBeginsNoField)
+{
+    EXPECT_EQ(parsed({}).comment, "");
+    EXPECT_EQ(parsed({"--comment", "//"}).comment, "//");
+    for (const char* const text : {"1", "-", "+", ".", " #", "\"", "#\n", "\t"})
+        EXPECT_THROW(parsed({std::string("--comment=") + text}), UsageError) << text;
+}
+
+TEST(ReadSettingsTest, ACommentDoesNotBeginWithTheDelimiter)
+{
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"--comment=|", "--delimiter=|"},
+                                                  std::vector<std::string>{"--delimiter=|", "--comment=||"}})
+        EXPECT_THAT(messageOf<UsageError>([&] { parsed(words); }), testing::HasSubstr("begins with the delimiter"));
+}
+
+TEST(ReadSettingsTest, TheHeaderRowIsThereUnlessSaidOtherwise)
+{
+    EXPECT_TRUE(parsed({}).hasHeader);
+    EXPECT_FALSE(parsed({"--no-header"}).hasHeader);
+}
+
+TEST(ReadSettingsTest, SettingsAreWrittenAsTheOptionsThatMakeThem)
+{
+    EXPECT_EQ(krige::formatOptionsText(parsed({})), "");
+    EXPECT_EQ(krige::formatOptionsText(parsed({"--delimiter", "space", "--decimal", ",", "--comment", "#",
+                                               "--no-header", "--missing", "-9999,NA"})),
+              " --delimiter space --decimal , --comment '#' --no-header --missing '-9999,NA'");
+    EXPECT_EQ(krige::formatOptionsText(parsed({"--delimiter", "tab"})), " --delimiter tab");
+    EXPECT_EQ(krige::formatOptionsText(parsed({"--delimiter", "|"})), " --delimiter '|'");
 }

@@ -83,8 +83,9 @@ TEST(SettingKeysTest, ARangeFractionAboveTenIsAnsweredWithTheUnits)
 
 TEST(SettingKeysTest, AnUnknownKeyIsAnsweredWithThoseThereAre)
 {
-    EXPECT_EQ(faultOf("drfit", "1"), "'drfit' is no setting; the settings are duplicates, duplicate-tolerance, "
-                                     "scale, drift, range, nugget, nearest, sill, anisotropy, transform, clamp");
+    EXPECT_EQ(faultOf("drfit", "1"),
+              "'drfit' is no setting; the settings are duplicates, duplicate-tolerance, "
+              "scale, drift, range, nugget, nearest, sill, anisotropy, transform, clamp; did you mean 'drift'?");
 }
 
 TEST(SettingKeysTest, AValueOutOfBoundsIsAnsweredWithTheBounds)

@@ -53,12 +53,6 @@ test_BytesWithoutNulAreRejectedForTheirHeader()
     ! grep -q "$(printf '\033')" "$scratch/log/err" || fail 'an escape sequence reached the terminal'
 }
 
-test_AUtf16FileIsRejected()
-{
-    printf '\377\376x\000,\000y\000,\000z\000\n\000' >samples.csv
-    rejected 'samples.csv, line 1: a NUL byte'
-}
-
 test_AnOverflowIsRejectedWithLineAndColumn()
 {
     printf 'x,y,z\n0,0,1\n1,0,1e999\n0,1,3\n' >samples.csv

@@ -57,7 +57,7 @@ nonsense()
         run_with "$1" "$option=no/such/nonsense"
         is_sane "$1 $option=no/such/nonsense"
         case $option in
-        --units | --output-units | --title | --missing) ;; # any text will do
+        --units | --output-units | --title | --missing | --comment) ;; # any text will do
         *) [ "$status" -ne 0 ] || fail "$1 $option takes nonsense" ;;
         esac
         for value in '' nan -inf -1e999 -1.5 99999999999999999999999 '1,,"'; do

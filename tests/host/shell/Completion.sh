@@ -30,6 +30,7 @@ test_SubcommandsAreOffered()
 {
     completed ''
     for subcommand in predict validate tune variogram report info; do offers "$subcommand"; done
+    offers help
     completed va
     offers validate
     offers variogram
@@ -43,6 +44,22 @@ test_OptionsOfTheSubcommandAreOffered()
     lacks --leave-one-out
     completed validate samples.csv --le
     offers --leave-one-out
+}
+
+test_SubcommandsAreOfferedBehindHelp()
+{
+    completed help ''
+    for subcommand in predict validate tune variogram report info; do offers "$subcommand"; done
+    lacks help
+}
+
+test_WaysToReadAreOffered()
+{
+    completed predict samples.csv --delimiter ''
+    offers space
+    offers tab
+    completed predict samples.csv --decimal ''
+    offers comma
 }
 
 test_UnitsOfLagsAreOffered()

@@ -59,5 +59,5 @@ test_ADigitIsNoDelimiter()
     write_samples
     predict --grid 2x2 -o out.csv --delimiter 5
     expect_status 2
-    expect_stderr "--delimiter: must be one character that no number holds, or comma, semicolon or tab, not '5'"
+    expect_stderr "--delimiter: must be one character that no number holds, or comma, semicolon, tab or space, not '5'"
 }

@@ -121,3 +121,39 @@ test_APackedVtkFileIsRefused()
     expect_stderr '--output: a .vtk file is not packed; leave .gz out of its name'
     expect_files samples.csv
 }
+
+test_AHugeGridSaysItsSizeWhereNobodyCanBeAsked()
+{
+    write_samples
+    predict --grid 100000x100000 -o grid.csv
+    expect_status 2
+    expect_stderr '--grid: 10000000000 nodes make about '
+    expect_stderr ' GB; if that is meant, add --yes'
+    predict --grid 100000x100000 -o grid.vtk
+    expect_status 2
+    expect_stderr '--grid: 10000000000 nodes make about 80 GB; if that is meant, add --yes'
+    expect_files samples.csv
+}
+
+test_AHugeGridIsAskedForOnATerminal()
+{
+    command -v script >/dev/null || skip 'no script here'
+    write_samples
+    { sleep 2; echo n; sleep 1; } | script -qefc \
+        "$program predict samples.csv --inputs x,y --outputs z --grid 100000x100000 -o grid.vtk" screen.txt >/dev/null 2>&1
+    status=$?
+    expect_status 1
+    grep -qF "The grid's 10000000000 nodes make about 80 GB. Write them to grid.vtk? [y/N] n" screen.txt ||
+        { cat screen.txt; fail 'nothing was asked'; }
+    grep -qF 'krige: nothing is written' screen.txt || { cat screen.txt; fail 'no end'; }
+    rm screen.txt
+    expect_files samples.csv
+}
+
+test_APartOfAHugeGridThatIsSmallNeedsNoQuestion()
+{
+    write_samples
+    predict --nearest 3 --grid 100000x100000 --shard 1000000/1000000 -o part.csv
+    expect_status 0
+    [ "$(wc -l <part.csv)" -eq 10000 ] || fail 'not a millionth'
+}

@@ -3,7 +3,7 @@ interrupted()
 {
     write_samples
     env --default-signal=INT "$program" predict samples.csv --inputs x,y --outputs z \
-        --grid x=0:1:1000000,y=0:1:1000000 -o out.csv >"$scratch/log/out" 2>"$scratch/log/err" &
+        --grid x=0:1:1000000,y=0:1:1000000 --yes -o out.csv >"$scratch/log/out" 2>"$scratch/log/err" &
     process=$!
     waited=0
     until [ -n "$(find . -name '.krige-*.tmp' -size +0)" ]; do

@@ -92,3 +92,96 @@ x,y,z
 EOF
     expect_files out.csv samples.csv
 }
+
+# fails_when_full ARGUMENTS...: with a full disk behind standard output.
+fails_when_full()
+{
+    [ -c /dev/full ] || skip 'no /dev/full here'
+    "$program" "$@" >/dev/full 2>"$scratch/log/err"
+    status=$?
+    expect_status 1
+    expect_stderr 'krige: standard output: writing failed'
+}
+
+test_EveryCommandFailsWhereItsResultsAreLost()
+{
+    write_samples
+    fails_when_full info samples.csv
+    fails_when_full validate samples.csv --inputs x,y --outputs z
+    fails_when_full tune samples.csv --inputs x,y --outputs z --max-trials 3
+    fails_when_full variogram samples.csv --inputs x,y --outputs z
+}
+
+test_HelpAndVersionFailWhereTheyAreLost()
+{
+    fails_when_full --help
+    fails_when_full --version
+    fails_when_full help predict
+    fails_when_full info --help
+}
+
+test_LeftoversOfKilledRunsAreNamed()
+{
+    write_samples
+    mkdir out
+    sh -c 'echo $$' >gone
+    : >"out/.krige-$(cat gone)-1-0.tmp"
+    predict --grid 2x2 -o out/grid.csv
+    expect_status 0
+    expect_stderr "left over: out/.krige-$(cat gone)-1-0.tmp, a temporary file of a run that was killed; remove it"
+    predict --grid 2x2 -o out/grid.csv --quiet
+    expect_no_stderr 'left over'
+    rm out/.krige-*
+    predict --grid 2x2 -o out/grid.csv
+    expect_no_stderr 'left over'
+}
+
+test_AKilledRunLeavesAFileThatTheNextOneNames()
+{
+    write_samples
+    "$program" predict samples.csv --inputs x,y --outputs z --grid 100000x100000 --yes -o out.csv 2>/dev/null &
+    waited=0
+    until ls .krige-* >/dev/null 2>&1 || [ "$waited" -ge 60 ]; do
+        sleep 1
+        waited=$((waited + 1))
+    done
+    name=$(ls .krige-*)
+    predict --grid 2x2 -o other.csv
+    expect_no_stderr 'left over' # for it runs
+    kill -KILL $!
+    wait $! 2>/dev/null
+    predict --grid 2x2 -o other.csv
+    expect_status 0
+    expect_stderr "left over: ./$name, a temporary file of a run that was killed; remove it"
+}
+
+test_PipesAreFilesLikeAnyOther()
+{
+    write_samples
+    predict --grid 3x3 -o expected.csv
+    mkfifo samples.pipe out.pipe
+    cat samples.csv >samples.pipe &
+    cat out.pipe >out.csv &
+    krige predict samples.pipe --inputs x,y --outputs z --grid 3x3 -o out.pipe
+    expect_status 0
+    wait
+    cmp expected.csv out.csv || fail 'pipes give other bytes'
+    [ -p out.pipe ] || fail 'the pipe was replaced'
+}
+
+test_EveryCommandWritesToStandardOutput()
+{
+    write_samples
+    krige validate samples.csv --inputs x,y --outputs z -o -
+    expect_status 0
+    [ "$(head -c 5 "$scratch/log/out")" = 'line,' ] || fail 'no points'
+    krige tune samples.csv --inputs x,y --outputs z --max-trials 3 -o -
+    expect_status 0
+    [ "$(head -c 2 "$scratch/log/out")" = '# ' ] || fail 'no settings'
+    krige tune samples.csv --inputs x,y --outputs z --max-trials 3 --trials -
+    expect_status 0
+    ! grep -q RMSE "$scratch/log/out" || fail 'scores among the trials'
+    krige variogram samples.csv --inputs x,y --outputs z -o -
+    expect_status 0
+    [ "$(head -c 9 "$scratch/log/out")" = 'lower_lag' ] || fail 'no lags'
+}

@@ -249,7 +249,7 @@ test_WithoutGnuplotTheWayOutIsNamedBeforeAnyWork()
     expect_files empty
 }
 
-test_AGnuplotThatFailsLeavesNoPicture()
+test_AGnuplotThatFailsLeavesTheTableAndNoPicture()
 {
     mkdir bin
     printf '#!/bin/sh\necho "no fonts" >&2\nexit 3\n' >bin/gnuplot
@@ -258,6 +258,41 @@ test_AGnuplotThatFailsLeavesNoPicture()
         -o out.csv --plot surface.png >"$scratch/log/out" 2>"$scratch/log/err"
     status=$?
     expect_status 1
-    expect_stderr "surface.png: gnuplot failed: 'no fonts'"
-    expect_files bin
+    expect_stderr "surface.png: gnuplot failed: 'no fonts'; the estimates are complete, in out.csv"
+    expect_files bin out.csv
+    [ "$(wc -l <out.csv)" -eq 401 ] || fail 'the table is not complete'
+}
+
+test_APictureThatFailsLeavesTheOtherTables()
+{
+    mkdir bin
+    printf '#!/bin/sh\nexit 3\n' >bin/gnuplot
+    chmod +x bin/gnuplot
+    write_samples
+    PATH=$PWD/bin:$PATH "$program" validate samples.csv --inputs x,y --outputs z -o points.csv --plot fit.png \
+        >"$scratch/log/out" 2>"$scratch/log/err"
+    status=$?
+    expect_status 1
+    expect_stdout RMSE
+    PATH=$PWD/bin:$PATH "$program" variogram samples.csv --inputs x,y --outputs z -o lags.csv --plot lags.png \
+        >"$scratch/log/out" 2>"$scratch/log/err"
+    status=$?
+    expect_status 1
+    expect_files bin lags.csv points.csv samples.csv
+}
+
+test_ThePicturesFolderIsCheckedBeforeAnyWork()
+{
+    write_samples
+    for folder in none samples.csv; do
+        predict --grid 2x2 -o out.csv --plot "$folder/surface.gp"
+        expect_status 1
+        expect_stderr "$folder/surface.gp: cannot be written: "
+        expect_no_stderr 'samples: '
+    done
+    mkdir surface.gp
+    predict --grid 2x2 -o out.csv --plot surface.gp
+    expect_status 1
+    expect_stderr 'surface.gp: cannot be written: it is a folder'
+    expect_files samples.csv surface.gp
 }

@@ -40,7 +40,7 @@ expect_screen()
 }
 
 # Hours of work.
-endless="samples.csv --inputs x,y --outputs z --grid x=0:1:1000000,y=0:1:1000000 -o out.csv"
+endless="samples.csv --inputs x,y --outputs z --grid x=0:1:1000000,y=0:1:1000000 --yes -o out.csv"
 
 test_PredictShowsRateAndTimeLeftAndCtrlCLeavesNothing()
 {

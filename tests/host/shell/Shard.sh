@@ -91,3 +91,37 @@ test_PartsOfAVtkFileAreRefused()
     expect_status 2
     expect_stderr '--shard: parts of a .vtk file do not make a whole one'
 }
+
+test_NamesOfPartsSortAsThePartsDo()
+{
+    write_samples
+    predict --grid 31x17 -o whole.csv
+    for part in 1 2 3 4 5 6 7 8 9 10 11 12; do
+        predict --grid 31x17 --shard "$part/12" -o 'part{shard}.csv'
+        expect_status 0
+    done
+    [ -e part01.csv ] && [ -e part12.csv ] || fail 'names without leading zeros'
+    cat part*.csv | cmp whole.csv - || fail 'the parts differ from the whole'
+}
+
+test_PartsWithoutAHeaderRowMakeTheBytesOfOneRun()
+{
+    write_samples
+    sed 1d samples.csv >bare.csv
+    krige predict bare.csv --no-header --inputs 1,2 --outputs 3 --at bare.csv -o whole.csv
+    expect_status 0
+    for part in 1 2 3; do
+        krige predict bare.csv --no-header --inputs 1,2 --outputs 3 --at bare.csv --shard "$part/3" -o 'part{shard}.csv'
+        expect_status 0
+    done
+    cat part*.csv | cmp whole.csv - || fail 'the parts differ from the whole'
+}
+
+test_ANumberOfAPartNeedsParts()
+{
+    write_samples
+    predict --grid 2x2 -o 'part{shard}.csv'
+    expect_status 2
+    expect_stderr '--output: {shard} stands for the number of a part; add --shard I/K'
+    expect_files samples.csv
+}

@@ -53,3 +53,12 @@ TEST(ShardTest, IndexAndCountAreRead)
     EXPECT_EQ(parseShard("2/8").index, 2u);
     EXPECT_EQ(parseShard("2/8").count, 8u);
 }
+
+TEST(ShardTest, ThePartsNumberStandsInItsName)
+{
+    EXPECT_EQ(krige::nameOfPart("part{shard}.csv", {2, 8}), "part2.csv");
+    EXPECT_EQ(krige::nameOfPart("part{shard}.csv", {2, 10}), "part02.csv");
+    EXPECT_EQ(krige::nameOfPart("part{shard}.csv", {100, 100}), "part100.csv");
+    EXPECT_EQ(krige::nameOfPart("{shard}/{shard}{}.csv", {7, 2000}), "0007/0007{}.csv");
+    EXPECT_EQ(krige::nameOfPart("part.csv", {7, 2000}), "part.csv");
+}

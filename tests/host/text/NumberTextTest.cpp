@@ -170,3 +170,36 @@ TEST(NumberTextTest, ALongTextIsShortenedInAMessage)
 {
     EXPECT_EQ(krige::quoteForMessage(std::string(100, 'a')), "'" + std::string(57, 'a') + "...'");
 }
+
+TEST(NumberTextTest, DecimalsMayFollowAComma)
+{
+    double value = 0.0;
+
+    EXPECT_EQ(krige::parseNumber(" -1,25e2 ", value, true), NumberStatus::Ok);
+    EXPECT_EQ(value, -125.0);
+    EXPECT_EQ(krige::parseNumber("7", value, true), NumberStatus::Ok);
+    EXPECT_EQ(value, 7.0);
+    for (const char* const text : {"1.5", "1.234,5", "1,2,3", ",", "1,5m"})
+        EXPECT_EQ(krige::parseNumber(text, value, true), NumberStatus::Malformed) << text;
+    EXPECT_EQ(krige::parseNumber("", value, true), NumberStatus::Missing);
+    EXPECT_EQ(krige::parseNumber("1,5", value, false), NumberStatus::Malformed);
+    EXPECT_EQ(krige::parseNumber("1.5", value, false), NumberStatus::Ok);
+}
+
+TEST(NumberTextTest, TextOfAnyEncodingIsShownInUtf8)
+{
+    EXPECT_EQ(krige::quoteForMessage("H\xf6he"), "'H\xc3\xb6he'");
+    EXPECT_EQ(krige::quoteForMessage("H\xc3\xb6he"), "'H\xc3\xb6he'");
+    EXPECT_EQ(krige::quoteForMessage("a\xc2\x9b"
+                                     "2J"),
+              "'a?2J'"); // a control character of 8-bit terminals
+}
+
+TEST(NumberTextTest, ALongTextIsNotCutWithinACharacter)
+{
+    std::string text(56, 'a');
+    for (int i = 0; i < 10; ++i)
+        text += "\xe2\x82\xac";
+
+    EXPECT_EQ(krige::quoteForMessage(text), "'" + std::string(56, 'a') + "...'");
+}
