@@ -74,7 +74,7 @@ void Report::modelBuilt(const SampleModel& model, const SampleTable& samples,
 {
     buildingSeconds = takeSeconds();
     if (settings.duplicateTolerance < 0.0)
-        stream << "merged: no samples, for --duplicates merge is not given\n";
+        stream << "merged: none, for --duplicates merge is not given\n";
     else if (model.getNumMergedSamples() == 0)
         stream << "merged: none\n";
     else
