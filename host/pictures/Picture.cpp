@@ -205,9 +205,9 @@ std::string Picture::terminalLine(const std::string& ending, const Canvas& canva
     const Sizes sizes = isSvg   ? Sizes{16, 13, 20, 0.55, 0.6}
                         : isPdf ? Sizes{9, 7, 12, 1.0, 1.0}
                                 : Sizes{12, 10, 15, 1.0, 1.0};
-    const auto font = [](int size)
+    const auto fontOf = [](int points)
     {
-        return "'sans," + std::to_string(size) + "'";
+        return "'sans," + std::to_string(points) + "'";
     };
     const auto length = [&](double side)
     {
@@ -217,13 +217,13 @@ std::string Picture::terminalLine(const std::string& ending, const Canvas& canva
     const std::string scale = formatNumber(canvas.scale);
     // Viewers of .svg smooth an image of few pixels, so that large cells are drawn one by one there; elsewhere that
     // would leave seams between them.
-    return "largeCells = '" + std::string(isSvg ? "pixels" : "") + "'\nsmallFont = " + font(sizes.smallFont) +
-           "\nlargeFont = " + font(sizes.largeFont) + "\ndot = " + formatNumber(sizes.point * canvas.scale) +
+    return "largeCells = '" + std::string(isSvg ? "pixels" : "") + "'\nsmallFont = " + fontOf(sizes.smallFont) +
+           "\nlargeFont = " + fontOf(sizes.largeFont) + "\ndot = " + formatNumber(sizes.point * canvas.scale) +
            "\ntick = " + formatNumber(sizes.tick) + "\nset terminal " +
            (isSvg   ? "svg standalone background '#ffffff'"
             : isPdf ? "pdfcairo"
                     : "pngcairo") +
-           " noenhanced font " + font(sizes.usualFont) + " fontscale " + scale + " linewidth " + scale + " size " +
+           " noenhanced font " + fontOf(sizes.usualFont) + " fontscale " + scale + " linewidth " + scale + " size " +
            length(canvas.width) + "," + length(canvas.height) + "\n";
 }
 

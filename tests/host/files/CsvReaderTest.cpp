@@ -337,7 +337,7 @@ TEST_F(CsvReaderTest, LinesOfBlankSeparatedFieldsMayBeCutOffByABlock)
 {
     format.delimiter = krige::CsvFormat::blankRuns;
     std::string content;
-    for (int i = 0; i < 60000; ++i)
+    for (std::size_t i = 0; i < 60000; ++i)
         content += std::string(i % 5, ' ') + "12" + std::string(1 + i % 3, ' ') + (i % 7 == 0 ? "\"34\"" : "34") +
                    std::string(i % 2, ' ') + "\n";
 
