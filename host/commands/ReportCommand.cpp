@@ -151,7 +151,7 @@ GridSpec ReportCommand::chooseGrid(const SampleTable& samples) const
     if (gridText.empty())
         return defaultGrid(samples);
     GridSpec grid = inOrderOfInputs(parseGridSpec(gridText, options.inputNames), options.inputNames);
-    spanSamples(grid, samples.inputs);
+    giveNodes(grid, samples.inputs);
     return grid;
 }
 

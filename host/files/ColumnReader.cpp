@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "host/geo/MapFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -27,7 +28,7 @@ std::string listOfNames(const std::vector<std::string>& names)
 
 ColumnReader::ColumnReader(const std::string& path, const std::vector<std::string>& names_,
                            const ReadSettings& settings_, const std::vector<std::string>& textNames)
-    : reader(path, settings_.delimiter), settings(settings_), names(names_)
+    : reader(path, isMapFile(path) ? ',' : settings_.delimiter), settings(settings_), names(names_)
 {
     if (!reader.read(record))
         throw InputError::atLine(getPath(), 1,

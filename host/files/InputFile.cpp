@@ -11,6 +11,7 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include "host/geo/MapFile.h"
 #include "host/text/HostErrors.h"
 
 namespace krige
@@ -47,6 +48,11 @@ struct InputFile::Inflater
 
 InputFile::InputFile(const std::string& path) : name(isStandardStream(path) ? "standard input" : path)
 {
+    if (isMapFile(path))
+    {
+        table = openMapTable(path);
+        return;
+    }
     errno = 0;
     descriptor = isStandardStream(path) ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
@@ -64,7 +70,8 @@ InputFile::InputFile(const std::string& path) : name(isStandardStream(path) ? "s
 
 InputFile::~InputFile()
 {
-    ::close(descriptor);
+    if (descriptor >= 0)
+        ::close(descriptor);
 }
 
 void InputFile::detectGzip()
@@ -77,6 +84,8 @@ void InputFile::detectGzip()
 
 std::size_t InputFile::read(char* bytes, std::size_t capacity)
 {
+    if (table)
+        return table->read(bytes, capacity);
     if (inflater)
         return readPacked(bytes, capacity);
     const std::size_t fromHead = std::min(capacity, head.size() - headUsed);

@@ -8,7 +8,10 @@
 namespace krige
 {
 
+class MapTable;
+
 /// The bytes of a file, or of standard input where the path is "-". Data that begin with the mark of gzip are unpacked.
+/// A file of points or a raster (isMapFile) reads as the CSV text of a table (MapTable).
 ///
 /// Errors are InputError with the file's name: it cannot be opened or read, it is a folder, its packed data are damaged
 /// or end too early.
@@ -41,6 +44,7 @@ private:
     std::string head; // the first bytes, read to tell what they are
     std::size_t headUsed = 0;
     std::unique_ptr<Inflater> inflater; // null: plain
+    std::unique_ptr<MapTable> table;    // of a file of maps; null: bytes
 };
 
 /// Whether a path stands for standard input or output.

@@ -55,6 +55,21 @@ void addMissingOption(CLI::App& command, ReadSettings& reading)
         ->type_name("WORDS");
 }
 
+void addPlaceOptions(CLI::App& command, ReadSettings& reading)
+{
+    command
+        .add_option("--crs", reading.crs,
+                    "Coordinate reference system of the inputs, which maps are written with. Default: that of the "
+                    "samples' file, where it has one. Example: --crs EPSG:28992")
+        ->type_name("CRS");
+    command
+        .add_option("--project", reading.projection,
+                    "Coordinate reference system to which the inputs of samples and targets are brought from that of "
+                    "their files or --crs, longitudes and latitudes for instance, of which distances mean nothing; "
+                    "grids and outputs are in it. Default: none. Example: --project EPSG:28992")
+        ->type_name("CRS");
+}
+
 void addReadOptions(CLI::App& command, ReadSettings& reading)
 {
     addDelimiterOption(command, reading);

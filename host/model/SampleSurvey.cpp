@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "host/files/CsvReader.h"
+#include "host/geo/MapFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
@@ -87,7 +88,7 @@ const ColumnSurvey& findColumn(const FileSurvey& survey, const std::string& name
 
 FileSurvey surveyFile(const std::string& path, const ReadSettings& reading)
 {
-    CsvReader reader(path, reading.delimiter);
+    CsvReader reader(path, isMapFile(path) ? ',' : reading.delimiter);
     FileSurvey survey;
     survey.path = reader.getPath();
     CsvRecord record;

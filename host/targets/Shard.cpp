@@ -33,6 +33,16 @@ std::uint64_t Shard::size(std::uint64_t numTargets) const
     return numTargets / count + (index - 1 < numTargets % count ? 1 : 0);
 }
 
+std::string nameOfPart(std::string name, const Shard& shard)
+{
+    constexpr std::string_view mark = "{shard}";
+    const std::string digits = std::to_string(shard.index);
+    const std::string number = std::string(std::to_string(shard.count).size() - digits.size(), '0') + digits;
+    for (std::size_t at = name.find(mark); at != std::string::npos; at = name.find(mark, at + number.size()))
+        name.replace(at, mark.size(), number);
+    return name;
+}
+
 Shard parseShard(const std::string& text)
 {
     Shard shard;

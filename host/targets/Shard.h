@@ -29,6 +29,9 @@ struct Shard
     std::uint64_t size(std::uint64_t numTargets) const;
 };
 
+/// The name with the part's number in place of each `{shard}`, with leading zeros, so that names sort as the parts do.
+std::string nameOfPart(std::string name, const Shard& shard);
+
 /// Reads `I/K` with 1 <= I <= K. Throws UsageError.
 Shard parseShard(const std::string& text);
 

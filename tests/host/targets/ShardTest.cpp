@@ -53,3 +53,10 @@ TEST(ShardTest, IndexAndCountAreRead)
     EXPECT_EQ(parseShard("2/8").index, 2u);
     EXPECT_EQ(parseShard("2/8").count, 8u);
 }
+
+TEST(ShardTest, TheNumberInANameHasTheZerosThatKeepPartsInOrder)
+{
+    EXPECT_EQ(krige::nameOfPart("part{shard}.tif", {3, 12}), "part03.tif");
+    EXPECT_EQ(krige::nameOfPart("{shard}/{shard}.tif", {3, 9}), "3/3.tif");
+    EXPECT_EQ(krige::nameOfPart("map.tif", {3, 9}), "map.tif");
+}
