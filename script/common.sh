@@ -4,7 +4,8 @@ project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # Debian packages, by the groups of script/bootstrap.
 build_packages="g++ cmake ninja-build qtbase5-dev libhwy-dev libcli11-dev libcsv-dev libarchive-dev libpng-dev zlib1g-dev"
-test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db help2man parallel python3 make pkg-config bzip2 xz-utils zip zstd"
+test_packages="libgtest-dev libgmock-dev libmpfr-dev binutils gnuplot-nox man-db help2man parallel python3 make pkg-config \
+bzip2 xz-utils zip zstd libgdal-dev gdal-bin python3-xarray python3-netcdf4"
 python_packages="python3-dev pybind11-dev python3-numpy python3-sklearn python3-joblib python3-pandas python3-xarray \
 python3-dask python3-distributed python3-matplotlib python3-pytest python3-hypothesis python3-build python3-setuptools \
 python3-wheel python3-venv python3-pip mypy"

@@ -6,9 +6,12 @@
 #include <vector>
 
 #include "host/commands/Command.h"
+#include "host/geo/GeoModule.h"
 #include "host/model/ModelOptions.h"
+#include "host/model/SampleTable.h"
 #include "host/pictures/PictureOptions.h"
 #include "host/targets/GridSpec.h"
+#include "host/targets/OutputFormat.h"
 #include "host/targets/PredictionColumns.h"
 #include "host/targets/PredictionWriter.h"
 #include "host/targets/Shard.h"
@@ -23,7 +26,7 @@ class SurfacePicture;
 
 /// `krige predict`: estimates at the targets of a file or a grid, written as CSV: the inputs in the order of --inputs,
 /// one column per output, on request the variance and one standard error per output, then kept columns. Grids also as
-/// VTK.
+/// VTK and rasters, targets also as points of a map.
 class PredictCommand final : public Command
 {
 public:
@@ -42,7 +45,20 @@ private:
     void checkAreSupported(TargetSupport& support, const GridSpec& grid) const;
     std::unique_ptr<SurfacePicture> makePicture(const SampleTable& samples, const GridSpec& grid) const;
     double pictureCoverage() const;
-    std::unique_ptr<PredictionWriter> makeWriter(OutputFile& output, const GridSpec& grid) const;
+    std::unique_ptr<PredictionWriter> makeWriter(const GridSpec& grid, const std::string& crs) const;
+    void checkMapOutput() const;
+    void placeGrid(GridSpec& grid, const SampleTable& samples, std::string& crs) const;
+    std::unique_ptr<PlaceMask> openMask(const std::string& crs) const;
+
+    const OutputFormat& getFormat() const
+    {
+        return chooseOutputFormat(outputPath, formatName);
+    }
+
+    bool isRaster() const
+    {
+        return getFormat().kind == FormatKind::Raster;
+    }
 
     bool isGrid() const
     {
@@ -59,8 +75,12 @@ private:
     Shard shard;
     bool isShardGiven = false;
     bool isAnySizeWanted = false;
+    std::string maskPath;       // empty: none
     std::string duplicatesPath; // empty: no report
     std::string outputPath;
+    std::string outputPattern; // with {shard} as it was given
+    std::string formatName;    // empty: by the path
+    std::string cellType;      // of rasters; empty: float64
     SurfaceOptions plot;
 };
 

@@ -25,6 +25,7 @@
 #include "host/reports/RangeText.h"
 #include "host/reports/VariogramReport.h"
 #include "host/targets/Predictor.h"
+#include "host/targets/RasterGrid.h"
 #include "host/targets/TargetSupport.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
@@ -164,7 +165,7 @@ GridSpec ReportCommand::chooseGrid(const SampleTable& samples) const
     if (gridText.empty())
         return defaultGrid(samples);
     GridSpec grid = inOrderOfInputs(parseGridSpec(gridText, options.inputNames), options.inputNames);
-    spanSamples(grid, samples.inputs);
+    giveNodes(grid, samples.inputs);
     return grid;
 }
 

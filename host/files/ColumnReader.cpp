@@ -11,11 +11,11 @@ namespace krige
 
 ColumnReader::ColumnReader(const std::string& path, const std::vector<std::string>& names_,
                            const ReadSettings& settings_, const std::vector<std::string>& textNames)
-    : reader(path, settings_),
-      settings(settings_),
+    : settings(settingsOf(path, settings_)),
+      reader(path, settings),
       names(names_),
-      header(reader, record, settings_),
-      isFirstRowAtHand(!settings_.hasHeader)
+      header(reader, record, settings),
+      isFirstRowAtHand(!settings.hasHeader)
 {
     for (const std::string& name : names)
         fieldOfColumn.push_back(header.findColumn(name));

@@ -57,8 +57,8 @@ private:
     void checkRowLength() const;
     double parseField(std::size_t column) const;
 
-    CsvReader reader;
     ReadSettings settings;
+    CsvReader reader;
     std::vector<std::string> names;
     CsvRecord record;
     HeaderRow header;

@@ -15,6 +15,7 @@
 #include <zlib.h>
 
 #include "host/files/ArchiveUnpacker.h"
+#include "host/geo/MapFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "host/text/Spelling.h"
@@ -94,6 +95,11 @@ struct InputFile::Inflater
 
 InputFile::InputFile(const std::string& path) : name(isStandardStream(path) ? "standard input" : path)
 {
+    if (isMapFile(path))
+    {
+        table = openMapTable(path);
+        return;
+    }
     errno = 0;
     descriptor = isStandardStream(path) ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
@@ -114,7 +120,8 @@ InputFile::InputFile(const std::string& path) : name(isStandardStream(path) ? "s
 
 InputFile::~InputFile()
 {
-    ::close(descriptor);
+    if (descriptor >= 0)
+        ::close(descriptor);
 }
 
 void InputFile::detectPacking()
@@ -130,6 +137,8 @@ void InputFile::detectPacking()
 
 std::size_t InputFile::read(char* bytes, std::size_t capacity)
 {
+    if (table)
+        return table->read(bytes, capacity);
     if (inflater)
         return readPacked(bytes, capacity);
     if (unpacker)

@@ -10,9 +10,11 @@ namespace krige
 {
 
 class ArchiveUnpacker;
+class MapTable;
 
 /// The bytes of a file, or of standard input where the path is "-". Data that begin with the mark of gzip, xz, zstd,
-/// bzip2 or zip are unpacked; a zip archive holds one file.
+/// bzip2 or zip are unpacked; a zip archive holds one file. A file of points or a raster (isMapFile) reads as the CSV
+/// text of a table (MapTable).
 ///
 /// Errors are InputError with the file's name: it cannot be opened or read (a name that may be meant is suggested), it
 /// is a folder, its packed data are damaged or end too early, an archive holds several files.
@@ -46,6 +48,7 @@ private:
     std::size_t headUsed = 0;
     std::unique_ptr<Inflater> inflater;        // null: no gzip
     std::unique_ptr<ArchiveUnpacker> unpacker; // null: not packed in another way
+    std::unique_ptr<MapTable> table;           // of a file of maps; null: bytes
 };
 
 /// Whether a text at the beginning of a file would be taken for packed data.

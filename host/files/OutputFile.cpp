@@ -1,13 +1,9 @@
 #include "host/files/OutputFile.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <new>
-#include <stdexcept>
 #include <system_error>
 #include <vector>
 
@@ -24,64 +20,9 @@ namespace krige
 namespace
 {
 
-constexpr int numSlots = 8;
-
-/// The temporary files that a signal must remove. The handler reads pointers only: nothing here allocates or locks.
-std::atomic<const char*> temporaryFiles[numSlots];
-static_assert(std::atomic<const char*>::is_always_lock_free);
-
-extern "C" void removeTemporaryFilesAndDie(int signalNumber)
-{
-    for (const std::atomic<const char*>& name : temporaryFiles)
-    {
-        if (const char* const path = name.load())
-            ::unlink(path);
-    }
-    std::raise(signalNumber); // the default action is back: the shell sees a death by this signal
-}
-
-void installSignalHandlers()
-{
-    static bool installed = false;
-    if (installed)
-        return;
-    installed = true;
-    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ})
-    {
-        struct sigaction current = {};
-        if (sigaction(signalNumber, nullptr, &current) != 0 || current.sa_handler != SIG_DFL)
-            continue; // ignored under nohup, or somebody else's
-        struct sigaction action = {};
-        action.sa_handler = removeTemporaryFilesAndDie;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
-        sigaction(signalNumber, &action, nullptr);
-    }
-}
-
-int takeSlot(const char* path)
-{
-    for (int slot = 0; slot < numSlots; ++slot)
-    {
-        const char* empty = nullptr;
-        if (temporaryFiles[slot].compare_exchange_strong(empty, path))
-            return slot;
-    }
-    throw std::length_error("Too many output files at once");
-}
-
 bool hasSuffix(const std::string& text, const std::string& suffix)
 {
     return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
-/// Beside the target, for a rename does not cross file systems. Short: the target's own name may be as long as names
-/// can be.
-std::string makeTemporaryName(const std::filesystem::path& target, std::uint64_t attempt)
-{
-    const auto ticks = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-    const std::string name =
-        ".krige-" + std::to_string(::getpid()) + "-" + std::to_string(ticks) + "-" + std::to_string(attempt) + ".tmp";
-    return (target.parent_path() / name).string();
 }
 
 } // namespace
@@ -109,8 +50,7 @@ struct OutputFile::Deflater
     std::vector<char> packed;
 };
 
-OutputFile::OutputFile(const std::string& path_)
-    : path(isStandardStream(path_) ? "standard output" : path_), finalPath(path_)
+OutputFile::OutputFile(const std::string& path_) : path(isStandardStream(path_) ? "standard output" : path_)
 {
     if (isStandardStream(path_))
     {
@@ -121,31 +61,25 @@ OutputFile::OutputFile(const std::string& path_)
         deflater = std::make_unique<Deflater>();
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (std::filesystem::is_directory(status))
-        throw InputError(path + ": cannot be written: it is a folder");
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+        !std::filesystem::is_directory(status))
     {
         errno = 0;
         file = std::fopen(path.c_str(), "wb");
         checkIsOpen();
         return;
     }
-    if (std::filesystem::exists(status))
-    {
-        if (::access(path.c_str(), W_OK) != 0) // a rename would get round the write protection
-            throw InputError(path + ": cannot be written: " + std::generic_category().message(errno));
-        const std::filesystem::path resolved = std::filesystem::canonical(path, error);
-        if (!error)
-            finalPath = resolved.string();
-    }
-    openTemporary();
-    if (std::filesystem::exists(status)) // a replaced file keeps who may read it
-        std::filesystem::permissions(temporaryPath, status.permissions(), error);
+    pending = std::make_unique<PendingFile>(path);
+    errno = 0;
+    file = std::fopen(pending->getTemporaryPath().c_str(), "wbx");
+    checkIsOpen();
+    pending->keepPermissions();
 }
 
 OutputFile::~OutputFile()
 {
-    closeAndRemove();
+    if (file)
+        std::fclose(file);
 }
 
 /// Not by its device's name: opening that anew would cut off what a shell appends to.
@@ -163,25 +97,6 @@ void OutputFile::checkIsOpen() const
 {
     if (!file)
         throw InputError(path + ": cannot be written: " + std::generic_category().message(errno));
-}
-
-void OutputFile::openTemporary()
-{
-    installSignalHandlers();
-    for (std::uint64_t attempt = 0;; ++attempt)
-    {
-        temporaryPath = makeTemporaryName(finalPath, attempt);
-        slot = takeSlot(temporaryPath.c_str()); // before it exists: a signal in between must find it
-        errno = 0;
-        file = std::fopen(temporaryPath.c_str(), "wbx");
-        if (file)
-            return;
-        const int errorNumber = errno;
-        temporaryFiles[slot].store(nullptr);
-        slot = -1;
-        if (errorNumber != EEXIST || attempt == 100)
-            throw InputError(path + ": cannot be written: " + std::generic_category().message(errorNumber));
-    }
 }
 
 void OutputFile::write(const std::string& text)
@@ -243,24 +158,8 @@ void OutputFile::commit()
     file = nullptr;
     if (!closed)
         throwWriteError();
-    if (temporaryPath.empty())
-        return;
-    if (std::rename(temporaryPath.c_str(), finalPath.c_str()) != 0)
-        throw InputError(path + ": cannot be replaced: " + std::generic_category().message(errno));
-    temporaryFiles[slot].store(nullptr);
-    slot = -1;
-}
-
-void OutputFile::closeAndRemove()
-{
-    if (file)
-        std::fclose(file);
-    file = nullptr;
-    if (slot < 0)
-        return;
-    ::unlink(temporaryPath.c_str());
-    temporaryFiles[slot].store(nullptr);
-    slot = -1;
+    if (pending)
+        pending->commit();
 }
 
 void checkIsNotInput(const char* option, const std::string& outputPath, const std::string& inputPath)

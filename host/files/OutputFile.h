@@ -7,19 +7,17 @@
 #include <memory>
 #include <string>
 
+#include "host/files/PendingFile.h"
+
 namespace krige
 {
 
-/// A file that appears whole or not at all: written beside its place under a temporary name, and renamed by commit. An
-/// object that is destroyed without commit removes the temporary file, and so do SIGINT, SIGTERM and SIGHUP. Until
-/// commit the path keeps its old content.
-///
-/// A symbolic link stays: the file that it points to is replaced. Pipes and devices are written to directly, and so is
-/// standard output where the path is "-". A name that ends in .gz packs what is written by gzip; the same text gives
-/// the same bytes.
+/// A file that appears whole or not at all (PendingFile). Pipes and devices are written to directly, and so is standard
+/// output where the path is "-". A name that ends in .gz packs what is written by gzip; the same text gives the same
+/// bytes.
 ///
 /// Errors are InputError; ClosedPipe when the program that reads our standard output or pipe has ended and the signal
-/// for that is ignored. At most eight objects at a time, on one thread.
+/// for that is ignored.
 class OutputFile
 {
 public:
@@ -41,20 +39,16 @@ public:
 private:
     struct Deflater;
 
-    void openTemporary();
     void openStandardOutput();
     void checkIsOpen() const;
     void writeRaw(const char* bytes, std::size_t count);
     void deflateText(const char* text, std::size_t count, bool last);
     [[noreturn]] void throwWriteError() const;
-    void closeAndRemove();
 
-    std::string path;          // as given, or "standard output", for messages
-    std::string finalPath;     // where the rename goes
-    std::string temporaryPath; // empty: written to directly
+    std::string path;                     // as given, or "standard output", for messages
+    std::unique_ptr<PendingFile> pending; // null: written to directly
     std::FILE* file = nullptr;
     std::unique_ptr<Deflater> deflater; // null: plain
-    int slot = -1;                      // in the signal handler's list
 };
 
 /// Throws UsageError that begins with option where outputPath is the file that is read, also through links and under

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/geo/MapFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "host/text/ShellWord.h"
@@ -64,6 +65,18 @@ void checkCommentIsNoDelimiter(const ReadSettings& reading)
 
 } // namespace
 
+ReadSettings settingsOf(const std::string& path, const ReadSettings& reading)
+{
+    ReadSettings settings = reading;
+    if (isMapFile(path))
+    {
+        static_cast<CsvFormat&>(settings) = CsvFormat();
+        settings.delimiter = ',';
+        settings.hasHeader = true;
+    }
+    return settings;
+}
+
 void addFormatOptions(CLI::App& command, ReadSettings& reading)
 {
     command
@@ -110,6 +123,21 @@ void addMissingOption(CLI::App& command, ReadSettings& reading)
             "column are left out, and such targets get nan. A number is meant however it is written; an empty word "
             "stands for empty cells. Default: none. Example: --missing -9999,NA")
         ->type_name("WORDS");
+}
+
+void addPlaceOptions(CLI::App& command, ReadSettings& reading)
+{
+    command
+        .add_option("--crs", reading.crs,
+                    "Coordinate reference system of the inputs, which maps are written with. Default: that of the "
+                    "samples' file, where it has one. Example: --crs EPSG:28992")
+        ->type_name("CRS");
+    command
+        .add_option("--project", reading.projection,
+                    "Coordinate reference system to which the inputs of samples and targets are brought from that of "
+                    "their files or --crs, longitudes and latitudes for instance, of which distances mean nothing; "
+                    "grids and outputs are in it. Default: none. Example: --project EPSG:28992")
+        ->type_name("CRS");
 }
 
 void addReadOptions(CLI::App& command, ReadSettings& reading)

@@ -20,7 +20,12 @@ struct ReadSettings : CsvFormat
     bool hasHeader = true;    // the first row names the columns; otherwise they have numbers from 1
     bool skipMissing = false; // a cell without a number is no error, with marks: an empty one
     MissingMarks missing{};   // cells with one of these hold no value
+    std::string crs{};        // coordinate reference system of the inputs; empty: the file's own
+    std::string projection{}; // to which the inputs are brought; empty: left as they are
 };
+
+/// Those for one file: a file of maps reads as CSV text with a header row (InputFile), however tables of the run look.
+ReadSettings settingsOf(const std::string& path, const ReadSettings& reading);
 
 /// Adds --delimiter, --decimal, --comment and --no-header to a subcommand; reading must live until the command line has
 /// been parsed. A value that cannot be meant ends parsing with UsageError.
@@ -29,7 +34,10 @@ void addFormatOptions(CLI::App& command, ReadSettings& reading);
 /// Adds --missing likewise.
 void addMissingOption(CLI::App& command, ReadSettings& reading);
 
-/// Adds all of these and --skip-missing.
+/// Adds --crs and --project likewise.
+void addPlaceOptions(CLI::App& command, ReadSettings& reading);
+
+/// Adds all of these but the last two, and --skip-missing.
 void addReadOptions(CLI::App& command, ReadSettings& reading);
 
 /// The options that make these settings, each behind a blank, for a command that a person may copy; --skip-missing

@@ -105,6 +105,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options, const TakesText& 
     }
     command.get_option("--anisotropy")->excludes(command.get_option("--scale"));
     addUnitsOption(command, options.units);
+    addPlaceOptions(command, options.reading);
     addReadOptions(command, options.reading);
 }
 

@@ -92,8 +92,9 @@ const ColumnSurvey& findColumn(const FileSurvey& survey, const std::string& name
 
 } // namespace
 
-FileSurvey surveyFile(const std::string& path, const ReadSettings& reading)
+FileSurvey surveyFile(const std::string& path, const ReadSettings& settings)
 {
+    const ReadSettings reading = settingsOf(path, settings);
     CsvReader reader(path, reading);
     FileSurvey survey;
     survey.path = reader.getPath();

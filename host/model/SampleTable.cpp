@@ -6,11 +6,28 @@
 #include <limits>
 
 #include "host/files/ColumnReader.h"
+#include "host/model/InputPlaces.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 
 namespace krige
 {
+
+namespace
+{
+
+[[noreturn]] void throwWithoutImage(const SampleTable& samples, const std::string& projection)
+{
+    std::size_t i = 0;
+    while (std::none_of(samples.inputs.begin(), samples.inputs.end(),
+                        [i](const std::vector<double>& input) { return std::isnan(input[i]); }))
+        ++i;
+    throw InputError::atLine(samples.path, samples.lines[i],
+                             "the place has no image in " + projection +
+                                 "; are the inputs in the coordinate reference system that --crs or the file names?");
+}
+
+} // namespace
 
 SampleTable readSamples(const std::string& path, const std::vector<std::string>& inputNames,
                         const std::vector<std::string>& outputNames, const ReadSettings& reading)
@@ -20,6 +37,7 @@ SampleTable readSamples(const std::string& path, const std::vector<std::string>&
 
     std::vector<std::string> names = inputNames;
     names.insert(names.end(), outputNames.begin(), outputNames.end());
+    const InputPlaces places(path, inputNames, reading);
     ColumnReader reader(path, names, reading);
     SampleTable samples{reader.getPath(), inputNames, outputNames, {}, {}, {}, 0};
     std::vector<std::vector<double>> columns(names.size());
@@ -50,6 +68,10 @@ SampleTable readSamples(const std::string& path, const std::vector<std::string>&
     const auto firstOutput = columns.begin() + static_cast<std::ptrdiff_t>(inputNames.size());
     samples.inputs.assign(std::make_move_iterator(columns.begin()), std::make_move_iterator(firstOutput));
     samples.outputs.assign(std::make_move_iterator(firstOutput), std::make_move_iterator(columns.end()));
+    if (places.project(samples.inputs) > 0)
+        throwWithoutImage(samples, reading.projection);
+    samples.crs = places.getCrs();
+    samples.areDegrees = places.areDegrees(samples.inputs);
     return samples;
 }
 

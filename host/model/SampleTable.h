@@ -21,6 +21,8 @@ struct SampleTable
     std::vector<std::vector<double>> outputs; // per output variable
     std::vector<std::size_t> lines{};         // of the file, per sample
     std::size_t numSkipped = 0;               // rows left out for a missing value
+    std::string crs{};                        // coordinate reference system of the inputs; empty: unknown
+    bool areDegrees = false;                  // two inputs are a longitude and a latitude
 
     int getNumSamples() const
     {

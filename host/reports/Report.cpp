@@ -6,6 +6,7 @@
 
 #include "estimation/SystemInverse.h"
 #include "host/model/DataForm.h"
+#include "host/model/InputPlaces.h"
 #include "host/model/ModelFailure.h"
 #include "host/model/SuspiciousValues.h"
 #include "host/reports/RangeText.h"
@@ -54,6 +55,9 @@ void Report::samplesRead(const SampleTable& samples)
                << ", with a missing value\n";
     for (const std::string& warning : warningsOfSamples(samples))
         stream << warning << '\n';
+    if (samples.areDegrees)
+        stream << "warning: the inputs are longitudes and latitudes, whose degrees are not equally long; "
+               << suggestProjection(samples.inputNames, samples.inputs) << '\n';
 }
 
 void Report::formUsed(const Settings& settings)
@@ -156,6 +160,12 @@ void Report::supported(const TargetSupport& support)
         stream << "limit: " << taken << ": nan is given there\n";
     if (support.areAllUnsupported())
         stream << "warning: " << support.describeAllUnsupported() << '\n';
+}
+
+void Report::masked(const std::string& maskPath, std::uint64_t numTargets)
+{
+    stream << "mask: " << countOf(numTargets, "target") << " outside " << maskPath << (numTargets == 1 ? " is" : " are")
+           << " not estimated: nan is given there\n";
 }
 
 void Report::answered(const fenn::estimation::EngineReport& engine)

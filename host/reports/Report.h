@@ -56,6 +56,9 @@ public:
     /// What a picture shows of a grid with more nodes than it resolves; nothing for an empty text.
     void pictureThinned(const std::string& text);
 
+    /// Targets that --mask left out.
+    void masked(const std::string& maskPath, std::uint64_t numTargets);
+
     /// Which engine answered, and how far its estimates can be from the exact ones.
     void answered(const fenn::estimation::EngineReport& engine);
 

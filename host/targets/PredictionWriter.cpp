@@ -47,8 +47,8 @@ std::string encodeVtkName(const std::string& name)
 
 } // namespace
 
-CsvPredictions::CsvPredictions(OutputFile& output_, std::vector<std::string> columnNames_)
-    : output(output_), columnNames(std::move(columnNames_))
+CsvPredictions::CsvPredictions(const std::string& path, std::vector<std::string> columnNames_)
+    : output(path), columnNames(std::move(columnNames_))
 {
 }
 
@@ -87,8 +87,13 @@ void CsvPredictions::write(const std::vector<std::vector<double>>& targets,
     output.write(text);
 }
 
-VtkPredictions::VtkPredictions(OutputFile& output_, const GridSpec& grid_, std::vector<std::string> valueNames_)
-    : output(output_), grid(grid_), valueNames(std::move(valueNames_))
+void CsvPredictions::finish()
+{
+    output.commit();
+}
+
+VtkPredictions::VtkPredictions(const std::string& path, const GridSpec& grid_, std::vector<std::string> valueNames_)
+    : output(path), grid(grid_), valueNames(std::move(valueNames_))
 {
     if (grid.axes.size() > mostVtkAxes)
         throw UsageError("--output: a .vtk file holds grids of up to 3 axes, not " + std::to_string(grid.axes.size()) +
@@ -135,6 +140,11 @@ void VtkPredictions::write(const std::vector<std::vector<double>>& /*targets*/,
         output.writeAt(nextOffsets[i], bytes);
         nextOffsets[i] += bytes.size();
     }
+}
+
+void VtkPredictions::finish()
+{
+    output.commit();
 }
 
 } // namespace krige

@@ -27,6 +27,9 @@ public:
     /// targets.
     virtual void write(const std::vector<std::vector<double>>& targets, const std::vector<std::vector<double>>& values,
                        const TargetSource& source) = 0;
+
+    /// After the last block: makes the file appear.
+    virtual void finish() = 0;
 };
 
 /// One CSV line per target: inputs, values, then the kept columns of the source.
@@ -34,13 +37,14 @@ class CsvPredictions : public PredictionWriter
 {
 public:
     /// columnNames: of all columns; empty: no header row.
-    CsvPredictions(OutputFile& output_, std::vector<std::string> columnNames_);
+    CsvPredictions(const std::string& path, std::vector<std::string> columnNames_);
     void begin() override;
     void write(const std::vector<std::vector<double>>& targets, const std::vector<std::vector<double>>& values,
                const TargetSource& source) override;
+    void finish() override;
 
 private:
-    OutputFile& output;
+    OutputFile output;
     std::vector<std::string> columnNames;
     std::string text; // kept: it grows to a block's size once
 };
@@ -54,13 +58,14 @@ class VtkPredictions : public PredictionWriter
 {
 public:
     /// Throws UsageError for more than three axes.
-    VtkPredictions(OutputFile& output_, const GridSpec& grid_, std::vector<std::string> valueNames_);
+    VtkPredictions(const std::string& path, const GridSpec& grid_, std::vector<std::string> valueNames_);
     void begin() override;
     void write(const std::vector<std::vector<double>>& targets, const std::vector<std::vector<double>>& values,
                const TargetSource& source) override;
+    void finish() override;
 
 private:
-    OutputFile& output;
+    OutputFile output;
     GridSpec grid;
     std::vector<std::string> valueNames;
     std::vector<std::uint64_t> nextOffsets; // per array, of its next block

@@ -1,5 +1,6 @@
 #include "host/targets/Predictor.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
@@ -28,7 +29,52 @@ void Predictor::addMask(TargetMask mask)
     masks.push_back(std::move(mask));
 }
 
+void Predictor::setChoice(TargetChoice choice_)
+{
+    choice = std::move(choice_);
+}
+
 void Predictor::predict(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values)
+{
+    std::vector<bool> isLeftOut(choice ? targets.front().size() : 0, false);
+    if (choice)
+        choice(targets, isLeftOut);
+    if (std::find(isLeftOut.begin(), isLeftOut.end(), true) == isLeftOut.end())
+        predictAll(targets, values);
+    else
+        predictChosen(targets, isLeftOut, values);
+}
+
+void Predictor::predictChosen(const std::vector<std::vector<double>>& targets, const std::vector<bool>& isLeftOut,
+                              std::vector<std::vector<double>>& values)
+{
+    const std::size_t numTargets = targets.front().size();
+    std::vector<std::size_t> chosen;
+    for (std::size_t t = 0; t < numTargets; ++t)
+    {
+        if (!isLeftOut[t])
+            chosen.push_back(t);
+    }
+    numLeftOut += numTargets - chosen.size();
+    std::vector<std::vector<double>> chosenTargets(targets.size());
+    for (std::size_t v = 0; v < targets.size(); ++v)
+    {
+        for (const std::size_t t : chosen)
+            chosenTargets[v].push_back(targets[v][t]);
+    }
+    std::vector<std::vector<double>> chosenValues(columns.size());
+    if (!chosen.empty())
+        predictAll(chosenTargets, chosenValues);
+    values.resize(columns.size());
+    for (std::size_t c = 0; c < columns.size(); ++c)
+    {
+        values[c].assign(numTargets, std::numeric_limits<double>::quiet_NaN());
+        for (std::size_t i = 0; i < chosen.size(); ++i)
+            values[c][chosen[i]] = chosenValues[c][i];
+    }
+}
+
+void Predictor::predictAll(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values)
 {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();

@@ -29,6 +29,9 @@ struct AnsweredTargets
 using TargetMask = std::function<void(const std::vector<std::vector<double>>& targets, const AnsweredTargets& answers,
                                       std::vector<bool>& isMasked)>;
 
+/// Marks targets that nothing is to be estimated at: sets isLeftOut[t], which is false for all of them at first.
+using TargetChoice = std::function<void(const std::vector<std::vector<double>>& targets, std::vector<bool>& isLeftOut)>;
+
 /// Makes the columns of predictions, block by block. To add a column: a Quantity, its place in choosePredictionColumns,
 /// its formula in valueOf.
 class Predictor
@@ -42,6 +45,10 @@ public:
 
     /// To be called before the first block. Every mask sees the answers as the model gave them.
     void addMask(TargetMask mask);
+
+    /// To be called before the first block: targets that it leaves out get nan without being estimated, and no mask
+    /// sees them.
+    void setChoice(TargetChoice choice_);
 
     /// Replaces values by one column per prediction column. targets: one column per input. Throws as
     /// SampleModel::estimate.
@@ -65,12 +72,21 @@ public:
         return numMasked;
     }
 
+    /// Targets so far that the choice left out.
+    std::uint64_t getNumLeftOut() const
+    {
+        return numLeftOut;
+    }
+
     double getLibrarySeconds() const
     {
         return seconds;
     }
 
 private:
+    void predictAll(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values);
+    void predictChosen(const std::vector<std::vector<double>>& targets, const std::vector<bool>& isLeftOut,
+                       std::vector<std::vector<double>>& values);
     void deriveUncertainty();
     double valueOf(const PredictionColumn& column, std::size_t t) const;
     void applyMasks(const std::vector<std::vector<double>>& targets, std::vector<std::vector<double>>& values);
@@ -78,6 +94,7 @@ private:
     const SampleModel& model;
     std::vector<PredictionColumn> columns;
     std::vector<TargetMask> masks;
+    TargetChoice choice;
     std::vector<double> sills; // per output; empty: no variances
     double intervalFactor;     // half an interval in standard errors
     fenn::analysis::OutputUnits units;
@@ -85,6 +102,7 @@ private:
     std::uint64_t numWithoutEstimate = 0;
     std::uint64_t numWithoutVariance = 0;
     std::uint64_t numMasked = 0;
+    std::uint64_t numLeftOut = 0;
     double seconds = 0.0;
 };
 

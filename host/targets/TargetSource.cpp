@@ -26,7 +26,9 @@ std::uint64_t countTargets(const std::string& path, const ReadSettings& settings
 
 FileTargets::FileTargets(const std::string& path, const std::vector<std::string>& inputNames,
                          const ReadSettings& settings, const std::vector<std::string>& keptNames, const Shard& shard)
-    : reader(path, inputNames, settings, keptNames), numRemaining(std::numeric_limits<std::uint64_t>::max())
+    : places(path, inputNames, settings),
+      reader(path, inputNames, settings, keptNames),
+      numRemaining(std::numeric_limits<std::uint64_t>::max())
 {
     if (shard.isWhole())
         return;
@@ -39,6 +41,7 @@ std::size_t FileTargets::read(std::vector<std::vector<double>>& columns, std::si
 {
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(maxTargets, numRemaining));
     const std::size_t numTargets = reader.read(columns, wanted);
+    places.project(columns);
     numRemaining -= numTargets;
     return numTargets;
 }

@@ -9,6 +9,7 @@
 
 #include "host/files/ColumnReader.h"
 #include "host/files/ReadSettings.h"
+#include "host/model/InputPlaces.h"
 #include "host/targets/GridSpec.h"
 #include "host/targets/Shard.h"
 
@@ -32,7 +33,8 @@ public:
     virtual std::string_view getTexts(std::size_t t) const = 0;
 };
 
-/// Targets from the rows of a CSV file. With --skip-missing a missing coordinate is NaN.
+/// Targets from the rows of a CSV file, from points or cells. With --skip-missing a missing coordinate is NaN, and with
+/// --project a place that has no image.
 class FileTargets : public TargetSource
 {
 public:
@@ -44,6 +46,7 @@ public:
     std::string_view getTexts(std::size_t t) const override;
 
 private:
+    InputPlaces places;
     ColumnReader reader;
     std::uint64_t numRemaining;
 };

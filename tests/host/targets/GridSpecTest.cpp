@@ -134,3 +134,78 @@ TEST(GridSpecTest, MoreNodesThanCanBeCountedAreRefused)
 {
     EXPECT_THAT(errorOf("x=0:1:10000000000,y=0:1:10000000000"), HasSubstr("too many nodes"));
 }
+
+TEST(GridSpecTest, CellsCoverTheSamplesWithEdgesAtMultiplesOfTheirSize)
+{
+    GridSpec grid = parseGridSpec(" cell=40 ", {"x", "y"});
+    spanSamples(grid, {{50.0, 130.0}, {-10.0, 80.0}});
+
+    EXPECT_EQ(grid.axes[0].count, 3u); // 40 to 160
+    EXPECT_EQ(grid.axes[0].getNode(0), 60.0);
+    EXPECT_EQ(grid.axes[0].getNode(2), 140.0);
+    EXPECT_EQ(grid.axes[0].low, 60.0);
+    EXPECT_EQ(grid.axes[0].high, 140.0);
+    EXPECT_EQ(grid.axes[1].count, 3u); // -40 to 80
+    EXPECT_EQ(grid.axes[1].getNode(0), -20.0);
+    EXPECT_EQ(grid.numNodes, 9u);
+}
+
+TEST(GridSpecTest, SamplesInOnePlaceGetOneCell)
+{
+    GridSpec grid = parseGridSpec("cell=10", {"x"});
+    spanSamples(grid, {{20.0, 20.0}});
+
+    EXPECT_EQ(grid.axes[0].count, 1u);
+    EXPECT_EQ(grid.axes[0].getNode(0), 25.0);
+}
+
+TEST(GridSpecTest, CellsThatAreNoneAreRefused)
+{
+    EXPECT_THAT(errorOf("cell=0"), HasSubstr("'cell=0': the size of a cell must be above 0"));
+    EXPECT_THAT(errorOf("cell=-5"), HasSubstr("the size of a cell must be above 0"));
+    EXPECT_THAT(errorOf("cell=forty"), HasSubstr("--grid: 'cell=forty': "));
+    EXPECT_THAT(errorOf("cell="), HasSubstr("--grid: 'cell=': "));
+    GridSpec grid = parseGridSpec("cell=1e-300", {"x", "y"});
+    EXPECT_THAT(krige::test::messageOf<krige::InputError>(
+                    [&] {
+                        spanSamples(grid, {{0.0, 1.0}, {0.0, 1.0}});
+                    }),
+                HasSubstr("cells of 1e-300 are too small for the samples' range of 'x'"));
+}
+
+TEST(GridSpecTest, AnInputNamedCellHasAnAxisOfThatName)
+{
+    const GridSpec grid = parseGridSpec("cell=0:1:3", {"cell"});
+
+    EXPECT_EQ(grid.axes[0].count, 3u);
+    EXPECT_EQ(grid.cellSize, 0.0);
+}
+
+TEST(GridSpecTest, TheCellsOfARasterAreThoseOfItsEdges)
+{
+    GridSpec grid = parseGridSpec("like=a b.tif", {"x", "y"});
+    EXPECT_EQ(grid.likePath, "a b.tif");
+    useCells(grid, {4, 3, 0.1, 7.3, 0.2, 0.7});
+
+    EXPECT_EQ(grid.numNodes, 12u);
+    EXPECT_EQ(grid.axes[0].getNode(3), 0.1 + 3.5 * 0.2);
+    EXPECT_EQ(grid.axes[1].getNode(2), 7.3 - 0.5 * 0.7); // the first row, from the top
+    EXPECT_EQ(grid.axes[1].getNode(0), 7.3 - 2.5 * 0.7);
+    EXPECT_LT(grid.axes[1].low, grid.axes[1].high);
+}
+
+TEST(GridSpecTest, TheRowsOfARasterGoToTheLatitude)
+{
+    GridSpec grid = parseGridSpec("like=dem.tif", {"lat", "lon"});
+    useCells(grid, {4, 3, 0.0, 3.0, 1.0, 1.0});
+
+    EXPECT_EQ(grid.axes[0].count, 3u);
+    EXPECT_EQ(grid.axes[1].count, 4u);
+}
+
+TEST(GridSpecTest, ARasterHasTwoInputs)
+{
+    EXPECT_THAT(krige::test::messageOf<krige::UsageError>([] { parseGridSpec("like=dem.tif", {"x"}); }),
+                HasSubstr("--grid: a raster has the cells of two inputs, but there is 1 input"));
+    EXPECT_THAT(errorOf("like="), HasSubstr("like= needs the name of a raster"));
+}

@@ -8,7 +8,6 @@
 #include "tests/host/TemporaryFolder.h"
 
 using krige::GridSpec;
-using krige::OutputFile;
 using krige::test::messageOf;
 using krige::test::TemporaryFolder;
 using testing::HasSubstr;
@@ -60,35 +59,35 @@ protected:
         writer.begin();
         writer.write({{1, 2}, {3, 4}}, {{0.5, 0.25}}, TextSource(",a"));
         writer.write({{5}, {6}}, {{0.1}}, TextSource(",\"b,c\""));
-        output.commit();
+        writer.finish();
         return folder.read("out");
     }
 
     TemporaryFolder folder;
-    OutputFile output{folder.pathOf("out")};
+    std::string path = folder.pathOf("out");
 };
 
 } // namespace
 
 TEST_F(PredictionWriterTest, CsvLinesAreInputsThenValuesThenTheSourcesTexts)
 {
-    krige::CsvPredictions writer(output, {"x", "y", "z", "id"});
+    krige::CsvPredictions writer(path, {"x", "y", "z", "id"});
 
     EXPECT_EQ(written(writer), "x,y,z,id\n1,3,0.5,a\n2,4,0.25,a\n5,6,0.1,\"b,c\"\n");
 }
 
 TEST_F(PredictionWriterTest, NamesThatNeedThemHaveQuotes)
 {
-    krige::CsvPredictions writer(output, {"a,b", "c\"d"});
+    krige::CsvPredictions writer(path, {"a,b", "c\"d"});
     writer.begin();
-    output.commit();
+    writer.finish();
 
     EXPECT_EQ(folder.read("out"), "\"a,b\",\"c\"\"d\"\n");
 }
 
 TEST_F(PredictionWriterTest, ALaterShardsCsvHasNoHeaderRow)
 {
-    krige::CsvPredictions writer(output, {});
+    krige::CsvPredictions writer(path, {});
 
     EXPECT_THAT(written(writer), StartsWith("1,3,0.5,a\n"));
 }
@@ -96,7 +95,7 @@ TEST_F(PredictionWriterTest, ALaterShardsCsvHasNoHeaderRow)
 TEST_F(PredictionWriterTest, AVtkFileTellsTheGridAndNamesTheArrays)
 {
     const GridSpec grid = krige::parseGridSpec("x=0:2:3,y=10:10:1", {"x", "y"});
-    krige::VtkPredictions writer(output, grid, {"z (m)"});
+    krige::VtkPredictions writer(path, grid, {"z (m)"});
 
     EXPECT_THAT(written(writer),
                 StartsWith("# vtk DataFile Version 3.0\nkrige predict\nBINARY\n"
@@ -107,7 +106,7 @@ TEST_F(PredictionWriterTest, AVtkFileTellsTheGridAndNamesTheArrays)
 TEST_F(PredictionWriterTest, AVtkArrayHoldsTheBitsOfItsValuesBlockAfterBlock)
 {
     const GridSpec grid = krige::parseGridSpec("x=0:2:3,y=10:10:1", {"x", "y"});
-    krige::VtkPredictions writer(output, grid, {"z"});
+    krige::VtkPredictions writer(path, grid, {"z"});
     const std::string bytes = written(writer);
 
     EXPECT_EQ(doublesAt(bytes, bytes.size() - 25, 3), (std::vector<double>{0.5, 0.25, 0.1}));
@@ -117,11 +116,11 @@ TEST_F(PredictionWriterTest, AVtkArrayHoldsTheBitsOfItsValuesBlockAfterBlock)
 TEST_F(PredictionWriterTest, VtkArraysFollowEachOtherThoughTheirBlocksTakeTurns)
 {
     const GridSpec grid = krige::parseGridSpec("x=0:1:2", {"x"});
-    krige::VtkPredictions writer(output, grid, {"a", "b"});
+    krige::VtkPredictions writer(path, grid, {"a", "b"});
     writer.begin();
     writer.write({{0}}, {{1}, {3}}, TextSource(""));
     writer.write({{1}}, {{2}, {4}}, TextSource(""));
-    output.commit();
+    writer.finish();
     const std::string bytes = folder.read("out");
     const std::string secondHeader = "\nSCALARS b double 1\nLOOKUP_TABLE default\n";
     const std::size_t second = bytes.find(secondHeader);
@@ -135,6 +134,6 @@ TEST_F(PredictionWriterTest, AVtkFileHasNoRoomForFourAxes)
 {
     const GridSpec grid = krige::parseGridSpec("2x2x2x2", {"a", "b", "c", "d"});
 
-    EXPECT_EQ(messageOf<krige::UsageError>([&] { const krige::VtkPredictions writer(output, grid, {"z"}); }),
+    EXPECT_EQ(messageOf<krige::UsageError>([&] { const krige::VtkPredictions writer(path, grid, {"z"}); }),
               "--output: a .vtk file holds grids of up to 3 axes, not 4; name a .csv file");
 }

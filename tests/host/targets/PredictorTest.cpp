@@ -108,4 +108,42 @@ TEST_F(PredictorTest, ALaterBlockMayBeShorter)
         EXPECT_EQ(column.size(), 1u);
 }
 
+TEST_F(PredictorTest, TargetsThatAreLeftOutGetNanAndTheOthersKeepTheirBits)
+{
+    const Columns expected = predict({true, 0.0});
+    Predictor predictor(model, choosePredictionColumns({"a", "b"}, {true, 0.0}), {4.0, 9.0}, 0.0);
+    std::size_t numSeenByMask = 0;
+    predictor.addMask([&](const Columns& at, const AnsweredTargets&, std::vector<bool>&)
+                      { numSeenByMask += at[0].size(); });
+    predictor.setChoice([](const Columns& at, std::vector<bool>& isLeftOut) { isLeftOut[1] = at[0][1] == 2.0; });
+    Columns values;
+    predictor.predict(targets, values);
+
+    for (std::size_t c = 0; c < values.size(); ++c)
+    {
+        EXPECT_EQ(values[c][0], expected[c][0]);
+        EXPECT_TRUE(std::isnan(values[c][1]));
+        EXPECT_EQ(values[c][2], expected[c][2]);
+    }
+    EXPECT_EQ(numSeenByMask, 2u);
+    EXPECT_EQ(predictor.getNumLeftOut(), 1u);
+    EXPECT_EQ(predictor.getNumWithoutEstimate(), 0u);
+}
+
+TEST_F(PredictorTest, AllTargetsMayBeLeftOut)
+{
+    Predictor predictor(model, choosePredictionColumns({"a", "b"}, {}), {}, 0.0);
+    predictor.setChoice([](const Columns&, std::vector<bool>& isLeftOut) { isLeftOut.assign(isLeftOut.size(), true); });
+    Columns values;
+    predictor.predict(targets, values);
+
+    ASSERT_EQ(values.size(), 2u);
+    for (const std::vector<double>& column : values)
+    {
+        EXPECT_EQ(column.size(), 3u);
+        EXPECT_TRUE(std::isnan(column[0]));
+    }
+    EXPECT_EQ(predictor.getNumLeftOut(), 3u);
+}
+
 } // namespace

@@ -16,6 +16,11 @@ krige info samples.csv | head -n 5
 krige predict samples.csv --inputs x,y --outputs elevation --grid 20x10 --interval 95 -o map.csv
 [ "$(wc -l <map.csv)" = 201 ]
 head -n 1 map.csv
+! krige predict samples.csv --inputs x,y --outputs elevation --grid cell=20 -o map.tif 2>message.txt
+grep -q 'comes with the package krige-gdal' message.txt
+install /packages/krige-gdal_*.deb
+krige predict samples.csv --inputs x,y --outputs elevation --grid cell=20 --crs EPSG:27200 -o map.tif
+[ -s map.tif ]
 [ -s /usr/share/man/man1/krige.1.gz ]
 # Loads completions as a person's shell does.
 bash -c '. /usr/share/bash-completion/completions/krige && complete -p krige'
