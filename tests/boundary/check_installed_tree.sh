@@ -34,7 +34,8 @@ expected=$(
         "$libdir/pkgconfig/fenn-surrogatemodel-kriging.pc"
 )
 status=0
-if ! diff <(sort <<<"$expected") <(find "$includedir" "$libdir" ! -type d | sort); then
+# The module of krige is not the library's, and lies there where it was built.
+if ! diff <(sort <<<"$expected") <(find "$includedir" "$libdir" ! -type d ! -path "$libdir/krige/*" | sort); then
     echo "the installed tree differs: < is missing, > is one too many"
     status=1
 fi

@@ -117,7 +117,7 @@ TEST(RasterGridTest, CellsAreSquareButForRounding)
     const RasterFrame square{2, 2, 0.0, 0.0, 0.1, 0.1 + 1e-16};
     const RasterFrame oblong{2, 2, 0.0, 0.0, 1.0, 1.001};
 
-    EXPECT_EQ(messageOf<InputError>([&] { checkCellsAreSquare(square, "map.asc"); }), "");
+    EXPECT_EQ(messageOf<InputError>([&] { checkCellsAreSquare(square, "map.asc"); }), "nothing was thrown");
     EXPECT_THAT(messageOf<InputError>([&] { checkCellsAreSquare(oblong, "map.asc"); }),
                 HasSubstr("map.asc: such a file has square cells, but these are 1 by 1.001"));
 }
