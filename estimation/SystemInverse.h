@@ -40,8 +40,8 @@ public:
     /// Matrix::luSolve.
     virtual std::vector<double> solve(const std::vector<double>& values) const = 0;
 
-    /// Per drift term, the constant last, the entries of its row of K^-1 that belong to points. Costs a solve each. Throws
-    /// Error as Matrix::luSolve.
+    /// Per drift term, the constant last, the entries of its row of K^-1 that belong to points. Costs a solve each.
+    /// Throws Error as Matrix::luSolve.
     virtual std::vector<std::vector<double>> calcDriftRows() const = 0;
 
     /// Natural logarithm of the magnitude of K's determinant, which is that of C times that of F^T C^-1 F.

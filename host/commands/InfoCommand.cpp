@@ -177,10 +177,11 @@ std::string describeDefaultRange(const SampleTable& samples, const std::string& 
 InfoCommand::InfoCommand(CLI::App& command)
 {
     command
-        .add_option("SAMPLES", path,
-                    "CSV file of the samples, with a header row; may be packed by gzip, xz, zstd, bzip2 or zip; - is standard "
-                    "input. Example: "
-                    "samples.csv")
+        .add_option(
+            "SAMPLES", path,
+            "CSV file of the samples, with a header row; may be packed by gzip, xz, zstd, bzip2 or zip; - is standard "
+            "input. Example: "
+            "samples.csv")
         ->type_name("FILE")
         ->required();
     command

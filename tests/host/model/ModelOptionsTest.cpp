@@ -121,7 +121,8 @@ TEST(ModelOptionsTest, EmptyNamesAreRefused)
 {
     EXPECT_EQ(messageOf<UsageError>([] { krige::parseNames("--inputs", ""); }),
               "--inputs: needs the name of at least one column");
-    EXPECT_EQ(messageOf<UsageError>([] { krige::parseNames("--inputs", "x,"); }), "--inputs: 'x,' holds an empty name; names are joined by commas without blanks, as in x,y");
+    EXPECT_EQ(messageOf<UsageError>([] { krige::parseNames("--inputs", "x,"); }),
+              "--inputs: 'x,' holds an empty name; names are joined by commas without blanks, as in x,y");
 }
 
 TEST(ModelOptionsTest, AColumnThatIsNamedTwiceIsRefused)

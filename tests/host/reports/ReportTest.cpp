@@ -77,7 +77,8 @@ TEST(ReportTest, WithoutAToleranceNothingIsMerged)
     ModelSettings settings;
     settings.nugget = 0.1;
 
-    EXPECT_THAT(saidOfModel(samplesWithDuplicates(), settings), StartsWith("merged: none, for --duplicates merge is not given\n"));
+    EXPECT_THAT(saidOfModel(samplesWithDuplicates(), settings),
+                StartsWith("merged: none, for --duplicates merge is not given\n"));
 }
 
 TEST(ReportTest, CoincidentSamplesGiveAWarningUnlessMergedOrReplicatesByANugget)

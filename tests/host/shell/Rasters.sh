@@ -335,7 +335,7 @@ test_AFailingRunLeavesWhatWasThere()
 test_CtrlCLeavesNoRaster()
 {
     write_map
-    "$program" predict map.csv --inputs x,y --outputs z --grid cell=0.01 -o map.tif >out 2>err &
+    "$program" predict map.csv --inputs x,y --outputs z --grid cell=0.01 --yes -o map.tif >out 2>err &
     pid=$!
     tries=0
     until [ -n "$(find . -name '.krige-*.tmp*')" ]; do
