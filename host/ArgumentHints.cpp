@@ -136,6 +136,9 @@ std::string describeParseError(const CLI::App& app, const CLI::ParseError& error
     const Words unexpected = app.remaining(true);
     if (app.get_subcommands().empty())
         return unexpected.empty() ? error.what() : describeNoSubcommand(app, unexpected.front());
+    const Words early = app.remaining();
+    if (!early.empty() && isOption(early.front()))
+        return describeNoSubcommand(app, early.front());
     const CLI::App& subcommand = *app.get_subcommands().front();
     const auto option = std::find_if(unexpected.begin(), unexpected.end(), isOption);
     if (option != unexpected.end())
