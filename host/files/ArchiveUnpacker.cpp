@@ -20,7 +20,7 @@ namespace krige
 namespace
 {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 constexpr std::size_t blockSize = std::size_t{1} << 16;
 

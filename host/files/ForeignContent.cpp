@@ -9,7 +9,7 @@ namespace krige
 namespace
 {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 struct Format
 {

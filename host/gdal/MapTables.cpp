@@ -231,7 +231,8 @@ protected:
                             [cell](const std::vector<double>& band) { return std::isnan(band[cell]); }))
                 continue;
             const auto column = static_cast<double>(cell % frame.width);
-            const auto row = static_cast<double>(nextRow + cell / frame.width);
+            const std::uint64_t rowOfCell = nextRow + cell / frame.width;
+            const auto row = static_cast<double>(rowOfCell);
             appendNumber(out, frame.left + (column + 0.5) * frame.cellWidth);
             out += ',';
             appendNumber(out, frame.top - (row + 0.5) * frame.cellHeight);

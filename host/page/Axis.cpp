@@ -77,8 +77,9 @@ void Axis::addMarks(int mostMarks)
     }
     const double first = std::ceil(low / step - 1e-9);
     const double last = std::floor(high / step + 1e-9);
-    for (double i = first; i <= last; i += 1.0)
+    for (int k = 0; first + k <= last; ++k)
     {
+        const double i = first + k;
         const double value = std::clamp(i * step, low, high);
         marks.push_back({value, isFixed ? fixedText(i * step - base, decimals) : scientificText(i * step)});
     }

@@ -114,8 +114,11 @@ Ticks makeTicks(const AxisRange& range, const Step& step)
     const double last = std::floor(range.high / size + slack);
     if (last - first > mostTicks)
         return ticks;
-    for (double i = first; i <= last; ++i)
+    for (int k = 0; first + k <= last; ++k)
+    {
+        const double i = first + k;
         ticks.ticks.push_back({step.exponent < 0 ? i * step.mantissa / std::pow(10.0, -step.exponent) : i * size, {}});
+    }
     if (ticks.ticks.empty())
         return ticks;
     label(ticks, step.exponent);

@@ -117,11 +117,13 @@ private:
             return isShown(j * nodes.xNodes.size() + i, Reach::Extrapolated);
         };
         std::vector<std::vector<double>> strokes(4); // from, then by how much
-        for (double start = spacing / 2 - height; start < width; start += spacing)
+        for (int line = 0; spacing / 2 - height + line * spacing < width; ++line)
         {
+            const double start = spacing / 2 - height + line * spacing;
             double begin = -1.0;
-            for (double up = 0.0; up <= height + 2 * sampling; up += sampling)
+            for (int sample = 0; sample * sampling <= height + 2 * sampling; ++sample)
             {
+                const double up = sample * sampling;
                 const bool isOn = isHatched(start + up, up);
                 if (isOn && begin < 0.0)
                     begin = up;
@@ -219,7 +221,7 @@ private:
 
 } // namespace
 
-void addMap(Picture& picture, Panel panel, const MapContent& content, const SurfaceOptions& options)
+void addMap(Picture& picture, const Panel& panel, const MapContent& content, const SurfaceOptions& options)
 {
     MapDrawing(picture, panel, content, options).draw();
 }

@@ -41,7 +41,7 @@ struct MapContent
 /// Adds a surface in colours to a picture: nodes as cells, those that are extrapolated hatched, those out of reach
 /// grey, those without a value white; over them contours, samples and targets. panel: with its axes' names, its title
 /// and its colours but for their limits, which follow what samples surround.
-void addMap(Picture& picture, Panel panel, const MapContent& content, const SurfaceOptions& options);
+void addMap(Picture& picture, const Panel& panel, const MapContent& content, const SurfaceOptions& options);
 
 /// Axes of one unit, as far as their lengths tell, are drawn to one scale.
 bool haveOneScale(const AxisRange& x, const AxisRange& y);

@@ -174,7 +174,8 @@ std::string Picture::buildPanels(Canvas& canvas) const
     for (std::size_t i = 0; i < panels.size(); ++i)
     {
         const auto column = static_cast<double>(i % countColumns());
-        const auto row = static_cast<double>(i / countColumns());
+        const std::size_t rowOfPanel = i / countColumns();
+        const auto row = static_cast<double>(rowOfPanel);
         const Rectangle cell{column * cellWidth, canvas.height - above - (row + 1) * cellHeight, cellWidth, cellHeight};
         commands += "reset\nset style textbox opaque noborder margins 0.3,0.3 fillcolor '#50ffffff'\n" +
                     layouts[i].commands(cell, canvas.width, canvas.height) + panels[i].commands;

@@ -231,7 +231,7 @@ class KrigingRegressor(_compat.Tags, RegressorMixin, BaseEstimator):  # type: ig
 
     def _set_fitted(self, samples: CheckedSamples, model: Model) -> None:
         self.X_train_ = samples.X
-        self.y_train_ = samples.y
+        self.y_train_: FloatArray = samples.y
         self.n_missing_ = samples.n_missing
         self.output_names_: list[str] = samples.output_names
         self.model_ = model
