@@ -44,7 +44,7 @@ const char* nameOfFormat(std::string_view head)
         return "xz";
     if (beginsWith(head, "\x28\xb5\x2f\xfd"sv))
         return "zstd";
-    if (beginsWith(head, "BZh"sv) && head.substr(4, 6) == "1AY&SY"sv)
+    if (beginsWith(head, "BZh"sv) && head.size() >= ArchiveUnpacker::markLength && head.substr(4, 6) == "1AY&SY"sv)
         return "bzip2";
     return nullptr;
 }

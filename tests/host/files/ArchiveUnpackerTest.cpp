@@ -190,6 +190,6 @@ TEST_F(ArchiveUnpackerTest, DamagedPackedDataAreAnError)
 
 TEST_F(ArchiveUnpackerTest, OnlyMarksOfPackedDataAreTakenForSuch)
 {
-    for (const char* const text : {"PK", "PK3,4", "BZh91,x", "x,y", ""})
+    for (const char* const text : {"PK", "PK3,4", "BZh", "BZh91,x", "x,y", ""})
         EXPECT_FALSE(krige::ArchiveUnpacker::isPacked(text)) << text;
 }
