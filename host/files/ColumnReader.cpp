@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "host/files/settingsOf.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "host/text/Utf8.h"

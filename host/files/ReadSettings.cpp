@@ -5,7 +5,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/geo/MapFile.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "host/text/ShellWord.h"
@@ -64,18 +63,6 @@ void checkCommentIsNoDelimiter(const ReadSettings& reading)
 }
 
 } // namespace
-
-ReadSettings settingsOf(const std::string& path, const ReadSettings& reading)
-{
-    ReadSettings settings = reading;
-    if (isMapFile(path))
-    {
-        static_cast<CsvFormat&>(settings) = CsvFormat();
-        settings.delimiter = ',';
-        settings.hasHeader = true;
-    }
-    return settings;
-}
 
 void addFormatOptions(CLI::App& command, ReadSettings& reading)
 {

@@ -24,9 +24,6 @@ struct ReadSettings : CsvFormat
     std::string projection{}; // to which the inputs are brought; empty: left as they are
 };
 
-/// Those for one file: a file of maps reads as CSV text with a header row (InputFile), however tables of the run look.
-ReadSettings settingsOf(const std::string& path, const ReadSettings& reading);
-
 /// Adds --delimiter, --decimal, --comment and --no-header to a subcommand; reading must live until the command line has
 /// been parsed. A value that cannot be meant ends parsing with UsageError.
 void addFormatOptions(CLI::App& command, ReadSettings& reading);

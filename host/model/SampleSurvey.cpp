@@ -9,6 +9,7 @@
 
 #include "host/files/CsvReader.h"
 #include "host/files/HeaderRow.h"
+#include "host/files/settingsOf.h"
 #include "host/text/HostErrors.h"
 #include "host/text/NumberText.h"
 #include "host/text/Spelling.h"
